@@ -1,0 +1,269 @@
+#include "tests/interface/ElfFile.h"
+#include "tests/support/TestSupport.h"
+
+#include <tlvlib/tlvlib.h>
+
+#include <cxxabi.h>
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <type_traits>
+
+/*
+ * The binary interface: what a browser that was built with an earlier version of the library relies on. When
+ * one of these checks fails, the change breaks such browsers; the checks only ever grow.
+ *
+ * To add a class: its lines in symbols.txt, a SIGNATURE for each operation, and its records' mirrors.
+ */
+
+// --- Signatures -------------------------------------------------------------------------------------------
+// Results are no part of a symbol's name, so they are checked here.
+
+#define SIGNATURE(operation, ...)                                                                            \
+    static_assert(std::is_same<decltype(&operation), __VA_ARGS__>::value, #operation " has changed")
+
+typedef TVNC_XMLNode Node;
+typedef TVNC_XMLReader Reader;
+typedef TVNC_XMLWriter Writer;
+typedef TVNC_XMLSetting Setting;
+typedef TVNC_FontListSetting FontList;
+
+static_assert(std::is_same<decltype(TVNG_DebugPrint(0ul, "x")), void>::value, "TVNG_DebugPrint has changed");
+SIGNATURE(TVNG_DebugSetLogLevel, void (*)(unsigned long));
+SIGNATURE(TVNG_SetSignalHandler01, void (*)());
+SIGNATURE(TVNG_DebugAttachMemory, void (*)());
+SIGNATURE(ul_outputLevel, quint32*);
+SIGNATURE(g_uc_SystemLogLevel, unsigned char*);
+
+SIGNATURE(QEXC_TextCodec::fromSJIS, QString (*)(const char*));
+SIGNATURE(TVNC_IwsUrl::IsIwsContents, bool (*)(const QUrl&, char, char*, char*));
+
+SIGNATURE(Node::getXMLNodeParent, Node* (Node::*)());
+SIGNATURE(Node::getXMLNodeChildren, QList<Node*>& (Node::*)());
+SIGNATURE(Node::getAttribute, QXmlStreamAttributes& (Node::*)());
+SIGNATURE(Node::getName, QString& (Node::*)());
+SIGNATURE(Node::getText, QString& (Node::*)());
+SIGNATURE(Node::getTextType, char (Node::*)());
+SIGNATURE(Node::setName, void (Node::*)(QString&));
+SIGNATURE(Node::setText, void (Node::*)(QString&));
+SIGNATURE(Node::setTextType, void (Node::*)(char));
+SIGNATURE(Node::setAttribute, void (Node::*)(QXmlStreamAttributes&));
+SIGNATURE(Node::addXMLNode, void (Node::*)(Node*, char&));
+SIGNATURE(Node::removeXMLNode, void (Node::*)(Node*));
+SIGNATURE(Node::getChildByName, Node* (Node::*)(QString&, int&));
+SIGNATURE(Node::getXMLNodeChildByName, Node* (Node::*)(QString&));
+SIGNATURE(Node::getXMLNodeChildrenByName, QList<Node*> (Node::*)(QString&));
+SIGNATURE(Node::getXMLNodeChildByID, Node* (Node::*)(int, QString&));
+static_assert(std::is_constructible<Node, Node*, char>::value, "the node's constructor has changed");
+static_assert(std::is_base_of<QObject, Node>::value, "deleteLater() needs a QObject");
+
+static_assert(std::is_same<decltype(static_cast<Node* (Reader::*)(QString&)>(&Reader::read)),
+                           Node* (Reader::*)(QString&)>::value,
+              "read has changed");
+static_assert(std::is_same<decltype(static_cast<Node* (Reader::*)(QIODevice&)>(&Reader::read)),
+                           Node* (Reader::*)(QIODevice&)>::value,
+              "read has changed");
+SIGNATURE(Reader::readXMLNode, Node* (Reader::*)(Node*));
+SIGNATURE(Reader::readText, void (Reader::*)(Node*));
+static_assert(std::is_base_of<QXmlStreamReader, Reader>::value, "the reader's base has changed");
+
+static_assert(std::is_same<decltype(static_cast<bool (Writer::*)(QString&, Node*)>(&Writer::write)),
+                           bool (Writer::*)(QString&, Node*)>::value,
+              "write has changed");
+static_assert(std::is_same<decltype(static_cast<bool (Writer::*)(QIODevice&, Node*)>(&Writer::write)),
+                           bool (Writer::*)(QIODevice&, Node*)>::value,
+              "write has changed");
+SIGNATURE(Writer::writeXMLNode, bool (Writer::*)(Node*));
+static_assert(std::is_base_of<QXmlStreamWriter, Writer>::value, "the writer's base has changed");
+
+SIGNATURE(Setting::load, void (Setting::*)(QString&));
+SIGNATURE(Setting::save, void (Setting::*)(QString&));
+SIGNATURE(Setting::getXMLRootNodeChildCntByName, int (Setting::*)(QString&, QString&));
+SIGNATURE(Setting::setIDforChildren, void (Setting::*)(QString&));
+SIGNATURE(Setting::deleteXMLNodeByID, void (Setting::*)(int, QString&));
+SIGNATURE(Setting::deleteAllXMLNode, void (Setting::*)());
+SIGNATURE(Setting::deleteAllSetting, void (Setting::*)());
+SIGNATURE(Setting::addXMLChild,
+          Node* (Setting::*)(Node*, QString&, QString&, char&, QXmlStreamAttributes&, char));
+SIGNATURE(Setting::getXMLRootNode, Node* (Setting::*)());
+SIGNATURE(Setting::createXMLRootNode, void (Setting::*)());
+SIGNATURE(Setting::getGrandchildNode, Node* (Setting::*)(QString, QString));
+SIGNATURE(Setting::setElement, Node* (Setting::*)(Node*, QString, QString, QXmlStreamAttributes, char, char));
+SIGNATURE(Setting::getXMLNodeCnt, int (Setting::*)());
+static_assert(!std::has_virtual_destructor<Setting>::value, "the virtual table has changed");
+
+SIGNATURE(FontList::getInstance, FontList* (*)());
+SIGNATURE(FontList::loadFontList, void (FontList::*)(QString));
+SIGNATURE(FontList::saveFontList, void (FontList::*)(QString));
+SIGNATURE(FontList::getCount, int (FontList::*)());
+SIGNATURE(FontList::getFont, QString (FontList::*)(int));
+SIGNATURE(FontList::addFont, void (FontList::*)(QString));
+static_assert(!std::is_default_constructible<FontList>::value, "there is one instance");
+
+// --- Layout -----------------------------------------------------------------------------------------------
+
+/// The members of a node, in their order.
+struct NodeMirror : public QObject
+{
+    char textType;
+    TVNC_XMLNode* parent;
+    QList<TVNC_XMLNode*> children;
+    QXmlStreamAttributes attributes;
+    QString name;
+    QString text;
+};
+static_assert(sizeof(NodeMirror) == sizeof(TVNC_XMLNode), "the node's size has changed");
+
+/// A setting document: the pointer to the virtual table, then the root.
+struct SettingMirror
+{
+    void** slots_;
+    TVNC_XMLNode* root;
+};
+static_assert(sizeof(SettingMirror) == sizeof(TVNC_XMLSetting), "the setting base's size has changed");
+
+static SettingMirror mirrorOf(const TVNC_XMLSetting& setting)
+{
+    SettingMirror mirror;
+    std::memcpy(&mirror, static_cast<const void*>(&setting), sizeof mirror);
+    return mirror;
+}
+
+static_assert(sizeof(TVNC_FontListSetting) == sizeof(TVNC_XMLSetting),
+              "the font list has no member of its own");
+static_assert(sizeof(TVNC_XMLReader) == sizeof(QXmlStreamReader), "the reader has no member of its own");
+static_assert(sizeof(TVNC_XMLWriter) == sizeof(QXmlStreamWriter), "the writer has no member of its own");
+
+class tst_interface : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void sonameIsThatOfTheDevice();
+    void exportedSymbolsAreThoseOfTheList();
+    void loadingRunsTwoInitialisers();
+    void nodeMembersKeepTheirOrder();
+    void settingBaseKeepsItsLayout();
+    void virtualOperationsKeepTheirOrder();
+    void storesReachTheBasesOperations();
+    void nodeHasNoMetaObjectOfItsOwn();
+
+private:
+    QString libraryPath_;
+};
+
+void tst_interface::initTestCase()
+{
+    Dl_info info;
+    QVERIFY(dladdr(dlsym(RTLD_DEFAULT, "_Z21TVNG_DebugSetLogLevelm"), &info));
+    libraryPath_ = QFile::decodeName(info.dli_fname);
+    QVERIFY(ElfFile(libraryPath_).isValid());
+}
+
+void tst_interface::sonameIsThatOfTheDevice()
+{
+    QCOMPARE(ElfFile(libraryPath_).soname(), QByteArray("libtlvlib.so.1"));
+}
+
+static QString demangled(const QByteArray& symbol)
+{
+    int si_status = 0;
+    char* pc_name = abi::__cxa_demangle(symbol.constData(), nullptr, nullptr, &si_status);
+    const QString name = QString::fromLatin1(si_status == 0 ? pc_name : symbol.constData());
+    std::free(pc_name);
+    return name;
+}
+
+void tst_interface::exportedSymbolsAreThoseOfTheList()
+{
+    QSet<QString> exported;
+    foreach (const QByteArray& symbol, ElfFile(libraryPath_).exported())
+        exported.insert(demangled(symbol));
+
+    QSet<QString> listed;
+    foreach (const QByteArray& line, readFile(QString::fromUtf8(TLVLIB_SYMBOLS)).split('\n')) {
+        if (!line.isEmpty() && !line.startsWith('#'))
+            listed.insert(QString::fromLatin1(line));
+    }
+    QVERIFY(!listed.isEmpty());
+    const QStringList missing = (QSet<QString>(listed) - exported).values();
+    QStringList surplus = (QSet<QString>(exported) - listed).values();
+    // Some linkers export the bounds of the sections.
+    surplus.removeAll(QLatin1String("_init"));
+    surplus.removeAll(QLatin1String("_fini"));
+    surplus.removeAll(QLatin1String("_edata"));
+    surplus.removeAll(QLatin1String("_end"));
+    surplus.removeAll(QLatin1String("__bss_start"));
+    QCOMPARE(missing, QStringList());
+    QCOMPARE(surplus, QStringList());
+}
+
+void tst_interface::loadingRunsTwoInitialisers()
+{
+    // The codec, the semaphore, and the one that most compilers put into every shared object.
+    const int si_initialisers = ElfFile(libraryPath_).initialisers();
+    QVERIFY2(si_initialisers == 2 || si_initialisers == 3, qPrintable(QString::number(si_initialisers)));
+}
+
+void tst_interface::nodeMembersKeepTheirOrder()
+{
+    TVNC_XMLNode parent(nullptr, 0);
+    TVNC_XMLNode* pc_node = new TVNC_XMLNode(&parent, 0);
+    pc_node->setTextType(77);
+    const NodeMirror* pc_mirror = static_cast<const NodeMirror*>(static_cast<const void*>(pc_node));
+    QCOMPARE(int(pc_mirror->textType), 77);
+    QCOMPARE(pc_mirror->parent, &parent);
+    QVERIFY(&pc_mirror->children == &pc_node->getXMLNodeChildren());
+    QVERIFY(&pc_mirror->attributes == &pc_node->getAttribute());
+    QVERIFY(&pc_mirror->name == &pc_node->getName());
+    QVERIFY(&pc_mirror->text == &pc_node->getText());
+}
+
+void tst_interface::settingBaseKeepsItsLayout()
+{
+    TVNC_XMLSetting setting;
+    QVERIFY(!mirrorOf(setting).root);
+    setting.createXMLRootNode();
+    QCOMPARE(mirrorOf(setting).root, setting.getXMLRootNode());
+}
+
+static const char* const SETTING_SLOTS[] = {
+    "_ZN15TVNC_XMLSetting4loadER7QString",
+    "_ZN15TVNC_XMLSetting4saveER7QString",
+    "_ZN15TVNC_XMLSetting28getXMLRootNodeChildCntByNameER7QStringS1_",
+    "_ZN15TVNC_XMLSetting16setIDforChildrenER7QString",
+    "_ZN15TVNC_XMLSetting17deleteXMLNodeByIDEiR7QString",
+    "_ZN15TVNC_XMLSetting16deleteAllXMLNodeEv",
+    "_ZN15TVNC_XMLSetting16deleteAllSettingEv",
+    "_ZN15TVNC_XMLSetting11addXMLChildEP12TVNC_XMLNodeR7QStringS3_RcR20QXmlStreamAttributesc",
+};
+static const int SETTING_SLOT_COUNT = sizeof SETTING_SLOTS / sizeof *SETTING_SLOTS;
+
+void tst_interface::virtualOperationsKeepTheirOrder()
+{
+    TVNC_XMLSetting setting;
+    void** const pc_slots = mirrorOf(setting).slots_;
+    for (int i = 0; i < SETTING_SLOT_COUNT; ++i) {
+        void* const pc_function = dlsym(RTLD_DEFAULT, SETTING_SLOTS[i]);
+        QVERIFY2(pc_function, SETTING_SLOTS[i]);
+        QVERIFY2(pc_slots[i] == pc_function, SETTING_SLOTS[i]);
+    }
+}
+
+void tst_interface::storesReachTheBasesOperations()
+{
+    void** const pc_slots = mirrorOf(*TVNC_FontListSetting::getInstance()).slots_;
+    for (int i = 0; i < SETTING_SLOT_COUNT; ++i)
+        QVERIFY2(pc_slots[i] == dlsym(RTLD_DEFAULT, SETTING_SLOTS[i]), SETTING_SLOTS[i]);
+}
+
+void tst_interface::nodeHasNoMetaObjectOfItsOwn()
+{
+    TVNC_XMLNode node(nullptr, 0);
+    QCOMPARE(node.metaObject(), &QObject::staticMetaObject);
+}
+
+TLVLIB_TEST_MAIN(tst_interface)
+#include "tst_interface.moc"

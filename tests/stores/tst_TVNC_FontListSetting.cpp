@@ -1,0 +1,358 @@
+#include "tests/support/LogRecorder.h"
+#include "tests/support/TestSupport.h"
+#include "tests/support/Tree.h"
+
+#include <tlvlib/stores/TVNC_FontListSetting.h>
+
+#include <QtCore/QDir>
+
+static const char START_LOAD[] = "3 [TVNC_FontListSetting::loadFontList] start";
+static const char END_LOAD[] = "3 [TVNC_FontListSetting::loadFontList] end";
+static const char START_SAVE[] = "3 [TVNC_FontListSetting::saveFontList] start";
+static const char END_SAVE[] = "3 [TVNC_FontListSetting::saveFontList] end";
+
+class tst_TVNC_FontListSetting : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void thereIsOneInstance();
+    void listIsLoadedAndNumbered();
+    void missingFileGivesAnEmptyListThatCanBeSaved();
+    void loadLogsItsSteps();
+    void loadNeedsADirectory();
+    void loadReplacesTheList();
+    void directoryIsUsedAsItIs();
+
+    void listIsSavedExactly();
+    void savedListIsLoadedBack();
+    void saveNamesTheRootAndDropsItsAttributes();
+    void saveDoesNotRenumber();
+    void saveLogsItsSteps();
+    void saveNeedsADirectory();
+
+    void fontsAreAppendedAndNumbered();
+    void sameNameIsStoredTwice();
+    void emptyNameIsRefused();
+    void addingSavesNothing();
+    void fontsFromThe1000thOnHaveNoNumber();
+
+    void fontIsFoundByNumber();
+    void nameIsHandedOutUpTo256Bytes_data();
+    void nameIsHandedOutUpTo256Bytes();
+    void elementNameIsOnlyTestedForTheCount();
+    void awkwardNamesComeBack();
+
+private:
+    void loadFrom(const QByteArray& document);
+    QString dirWith(const QByteArray& document);
+
+    TVNC_FontListSetting* fonts_;
+    QScopedPointer<TempDir> dir_;
+};
+
+void tst_TVNC_FontListSetting::initTestCase()
+{
+    // Before the first load, which later tests cannot undo: one instance serves the whole process.
+    fonts_ = TVNC_FontListSetting::getInstance();
+    TempDir dir;
+    QVERIFY(!fonts_->getXMLRootNode());
+    QCOMPARE(fonts_->getCount(), 0);
+    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(fonts_->getFont(0), QString());
+    QCOMPARE(LogRecorder::take(), QStringList(utf8("3 [TVNC_FontListSetting::getFont]")));
+    fonts_->addFont(utf8("Lost"));
+    QCOMPARE(LogRecorder::take(), QStringList(utf8("3 [TVNC_FontListSetting::addFont]")));
+    QVERIFY(!fonts_->getXMLRootNode());
+    QCOMPARE(fonts_->getCount(), 0);
+
+    const QString path = dir.path() + utf8("fontlist.xml");
+    fonts_->saveFontList(dir.path());
+    QVERIFY(!QFile::exists(path));
+    writeFile(path, "as it was");
+    fonts_->saveFontList(dir.path());
+    QCOMPARE(readFile(path), QByteArray("as it was"));
+}
+
+void tst_TVNC_FontListSetting::init()
+{
+    dir_.reset(new TempDir);
+    fonts_->loadFontList(dir_->path());
+    releaseDeferred();
+    LogRecorder::clear();
+}
+
+QString tst_TVNC_FontListSetting::dirWith(const QByteArray& document)
+{
+    writeFile(dir_->path() + utf8("fontlist.xml"), document);
+    return dir_->path();
+}
+
+void tst_TVNC_FontListSetting::loadFrom(const QByteArray& document)
+{
+    fonts_->loadFontList(dirWith(document));
+    LogRecorder::clear();
+}
+
+void tst_TVNC_FontListSetting::thereIsOneInstance()
+{
+    QCOMPARE(TVNC_FontListSetting::getInstance(), fonts_);
+}
+
+void tst_TVNC_FontListSetting::listIsLoadedAndNumbered()
+{
+    loadFrom("<fontlist docInfo='1.0'><font id='7' x='y'>Sans</font><font>Serif</font></fontlist>");
+    QCOMPARE(describe(fonts_->getXMLRootNode()),
+             utf8("fontlist{docInfo=1.0}(font{id=000}'Sans',font{id=001}'Serif')"));
+    QCOMPARE(fonts_->getCount(), 2);
+    QCOMPARE(fonts_->getFont(0), utf8("Sans"));
+    QCOMPARE(fonts_->getFont(1), utf8("Serif"));
+}
+
+void tst_TVNC_FontListSetting::missingFileGivesAnEmptyListThatCanBeSaved()
+{
+    QVERIFY(fonts_->getXMLRootNode());
+    QCOMPARE(fonts_->getCount(), 0);
+    fonts_->saveFontList(dir_->path());
+    QCOMPARE(readFile(dir_->path() + utf8("fontlist.xml")),
+             QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<fontlist docInfo=\"1.0\"/>\n"));
+}
+
+void tst_TVNC_FontListSetting::loadLogsItsSteps()
+{
+    fonts_->loadFontList(dir_->path());
+    QCOMPARE(LogRecorder::take(),
+             QStringList() << utf8(START_LOAD) << utf8("3 [TVNC_XMLSetting::deleteRootChildren] 0x*")
+                           << utf8("3 [TVNC_XMLSetting::loadBookmark] start")
+                           << utf8("2 TVNC_XMLReader::read file not exist!")
+                           << utf8("3 [TVNC_XMLSetting::loadBookmark] end") << utf8(END_LOAD));
+}
+
+void tst_TVNC_FontListSetting::loadNeedsADirectory()
+{
+    loadFrom("<fontlist><font>Sans</font></fontlist>");
+    fonts_->loadFontList(QString());
+    fonts_->loadFontList(utf8(""));
+    QCOMPARE(LogRecorder::take(), QStringList()
+                                      << utf8(START_LOAD)
+                                      << utf8("2 [TVNC_FontListSetting::loadFontList] Path is empty.")
+                                      << utf8(START_LOAD)
+                                      << utf8("2 [TVNC_FontListSetting::loadFontList] Path is empty."));
+    QCOMPARE(fonts_->getFont(0), utf8("Sans"));
+}
+
+void tst_TVNC_FontListSetting::loadReplacesTheList()
+{
+    loadFrom("<fontlist><font>Sans</font><font>Serif</font></fontlist>");
+    QPointer<TVNC_XMLNode> oldRoot(fonts_->getXMLRootNode());
+    QPointer<TVNC_XMLNode> oldFont(fonts_->getXMLRootNode()->getXMLNodeChildren().at(0));
+    loadFrom("<fontlist><font>Mono</font></fontlist>");
+    QCOMPARE(fonts_->getCount(), 1);
+    QCOMPARE(fonts_->getFont(0), utf8("Mono"));
+    // The fonts leave the old root before it goes, and all are released by the event loop.
+    QVERIFY(!oldRoot.isNull() && oldRoot->getXMLNodeChildren().isEmpty());
+    QVERIFY(!oldFont.isNull());
+    releaseDeferred();
+    QVERIFY(oldRoot.isNull());
+    QVERIFY(oldFont.isNull());
+}
+
+void tst_TVNC_FontListSetting::directoryIsUsedAsItIs()
+{
+    // Without its "/" the directory's name and the file's run together.
+    const QString dir = dir_->path() + utf8("data");
+    QVERIFY(QDir().mkdir(dir));
+    writeFile(dir + utf8("/fontlist.xml"), "<fontlist><font>Inside</font></fontlist>");
+    writeFile(dir + utf8("fontlist.xml"), "<fontlist><font>Beside</font></fontlist>");
+    fonts_->loadFontList(dir);
+    QCOMPARE(fonts_->getFont(0), utf8("Beside"));
+    fonts_->loadFontList(dir + utf8("/"));
+    QCOMPARE(fonts_->getFont(0), utf8("Inside"));
+    fonts_->addFont(utf8("New"));
+    fonts_->saveFontList(dir);
+    QVERIFY(readFile(dir + utf8("fontlist.xml")).contains("New"));
+    QVERIFY(!readFile(dir + utf8("/fontlist.xml")).contains("New"));
+}
+
+void tst_TVNC_FontListSetting::listIsSavedExactly()
+{
+    fonts_->addFont(utf8("Sans"));
+    fonts_->addFont(utf8("Serif"));
+    fonts_->saveFontList(dir_->path());
+    QCOMPARE(readFile(dir_->path() + utf8("fontlist.xml")),
+             QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                        "<fontlist docInfo=\"1.0\">\n"
+                        "    <font id=\"000\">Sans</font>\n"
+                        "    <font id=\"001\">Serif</font>\n"
+                        "</fontlist>\n"));
+}
+
+void tst_TVNC_FontListSetting::savedListIsLoadedBack()
+{
+    for (int i = 0; i < 1005; ++i)
+        fonts_->addFont(QString::fromLatin1("Font %1").arg(i));
+    fonts_->saveFontList(dir_->path());
+    fonts_->loadFontList(dir_->path());
+    QCOMPARE(fonts_->getXMLNodeCnt(), 1005);
+    QCOMPARE(fonts_->getCount(), 999);
+    for (int i = 0; i < 999; ++i)
+        QCOMPARE(fonts_->getFont(i), QString::fromLatin1("Font %1").arg(i));
+}
+
+void tst_TVNC_FontListSetting::saveNamesTheRootAndDropsItsAttributes()
+{
+    loadFrom("<other version='2' docInfo='0.9'><font>Sans</font></other>");
+    fonts_->saveFontList(dir_->path());
+    QCOMPARE(describe(fonts_->getXMLRootNode()), utf8("fontlist{docInfo=1.0}(font{id=000}'Sans')"));
+}
+
+void tst_TVNC_FontListSetting::saveDoesNotRenumber()
+{
+    loadFrom("<fontlist><font>A</font><font>B</font><font>C</font></fontlist>");
+    QString id = utf8("id");
+    fonts_->deleteXMLNodeByID(1, id);
+    fonts_->saveFontList(dir_->path());
+    QVERIFY(readFile(dir_->path() + utf8("fontlist.xml")).contains("<font id=\"002\">C</font>"));
+}
+
+void tst_TVNC_FontListSetting::saveLogsItsSteps()
+{
+    fonts_->saveFontList(dir_->path());
+    QCOMPARE(LogRecorder::take(), QStringList()
+                                      << utf8(START_SAVE) << utf8("3 [TVNC_XMLSetting::save] start")
+                                      << utf8("3 [TVNC_XMLSetting::saveBookmark] end") << utf8(END_SAVE));
+    fonts_->saveFontList(dir_->path() + utf8("absent/"));
+    QCOMPARE(LogRecorder::take(), QStringList()
+                                      << utf8(START_SAVE) << utf8("3 [TVNC_XMLSetting::save] start")
+                                      << utf8("2 TVNC_XMLWriter::write file open error!")
+                                      << utf8("3 [TVNC_XMLSetting::saveBookmark] end") << utf8(END_SAVE));
+}
+
+void tst_TVNC_FontListSetting::saveNeedsADirectory()
+{
+    loadFrom("<other><font>Sans</font></other>");
+    fonts_->saveFontList(QString());
+    QCOMPARE(LogRecorder::take(), QStringList()
+                                      << utf8(START_SAVE)
+                                      << utf8("2 [TVNC_FontListSetting::saveFontList] Path is empty."));
+    QCOMPARE(fonts_->getXMLRootNode()->getName(), utf8("other")); // untouched
+}
+
+void tst_TVNC_FontListSetting::fontsAreAppendedAndNumbered()
+{
+    fonts_->addFont(utf8("A"));
+    fonts_->addFont(utf8("B"));
+    QCOMPARE(describe(fonts_->getXMLRootNode()), utf8("(font{id=000}'A',font{id=001}'B')"));
+    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_FontListSetting::addFont]")
+                                                << utf8("3 [TVNC_FontListSetting::addFont]"));
+    QCOMPARE(int(fonts_->getXMLRootNode()->getXMLNodeChildren().at(0)->getTextType()), 0);
+}
+
+void tst_TVNC_FontListSetting::sameNameIsStoredTwice()
+{
+    fonts_->addFont(utf8("Sans"));
+    fonts_->addFont(utf8("Sans"));
+    QCOMPARE(fonts_->getCount(), 2);
+    QCOMPARE(fonts_->getFont(1), utf8("Sans"));
+}
+
+void tst_TVNC_FontListSetting::emptyNameIsRefused()
+{
+    fonts_->addFont(QString());
+    fonts_->addFont(utf8(""));
+    QCOMPARE(fonts_->getXMLNodeCnt(), 0);
+    QCOMPARE(LogRecorder::take(), QStringList()
+                                      << utf8("3 [TVNC_FontListSetting::addFont]")
+                                      << utf8("2 [TVNC_FontListSetting::addFont] FontName is empty.")
+                                      << utf8("3 [TVNC_FontListSetting::addFont]")
+                                      << utf8("2 [TVNC_FontListSetting::addFont] FontName is empty."));
+}
+
+void tst_TVNC_FontListSetting::addingSavesNothing()
+{
+    fonts_->addFont(utf8("Sans"));
+    QVERIFY(!QFile::exists(dir_->path() + utf8("fontlist.xml")));
+}
+
+void tst_TVNC_FontListSetting::fontsFromThe1000thOnHaveNoNumber()
+{
+    for (int i = 0; i < 998; ++i)
+        fonts_->addFont(utf8("x"));
+    QCOMPARE(fonts_->getCount(), 998);
+    fonts_->addFont(utf8("the 999th"));
+    QCOMPARE(fonts_->getCount(), 999);
+    QCOMPARE(fonts_->getFont(998), utf8("the 999th"));
+    fonts_->addFont(utf8("the 1000th"));
+    QCOMPARE(fonts_->getXMLNodeCnt(), 1000);
+    QCOMPARE(fonts_->getCount(), 999);
+    QCOMPARE(fonts_->getFont(999), QString());
+    fonts_->saveFontList(dir_->path());
+    QVERIFY(readFile(dir_->path() + utf8("fontlist.xml")).contains("\n    <font>the 1000th</font>\n"));
+}
+
+void tst_TVNC_FontListSetting::fontIsFoundByNumber()
+{
+    loadFrom("<fontlist><font>A</font><font>B</font></fontlist>");
+    QCOMPARE(fonts_->getFont(1), utf8("B"));
+    QCOMPARE(fonts_->getFont(-1), QString());
+    QCOMPARE(fonts_->getFont(fonts_->getCount()), QString());
+    QCOMPARE(fonts_->getFont(2147483647), QString());
+    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_FontListSetting::getFont]")
+                                                << utf8("3 [TVNC_FontListSetting::getFont]")
+                                                << utf8("3 [TVNC_FontListSetting::getFont]")
+                                                << utf8("3 [TVNC_FontListSetting::getFont]"));
+}
+
+void tst_TVNC_FontListSetting::nameIsHandedOutUpTo256Bytes_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("handedOut");
+    QTest::newRow("255 bytes") << QString(255, QLatin1Char('x')) << true;
+    QTest::newRow("256 bytes") << QString(256, QLatin1Char('x')) << true;
+    QTest::newRow("257 bytes") << QString(257, QLatin1Char('x')) << false;
+    QTest::newRow("85 of three bytes: 255") << QString(85, QChar(0x3042)) << true;
+    QTest::newRow("85 of three bytes and one: 256") << QString(85, QChar(0x3042)) + QLatin1Char('x') << true;
+    QTest::newRow("86 of three bytes: 258") << QString(86, QChar(0x3042)) << false;
+    QTest::newRow("128 of two bytes: 256") << QString(128, QChar(0xE9)) << true;
+    QTest::newRow("129 of two bytes: 258") << QString(129, QChar(0xE9)) << false;
+}
+
+void tst_TVNC_FontListSetting::nameIsHandedOutUpTo256Bytes()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, handedOut);
+    fonts_->addFont(name);
+    QCOMPARE(fonts_->getFont(0), handedOut ? name : QString());
+    // It is stored, counted and saved all the same.
+    QCOMPARE(fonts_->getCount(), 1);
+    fonts_->saveFontList(dir_->path());
+    QVERIFY(readFile(dir_->path() + utf8("fontlist.xml")).contains('>' + name.toUtf8() + '<'));
+}
+
+void tst_TVNC_FontListSetting::elementNameIsOnlyTestedForTheCount()
+{
+    loadFrom("<fontlist><other>First</other><font>Second</font></fontlist>");
+    QCOMPARE(fonts_->getFont(0), utf8("First"));
+    QCOMPARE(fonts_->getFont(1), utf8("Second"));
+    QCOMPARE(fonts_->getCount(), 1);
+}
+
+void tst_TVNC_FontListSetting::awkwardNamesComeBack()
+{
+    const QString name = utf8("<Café> & \"日本\" 😀 ]]> '\t");
+    fonts_->addFont(name);
+    fonts_->addFont(utf8("bad\x01") + QChar(0xD800) + utf8("name"));
+    fonts_->addFont(utf8("last"));
+    fonts_->saveFontList(dir_->path());
+    fonts_->loadFontList(dir_->path());
+    QCOMPARE(fonts_->getCount(), 3);
+    QCOMPARE(fonts_->getFont(0), name);
+    QCOMPARE(fonts_->getFont(1), utf8("badname"));
+    QCOMPARE(fonts_->getFont(2), utf8("last"));
+}
+
+TLVLIB_TEST_MAIN(tst_TVNC_FontListSetting)
+#include "tst_TVNC_FontListSetting.moc"

@@ -1,0 +1,37 @@
+#ifndef TESTS_SUPPORT_FAILINGNEW_H
+#define TESTS_SUPPORT_FAILINGNEW_H
+
+/**
+ * @file
+ * Lets the creation of a node fail as it does when memory runs out. Includes the definitions: for one source
+ * of a program.
+ */
+
+#include <tlvlib/xml/TVNC_XMLNode.h>
+
+#include <cstdlib>
+#include <new>
+
+/// 0: nothing fails; n: the nth node from now on cannot be created.
+static int failingNode = 0;
+
+void* operator new(std::size_t size)
+{
+    if (failingNode > 0 && size == sizeof(TVNC_XMLNode) && --failingNode == 0)
+        throw std::bad_alloc();
+    if (void* pc_memory = std::malloc(size))
+        return pc_memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* pc_memory) noexcept
+{
+    std::free(pc_memory);
+}
+
+void operator delete(void* pc_memory, std::size_t) noexcept
+{
+    std::free(pc_memory);
+}
+
+#endif

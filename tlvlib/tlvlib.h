@@ -1,0 +1,18 @@
+#ifndef TLVLIB_TLVLIB_H
+#define TLVLIB_TLVLIB_H
+
+/**
+ * @file
+ * Everything that tlvlib offers.
+ */
+
+#include <tlvlib/diag/TVNG_DebugPrint.h>
+#include <tlvlib/stores/TVNC_FontListSetting.h>
+#include <tlvlib/util/QEXC_TextCodec.h>
+#include <tlvlib/util/TVNC_IwsUrl.h>
+#include <tlvlib/xml/TVNC_XMLNode.h>
+#include <tlvlib/xml/TVNC_XMLReader.h>
+#include <tlvlib/xml/TVNC_XMLSetting.h>
+#include <tlvlib/xml/TVNC_XMLWriter.h>
+
+#endif

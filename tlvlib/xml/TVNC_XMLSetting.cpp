@@ -1,0 +1,185 @@
+#include "tlvlib/xml/TVNC_XMLSetting.h"
+
+#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
+#include "tlvlib/xml/TVNC_XMLNode.h"
+#include "tlvlib/xml/TVNC_XMLReader.h"
+#include "tlvlib/xml/TVNC_XMLWriter.h"
+#include "tlvlib/xml/TVNG_newXMLNode.h"
+
+#include <QtCore/QBitArray>
+
+TVNC_XMLSetting::TVNC_XMLSetting() : pc_XMLRootNode(nullptr) {}
+
+TVNC_XMLSetting::~TVNC_XMLSetting()
+{
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::~TVNC_XMLSetting] 0x%X", TVNG_low32(pc_XMLRootNode));
+    if (pc_XMLRootNode)
+        pc_XMLRootNode->deleteLater();
+    pc_XMLRootNode = nullptr;
+}
+
+void TVNC_XMLSetting::load(QString& path)
+{
+    if (path.isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_XMLSetting::load] Path is NULL or empty.");
+        return;
+    }
+    if (pc_XMLRootNode)
+        pc_XMLRootNode->deleteLater();
+    // Here and in save(), the texts name the bookmarks whichever store is at work. Log filters rely on them.
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] start");
+    TVNC_XMLReader reader;
+    pc_XMLRootNode = reader.read(path);
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] end");
+}
+
+void TVNC_XMLSetting::save(QString& path)
+{
+    if (path.isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_XMLSetting::save] Path is NULL or empty.");
+        return;
+    }
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::save] start");
+    TVNC_XMLWriter writer;
+    writer.write(path, pc_XMLRootNode);
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::saveBookmark] end");
+}
+
+int TVNC_XMLSetting::getXMLRootNodeChildCntByName(QString& attributeName, QString& name)
+{
+    if (!pc_XMLRootNode)
+        return 0;
+    const QList<TVNC_XMLNode*>& children = pc_XMLRootNode->getXMLNodeChildren();
+    const int si_size = static_cast<int>(children.size());
+    // Only a number's first bearer counts, as in a look-up by number.
+    QBitArray taken(si_size);
+    int si_count = 0;
+    for (int i = 0; i < si_size; ++i) {
+        TVNC_XMLNode* pc_child = children.at(i);
+        int si_number = 0;
+        if (!pc_child || !TVNC_RecordNumbers::read(pc_child->getAttribute(), attributeName, si_number))
+            continue;
+        if (si_number < 0 || si_number >= si_size || taken.testBit(si_number))
+            continue;
+        taken.setBit(si_number);
+        if (pc_child->getName() == name)
+            ++si_count;
+    }
+    return si_count;
+}
+
+void TVNC_XMLSetting::setIDforChildren(QString& attributeName)
+{
+    if (!pc_XMLRootNode)
+        return;
+    const QList<TVNC_XMLNode*>& children = pc_XMLRootNode->getXMLNodeChildren();
+    int si_size = static_cast<int>(children.size());
+    if (si_size > TVNC_RecordNumbers::LIMIT)
+        si_size = TVNC_RecordNumbers::LIMIT;
+    TVNC_RecordNumbers numbers(attributeName);
+    for (int i = 0; i < si_size; ++i) {
+        if (TVNC_XMLNode* pc_child = children.at(i))
+            numbers.give(*pc_child, i);
+        else
+            TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??",
+                            TVNG_low32(pc_XMLRootNode));
+    }
+}
+
+void TVNC_XMLSetting::deleteXMLNodeByID(int si_id, QString& attributeName)
+{
+    if (!pc_XMLRootNode)
+        return;
+    TVNC_XMLNode* pc_child = pc_XMLRootNode->getXMLNodeChildByID(si_id, attributeName);
+    if (!pc_child)
+        return;
+    pc_XMLRootNode->removeXMLNode(pc_child);
+    pc_child->deleteLater();
+}
+
+void TVNC_XMLSetting::deleteAllXMLNode()
+{
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteAllXMLNode] 0x%X", TVNG_low32(pc_XMLRootNode));
+    if (pc_XMLRootNode)
+        createXMLRootNode();
+}
+
+void TVNC_XMLSetting::deleteAllSetting()
+{
+    // The text keeps the operation's older name.
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteRootChildren] 0x%X", TVNG_low32(pc_XMLRootNode));
+    if (!pc_XMLRootNode)
+        return;
+    // Taking the whole list first makes each removal below independent of the number of records.
+    QList<TVNC_XMLNode*>& children = pc_XMLRootNode->getXMLNodeChildren();
+    const QList<TVNC_XMLNode*> removed = children;
+    children.clear();
+    int si_nulls = 0;
+    for (int i = 0; i < removed.size(); ++i) {
+        if (TVNC_XMLNode* pc_child = removed.at(i)) {
+            pc_XMLRootNode->removeXMLNode(pc_child);
+            pc_child->deleteLater();
+        } else {
+            TVNG_DebugPrint(1, "[TVNC_XMLSetting::deleteRootChildren] 0x%X Why Pass??",
+                            TVNG_low32(pc_XMLRootNode));
+            ++si_nulls;
+        }
+    }
+    for (; si_nulls > 0; --si_nulls)
+        children.append(nullptr);
+}
+
+TVNC_XMLNode* TVNC_XMLSetting::addXMLChild(TVNC_XMLNode* pc_parent, QString& name, QString& text,
+                                           char& c_textType, QXmlStreamAttributes& attributes, char c_prepend)
+{
+    TVNC_XMLNode* pc_child = TVNG_newXMLNode(pc_parent, c_prepend);
+    if (!pc_child) {
+        TVNG_DebugPrint(1, "[TVNC_XMLSetting::addXMLChild] Fail");
+        return nullptr;
+    }
+    pc_child->setName(name);
+    pc_child->setText(text);
+    pc_child->setTextType(c_textType);
+    pc_child->setAttribute(attributes);
+    return pc_child;
+}
+
+TVNC_XMLNode* TVNC_XMLSetting::getXMLRootNode()
+{
+    return pc_XMLRootNode;
+}
+
+void TVNC_XMLSetting::createXMLRootNode()
+{
+    if (pc_XMLRootNode)
+        pc_XMLRootNode->deleteLater();
+    pc_XMLRootNode = new TVNC_XMLNode(nullptr, 0);
+}
+
+TVNC_XMLNode* TVNC_XMLSetting::getGrandchildNode(QString childName, QString grandchildName)
+{
+    if (!pc_XMLRootNode)
+        return nullptr;
+    TVNC_XMLNode* pc_child = pc_XMLRootNode->getXMLNodeChildByName(childName);
+    return pc_child ? pc_child->getXMLNodeChildByName(grandchildName) : nullptr;
+}
+
+TVNC_XMLNode* TVNC_XMLSetting::setElement(TVNC_XMLNode* pc_parent, QString name, QString text,
+                                          QXmlStreamAttributes attributes, char c_textType, char c_prepend)
+{
+    if (!pc_parent)
+        return nullptr;
+    if (TVNC_XMLNode* pc_element = pc_parent->getXMLNodeChildByName(name)) {
+        pc_element->setTextType(c_textType);
+        pc_element->setText(text);
+        return pc_element;
+    }
+    return addXMLChild(pc_parent, name, text, c_textType, attributes, c_prepend);
+}
+
+int TVNC_XMLSetting::getXMLNodeCnt()
+{
+    return pc_XMLRootNode ? static_cast<int>(pc_XMLRootNode->getXMLNodeChildren().size()) : 0;
+}
