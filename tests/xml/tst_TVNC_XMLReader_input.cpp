@@ -289,11 +289,14 @@ void tst_TVNC_XMLReader_input::otherEncodingsAreRead_data()
     QTest::newRow("UTF-16LE without mark")
         << encoded(text, "UTF-16LE").mid(encoded(text, "UTF-16LE").startsWith("\xFF\xFE") ? 2 : 0);
     QTest::newRow("UTF-32") << encoded(text, "UTF-32");
-    QTest::newRow("EUC-JP") << encoded(utf8("<?xml version=\"1.0\" encoding=\"EUC-JP\" ?>") + text, "EUC-JP")
-                                   .replace("caf?", "caf&#233;");
-    QTest::newRow("Shift_JIS")
-        << encoded(utf8("<?xml version='1.0' encoding = 'Shift_JIS' standalone='no'?>") + text, "Shift_JIS")
-               .replace("caf?", "caf&#233;");
+    const char* const codecs[] = {"EUC-JP", "Shift_JIS"};
+    for (int i = 0; i < 2; ++i) {
+        if (!QTextCodec::codecForName(codecs[i]))
+            continue; // a small build of Qt
+        const QString declaration = utf8("<?xml version=\"1.0\" encoding = '%1' standalone='no' ?>");
+        QTest::newRow(codecs[i]) << encoded(
+            declaration.arg(QLatin1String(codecs[i])) + QString(text).remove(utf8("é")), codecs[i]);
+    }
 }
 
 void tst_TVNC_XMLReader_input::otherEncodingsAreRead()
@@ -310,8 +313,8 @@ void tst_TVNC_XMLReader_input::otherEncodingsHideNoDocumentType_data()
     const QString hostile = utf8("<!DOCTYPE a [<!ENTITY x 'y'>]><a>&x;</a>");
     QTest::newRow("UTF-16") << encoded(hostile, "UTF-16");
     QTest::newRow("UTF-32") << encoded(hostile, "UTF-32");
-    QTest::newRow("Shift_JIS") << encoded(utf8("<?xml version='1.0' encoding='Shift_JIS'?>") + hostile,
-                                          "Shift_JIS");
+    QTest::newRow("ISO-8859-1") << encoded(utf8("<?xml version='1.0' encoding='ISO-8859-1'?>") + hostile,
+                                           "ISO-8859-1");
     QTest::newRow("encoding named by reference")
         << QByteArray("<?xml version='1.0' encoding='UTF-1&#54;'?>") + encoded(hostile, "UTF-16BE");
     QTest::newRow("encoding named twice")

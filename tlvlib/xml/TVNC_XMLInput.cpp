@@ -1,6 +1,7 @@
 #include "tlvlib/xml/TVNC_XMLInput.h"
 
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/xml/TVNC_XMLCharacters.h"
 
 #include <QtCore/QTextCodec>
 #include <QtCore/QTextDecoder>
@@ -88,131 +89,6 @@ EncodingName::Result findEncoding(const QByteArray& head, EncodingName& found)
     return found.name.contains('&') ? EncodingName::MALFORMED : EncodingName::FOUND;
 }
 
-/// Whether eight bytes are plain characters that need no closer look: no control characters, all ASCII.
-bool arePlain(const char* pc_bytes)
-{
-    quint64 word;
-    std::memcpy(&word, pc_bytes, sizeof word);
-    const quint64 high = Q_UINT64_C(0x8080808080808080);
-    return ((word | ((word - Q_UINT64_C(0x2020202020202020)) & ~word)) & high) == 0;
-}
-
-/**
- * The length in bytes of the UTF-8 sequence at @a pc_bytes, of which @a si_size bytes are there; 0 when it is
- * none (overlong forms, surrogates and values above U+10FFFF are none), -1 when it may be one but is cut off.
- */
-int sequenceLength(const uchar* pc_bytes, int si_size)
-{
-    const uchar c_lead = pc_bytes[0];
-    int si_length;
-    uchar c_min = 0x80; // bounds of the second byte
-    uchar c_max = 0xBF;
-    if (c_lead < 0x80) {
-        return 1;
-    } else if (c_lead >= 0xC2 && c_lead <= 0xDF) {
-        si_length = 2;
-    } else if (c_lead >= 0xE0 && c_lead <= 0xEF) {
-        si_length = 3;
-        if (c_lead == 0xE0)
-            c_min = 0xA0;
-        else if (c_lead == 0xED)
-            c_max = 0x9F;
-    } else if (c_lead >= 0xF0 && c_lead <= 0xF4) {
-        si_length = 4;
-        if (c_lead == 0xF0)
-            c_min = 0x90;
-        else if (c_lead == 0xF4)
-            c_max = 0x8F;
-    } else {
-        return 0;
-    }
-    for (int i = 1; i < si_length; ++i) {
-        if (i == si_size)
-            return -1;
-        if (pc_bytes[i] < c_min || pc_bytes[i] > c_max)
-            return 0;
-        c_min = 0x80;
-        c_max = 0xBF;
-    }
-    return si_length;
-}
-
-/// Whether a UTF-8 sequence is a noncharacter: U+FDD0 to U+FDEF, or one of the last two of a plane.
-bool isNoncharacter(const uchar* pc_bytes, int si_length)
-{
-    if (si_length == 3 && pc_bytes[0] == 0xEF) {
-        if (pc_bytes[1] == 0xB7)
-            return pc_bytes[2] >= 0x90 && pc_bytes[2] <= 0xAF;
-        return pc_bytes[1] == 0xBF && pc_bytes[2] >= 0xBE;
-    }
-    return si_length == 4 && (pc_bytes[1] & 0x0F) == 0x0F && pc_bytes[2] == 0xBF && pc_bytes[3] >= 0xBE;
-}
-
-/// What a check of a piece of a document found.
-struct Check
-{
-    int si_admitted; ///< bytes that may be parsed
-    int si_cutOff;   ///< bytes behind them that begin a sequence whose rest is yet to come
-    bool b_noncharacters;
-};
-
-/**
- * Finds the first byte that is not UTF-8, and the first character that XML does not have, which becomes
- * U+0001 and is the last one admitted.
- */
-Check checkCharacters(QByteArray& piece)
-{
-    char* const pc_bytes = piece.data();
-    const int si_size = static_cast<int>(piece.size());
-    Check check = {si_size, 0, false};
-    int i = 0;
-    while (i < si_size) {
-        if (i + 8 <= si_size && arePlain(pc_bytes + i)) {
-            i += 8;
-            continue;
-        }
-        const uchar* const pc_sequence = reinterpret_cast<const uchar*>(pc_bytes + i);
-        const int si_length = sequenceLength(pc_sequence, si_size - i);
-        if (si_length <= 0) {
-            check.si_admitted = i;
-            check.si_cutOff = si_length < 0 ? si_size - i : 0;
-            break;
-        }
-        bool b_xml = true;
-        if (si_length == 1) {
-            b_xml = *pc_sequence >= 0x20 || isBlank(pc_bytes[i]);
-        } else if (isNoncharacter(pc_sequence, si_length)) {
-            check.b_noncharacters = true;
-            b_xml = si_length == 4 || pc_sequence[1] != 0xBF; // U+FFFE and U+FFFF are not XML characters
-        }
-        if (!b_xml) {
-            pc_bytes[i] = 1;
-            check.si_admitted = i + 1;
-            break;
-        }
-        i += si_length;
-    }
-    return check;
-}
-
-/// Puts U+FFFD in the place of noncharacters. The piece must be UTF-8.
-QByteArray withoutNoncharacters(const QByteArray& piece)
-{
-    QByteArray result;
-    result.reserve(piece.size());
-    int i = 0;
-    while (i < piece.size()) {
-        const uchar* const pc_sequence = reinterpret_cast<const uchar*>(piece.constData() + i);
-        const int si_length = sequenceLength(pc_sequence, static_cast<int>(piece.size()) - i);
-        if (isNoncharacter(pc_sequence, si_length))
-            result.append("\xEF\xBF\xBD");
-        else
-            result.append(piece.constData() + i, si_length);
-        i += si_length;
-    }
-    return result;
-}
-
 } // namespace
 
 TVNC_XMLInput::TVNC_XMLInput(QIODevice& source)
@@ -243,17 +119,19 @@ qint64 TVNC_XMLInput::writeData(const char*, qint64)
     return -1;
 }
 
-/// Refills str_Output. Leaves it empty only at the end.
+/// Refills str_Output. Leaves it empty, and without memory of its own, only at the end.
 void TVNC_XMLInput::produce()
 {
     si_OutputPos = 0;
     str_Output = next();
-    const Check check = checkCharacters(str_Output);
+    if (str_Output.isEmpty())
+        return;
+    const TVNC_XMLCharacters::Check check = TVNC_XMLCharacters::check(str_Output);
     str_Tail = str_Output.mid(check.si_admitted, check.si_cutOff);
     b_Ended = b_Ended || check.si_admitted + check.si_cutOff < str_Output.size();
     str_Output.truncate(check.si_admitted);
     if (check.b_noncharacters && TVNG_decoderRefusesNoncharacters())
-        str_Output = withoutNoncharacters(str_Output);
+        str_Output = TVNC_XMLCharacters::withoutNoncharacters(str_Output);
 
     const int si_size = static_cast<int>(str_Output.size());
     const int si_admitted = guard_.admit(str_Output.constData(), si_size);

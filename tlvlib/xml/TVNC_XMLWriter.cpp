@@ -1,6 +1,7 @@
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/xml/TVNC_XMLCharacters.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
 #include <QtCore/QFile>
@@ -10,33 +11,6 @@ namespace {
 
 /// Elements up to this depth, the root's being 1, are formatted.
 const int FORMATTED_DEPTH = 100;
-
-bool isXMLCharacter(ushort us_unit)
-{
-    return us_unit >= 0x20 ? us_unit < 0xFFFE : us_unit == '\t' || us_unit == '\n' || us_unit == '\r';
-}
-
-/// The text without what XML 1.0 cannot hold. Almost every text comes back as it is, shared.
-QString writable(const QString& text)
-{
-    const QChar* const pc_text = text.constData();
-    const int si_size = static_cast<int>(text.size());
-    QString clean;
-    int si_kept = 0; // all before this position is in clean
-    for (int i = 0; i < si_size; ++i) {
-        const QChar unit = pc_text[i];
-        if (unit.isHighSurrogate() && i + 1 < si_size && pc_text[i + 1].isLowSurrogate()) {
-            ++i;
-        } else if (unit.isHighSurrogate() || unit.isLowSurrogate() || !isXMLCharacter(unit.unicode())) {
-            clean.append(QString(pc_text + si_kept, i - si_kept));
-            si_kept = i + 1;
-        }
-    }
-    if (si_kept == 0)
-        return text;
-    clean.append(QString(pc_text + si_kept, si_size - si_kept));
-    return clean;
-}
 
 /**
  * Walks a tree and writes it, with a stack of its own instead of recursion.
@@ -109,7 +83,7 @@ private:
     {
         for (int i = 0; i < attributes.size(); ++i) {
             const QXmlStreamAttribute& attribute = attributes.at(i);
-            const QString value = writable(attribute.value().toString());
+            const QString value = TVNC_XMLCharacters::writable(attribute.value().toString());
             if (attribute.namespaceUri().isEmpty())
                 writer_.writeAttribute(attribute.qualifiedName().toString(), value);
             else
@@ -123,7 +97,7 @@ private:
         const char c_type = pc_node->getTextType();
         if ((c_type != 0 && c_type != 1) || pc_node->getText().isEmpty())
             return;
-        const QString text = writable(pc_node->getText());
+        const QString text = TVNC_XMLCharacters::writable(pc_node->getText());
         if (text.isEmpty())
             return;
         if (c_type == 1)
