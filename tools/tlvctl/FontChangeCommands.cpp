@@ -1,0 +1,173 @@
+#include "tools/tlvctl/FontChangeCommands.h"
+
+#include "tools/tlvctl/Console.h"
+#include "tools/tlvctl/FontList.h"
+#include "tools/tlvctl/Text.h"
+
+#include <QtCore/QSet>
+#include <QtGui/QFont>
+#include <QtGui/QFontDatabase>
+#include <QtGui/QFontInfo>
+
+#include <algorithm>
+
+namespace {
+
+const QString FORCE = "force";
+
+// --- both -------------------------------------------------------------------------------------------------
+
+QCommandLineOption forceOption()
+{
+    return {FORCE, "Go on when fontlist.xml cannot be read to its end. What could not be read is lost."};
+}
+
+/// Whether the list may be changed; then it is loaded.
+bool openForChange(FontList& list, const QCommandLineParser& arguments)
+{
+    if (!list.file().checkDirectory() || !list.file().checkReplaceable(arguments.isSet(FORCE)))
+        return false;
+    list.load();
+    return true;
+}
+
+/// Adds the fonts, saves the list, and prints what was added.
+int addAndSave(FontList& list, const QStringList& names)
+{
+    QStringList lines;
+    for (const QString& name : names)
+        lines.append(FontList::line(list.add(name), name));
+    if (!list.save())
+        return FAILED;
+    for (const QString& line : lines)
+        printLine(line);
+    return DONE;
+}
+
+void complainAboutNumbers(const FontList& list, const QString& what)
+{
+    complain(list.file().path(),
+             what + ": the store numbers at most 999 records; delete records from the file first");
+}
+
+// --- add --------------------------------------------------------------------------------------------------
+
+int addFonts(const QCommandLineParser& arguments)
+{
+    FontList list(pathArgument(arguments));
+    const QStringList names = arguments.positionalArguments().mid(1);
+    for (const QString& name : names) {
+        const QString problem = FontList::problemWithName(name);
+        if (problem.isEmpty())
+            continue;
+        complain(list.file().path(),
+                 QString("nothing was added: the name %1 %2; give another name").arg(quoted(name), problem));
+        return FAILED;
+    }
+    if (!openForChange(list, arguments))
+        return FAILED;
+    if (names.size() > list.numbersLeft()) {
+        complainAboutNumbers(list, QString("nothing was added: %1 given, numbers left for %2")
+                                       .arg(names.size())
+                                       .arg(list.numbersLeft()));
+        return FAILED;
+    }
+    return addAndSave(list, names);
+}
+
+// --- import -----------------------------------------------------------------------------------------------
+
+/// What becomes of the font families of this machine.
+struct ImportPlan
+{
+    QStringList added;
+    int listed = 0;
+    int unusable = 0; ///< too long, or nothing that the file can keep
+    int unnumbered = 0;
+};
+
+ImportPlan planImport(const FontList& list, const QStringList& families)
+{
+    QSet<QString> listed;
+    for (const FontRecord& record : list.records())
+        listed.insert(record.name);
+
+    ImportPlan plan;
+    for (const QString& family : families) {
+        if (listed.contains(family))
+            ++plan.listed;
+        else if (!FontList::problemWithName(family).isEmpty())
+            ++plan.unusable;
+        else if (plan.added.size() >= list.numbersLeft())
+            ++plan.unnumbered;
+        else
+            plan.added.append(family);
+    }
+    return plan;
+}
+
+/// Qt lists its generic families, such as "Serif", even when no font stands behind them.
+bool haveFonts(const QStringList& families)
+{
+    return std::any_of(families.begin(), families.end(),
+                       [](const QString& family) { return !QFontInfo(QFont(family)).family().isEmpty(); });
+}
+
+int importFonts(const QCommandLineParser& arguments)
+{
+    FontList list(pathArgument(arguments));
+    if (!openForChange(list, arguments))
+        return FAILED;
+    const QStringList families = QFontDatabase().families();
+    if (!haveFonts(families)) {
+        complain("Qt finds no fonts on this machine; install a font package, such as "
+                 "fonts-dejavu, and check with \"fc-list\"");
+        return FAILED;
+    }
+    const ImportPlan plan = planImport(list, families);
+    if (!plan.added.isEmpty() && addAndSave(list, plan.added) != DONE)
+        return FAILED;
+    printLine(QString("%1 found: %2 added, %3 already listed, %4 skipped (name too long or unusable), "
+                      "%5 skipped (no number left)")
+                  .arg(families.size())
+                  .arg(plan.added.size())
+                  .arg(plan.listed)
+                  .arg(plan.unusable)
+                  .arg(plan.unnumbered));
+    if (plan.unnumbered == 0)
+        return DONE;
+    complainAboutNumbers(list, QString("%1 skipped").arg(plan.unnumbered));
+    return FAILED;
+}
+
+} // namespace
+
+Command fontAddCommand()
+{
+    Command command;
+    command.name = "add";
+    command.summary = "Add fonts at the end of the list.";
+    command.details = "Prints what was added with its number. The same name may stand twice.";
+    command.examples = {"tlvctl fonts add /data/settings \"DejaVu Sans\" \"VL Gothic\"",
+                        "tlvctl fonts add /data/settings -- \"-a name that begins with a dash\""};
+    command.arguments = {directoryArgument("fontlist.xml"),
+                         {"NAME", "The name of a font, at most 256 bytes of UTF-8.", true}};
+    command.options = {forceOption()};
+    command.run = addFonts;
+    return command;
+}
+
+Command fontImportCommand()
+{
+    Command command;
+    command.name = "import";
+    command.summary = "Add the fonts of this machine that are not listed yet.";
+    command.details = "Adds the font families that Qt finds, in Qt's order. Ends with 1 when a family\n"
+                      "was skipped because the list is full.";
+    command.examples = {"tlvctl fonts import /data/settings"};
+    command.arguments = {directoryArgument("fontlist.xml")};
+    command.options = {forceOption()};
+    command.needsGui = true;
+    command.run = importFonts;
+    return command;
+}

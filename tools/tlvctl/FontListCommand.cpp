@@ -1,0 +1,153 @@
+#include "tools/tlvctl/FontListCommand.h"
+
+#include "tools/tlvctl/Console.h"
+#include "tools/tlvctl/FontList.h"
+#include "tools/tlvctl/JsonWriter.h"
+#include "tools/tlvctl/Text.h"
+
+#include <algorithm>
+
+namespace {
+
+QString nameOf(FontFlaw flaw)
+{
+    switch (flaw) {
+    case FontFlaw::NO_NUMBER:
+        return "noNumber";
+    case FontFlaw::TOO_LONG:
+        return "nameTooLong";
+    case FontFlaw::EMPTY:
+        return "emptyName";
+    case FontFlaw::OTHER_ELEMENT:
+        return "notNamedFont";
+    }
+    return QString();
+}
+
+QString explain(FontFlaw flaw, const FontRecord& record)
+{
+    switch (flaw) {
+    case FontFlaw::NO_NUMBER:
+        return "has no number: cannot be asked for";
+    case FontFlaw::TOO_LONG:
+        return QString("name of %1 bytes, over %2: the store answers an empty one")
+            .arg(record.name.toUtf8().size())
+            .arg(FontList::NAME_MAX_BYTES);
+    case FontFlaw::EMPTY:
+        return "has no name";
+    case FontFlaw::OTHER_ELEMENT:
+        return QString("element \"%1\" instead of \"font\": answered, but not counted")
+            .arg(printable(record.element));
+    }
+    return QString();
+}
+
+void printRecord(const FontRecord& record)
+{
+    QStringList explanations;
+    for (FontFlaw flaw : record.flaws)
+        explanations.append(explain(flaw, record));
+    QString line = FontList::line(record.number, record.name);
+    if (!explanations.isEmpty())
+        line += "  (" + explanations.join("; ") + ')';
+    printLine(line);
+}
+
+void printSummary(const FontList& list, const std::vector<FontRecord>& records)
+{
+    const auto flawed = std::count_if(records.begin(), records.end(),
+                                      [](const FontRecord& record) { return !record.flaws.empty(); });
+    QString line = QString("records: %1, counted by the store: %2").arg(records.size()).arg(list.count());
+    if (flawed > 0)
+        line += QString(", hidden in part or in full: %1").arg(flawed);
+    printLine(line);
+}
+
+void writeRecord(JsonWriter& json, const FontRecord& record)
+{
+    json.beginObject();
+    json.member("number");
+    if (record.number)
+        json.number(*record.number);
+    else
+        json.null();
+    json.member("name");
+    json.string(record.name);
+    json.member("element");
+    json.string(record.element);
+    json.member("hidden");
+    json.beginArray();
+    for (FontFlaw flaw : record.flaws)
+        json.string(nameOf(flaw));
+    json.endArray();
+    json.endObject();
+}
+
+void writeList(const FontList& list, const Document& document, const std::vector<FontRecord>& records)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("file");
+    json.string(list.file().path());
+    json.member("exists");
+    json.boolean(document.state != Document::State::MISSING);
+    writeCompleteness(json, document);
+    json.member("count");
+    json.number(list.count());
+    json.member("fonts");
+    json.beginArray();
+    for (const FontRecord& record : records)
+        writeRecord(json, record);
+    json.endArray();
+    json.endObject();
+}
+
+void printList(const FontList& list, const Document& document, const std::vector<FontRecord>& records)
+{
+    if (document.state == Document::State::MISSING) {
+        printLine("records: 0, because there is no " + printable(list.file().path()));
+        return;
+    }
+    for (const FontRecord& record : records)
+        printRecord(record);
+    printSummary(list, records);
+}
+
+int listFonts(const QCommandLineParser& arguments)
+{
+    FontList list(pathArgument(arguments));
+    if (!list.file().checkDirectory())
+        return FAILED;
+    const QString path = list.file().path();
+    const Document document = readDocument(path);
+    if (document.state == Document::State::UNREADABLE) {
+        complain(path, QString("cannot be read: %1; make it readable").arg(printable(document.problem)));
+        return FAILED;
+    }
+    list.load();
+    const std::vector<FontRecord> records = list.records();
+    if (arguments.isSet("json"))
+        writeList(list, document, records);
+    else
+        printList(list, document, records);
+    if (document.state != Document::State::DAMAGED)
+        return DONE;
+    complainAboutDamage(path, document);
+    return FAILED;
+}
+
+} // namespace
+
+Command fontListCommand()
+{
+    Command command;
+    command.name = "list";
+    command.summary = "List the fonts with their numbers.";
+    command.details = "Shows all that the file holds, and says in parentheses what of it is hidden from\n"
+                      "the users of the store.";
+    command.examples = {"tlvctl fonts list /data/settings", "tlvctl fonts list --json /data/settings"};
+    command.arguments = {directoryArgument("fontlist.xml")};
+    command.options = {jsonOption()};
+    command.run = listFonts;
+    return command;
+}
