@@ -20,6 +20,7 @@ private slots:
     void aBadByteCostsNoRecordBeforeIt_data();
     void aBadByteCostsNoRecordBeforeIt();
     void charactersSurviveEveryBufferBoundary();
+    void charactersThatXMLLacksEndTheDocumentAnywhere();
     void noncharactersCostNothingElse();
     void internalSubsetsAreNotRead_data();
     void internalSubsetsAreNotRead();
@@ -177,6 +178,16 @@ void tst_TVNC_XMLReader_input::charactersSurviveEveryBufferBoundary()
         const QString expected = utf8("r(e'") + text + utf8("',e'") + text + utf8("')");
         QCOMPARE(treeOf("<r>" + comment + "<e>" + text.toUtf8() + "</e><e>" + text.toUtf8() + "</e></r>"),
                  expected);
+    }
+}
+
+void tst_TVNC_XMLReader_input::charactersThatXMLLacksEndTheDocumentAnywhere()
+{
+    // Also as the last character of a buffer.
+    for (int padding = 8192 - 20; padding < 8192; ++padding) {
+        const QByteArray comment = "<!--" + QByteArray(padding - 10, 'x') + "-->";
+        QCOMPARE(treeOf("<r>" + comment + "<a/><b c='" + QByteArray(1, '\0') + "'/></r>"), utf8("r(a)"));
+        QCOMPARE(treeOf("<r>" + comment + "<a/><b c='\xEF\xBF\xBE'/></r>"), utf8("r(a)"));
     }
 }
 

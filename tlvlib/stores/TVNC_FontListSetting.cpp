@@ -2,7 +2,8 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
-#include "tlvlib/xml/TVNC_XMLNode.h"
+#include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/xml/TVNG_Records.h"
 
 namespace {
 
@@ -16,15 +17,11 @@ struct Names
         : file(QEXC_TextCodec::fromSJIS("fontlist.xml"))
         , root(QEXC_TextCodec::fromSJIS("fontlist"))
         , font(QEXC_TextCodec::fromSJIS("font"))
-        , id(QEXC_TextCodec::fromSJIS("id"))
     {
-        docInfo.append(QEXC_TextCodec::fromSJIS("docInfo"), QEXC_TextCodec::fromSJIS("1.0"));
     }
     QString file;
     QString root;
     QString font;
-    QString id;
-    QXmlStreamAttributes docInfo;
 };
 
 Names& names()
@@ -55,7 +52,7 @@ void TVNC_FontListSetting::loadFontList(QString dir)
     deleteAllSetting();
     QString path = dir + names().file;
     load(path);
-    setIDforChildren(names().id);
+    setIDforChildren(TVNG_idName());
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::loadFontList] end");
 }
 
@@ -66,10 +63,7 @@ void TVNC_FontListSetting::saveFontList(QString dir)
         TVNG_DebugPrint(2, "[TVNC_FontListSetting::saveFontList] Path is empty.");
         return;
     }
-    if (TVNC_XMLNode* pc_root = getXMLRootNode()) {
-        pc_root->setName(names().root);
-        pc_root->setAttribute(names().docInfo);
-    }
+    TVNG_nameRoot(getXMLRootNode(), names().root);
     QString path = dir + names().file;
     save(path);
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::saveFontList] end");
@@ -77,16 +71,15 @@ void TVNC_FontListSetting::saveFontList(QString dir)
 
 int TVNC_FontListSetting::getCount()
 {
-    return getXMLRootNodeChildCntByName(names().id, names().font);
+    return getXMLRootNodeChildCntByName(TVNG_idName(), names().font);
 }
 
 QString TVNC_FontListSetting::getFont(int si_index)
 {
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::getFont]");
-    TVNC_XMLNode* pc_root = getXMLRootNode();
-    TVNC_XMLNode* pc_font = pc_root ? pc_root->getXMLNodeChildByID(si_index, names().id) : nullptr;
+    TVNC_XMLNode* pc_font = TVNG_recordByNumber(*this, si_index);
     // Any numbered element is a font here, whatever its name; only getCount() looks at names.
-    if (!pc_font || pc_font->getText().toUtf8().size() > FONT_NAME_MAX)
+    if (!pc_font || !TVNG_fitsUtf8(pc_font->getText(), FONT_NAME_MAX))
         return QString();
     return pc_font->getText();
 }
@@ -100,9 +93,6 @@ void TVNC_FontListSetting::addFont(QString name)
     }
     QXmlStreamAttributes noAttributes;
     char c_textType = 0;
-    TVNC_XMLNode* pc_root = getXMLRootNode();
-    TVNC_XMLNode* pc_font = addXMLChild(pc_root, names().font, name, c_textType, noAttributes, 0);
-    if (!pc_root)
-        delete pc_font; // belongs to no document
-    setIDforChildren(names().id);
+    TVNG_releaseDetached(addXMLChild(getXMLRootNode(), names().font, name, c_textType, noAttributes, 0));
+    setIDforChildren(TVNG_idName());
 }

@@ -99,7 +99,7 @@ TVNC_XMLCharacters::Check TVNC_XMLCharacters::check(QByteArray& piece)
 {
     char* const pc_bytes = piece.data();
     const int si_size = static_cast<int>(piece.size());
-    Check result = {si_size, 0, false};
+    Check result = {si_size, 0, false, false};
     int i = 0;
     while (i < si_size) {
         if (i + 8 <= si_size && arePlain(pc_bytes + i)) {
@@ -111,6 +111,7 @@ TVNC_XMLCharacters::Check TVNC_XMLCharacters::check(QByteArray& piece)
         if (si_length <= 0) {
             result.si_admitted = i;
             result.si_cutOff = si_length < 0 ? si_size - i : 0;
+            result.b_ended = si_length == 0;
             break;
         }
         const bool b_noncharacter = isNoncharacter(pc_sequence, si_length);
@@ -120,6 +121,7 @@ TVNC_XMLCharacters::Check TVNC_XMLCharacters::check(QByteArray& piece)
         if (!b_xml) {
             pc_bytes[i] = 1;
             result.si_admitted = i + 1;
+            result.b_ended = true;
             break;
         }
         result.b_noncharacters = result.b_noncharacters || b_noncharacter;

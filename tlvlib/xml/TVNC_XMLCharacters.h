@@ -20,6 +20,7 @@ public:
     {
         int si_admitted;      ///< bytes that may be parsed
         int si_cutOff;        ///< bytes behind them that begin a sequence whose rest is yet to come
+        bool b_ended;         ///< whether the document ends with what is admitted
         bool b_noncharacters; ///< whether withoutNoncharacters() would change it
     };
 

@@ -128,7 +128,7 @@ void TVNC_XMLInput::produce()
         return;
     const TVNC_XMLCharacters::Check check = TVNC_XMLCharacters::check(str_Output);
     str_Tail = str_Output.mid(check.si_admitted, check.si_cutOff);
-    b_Ended = b_Ended || check.si_admitted + check.si_cutOff < str_Output.size();
+    b_Ended = b_Ended || check.b_ended;
     str_Output.truncate(check.si_admitted);
     if (check.b_noncharacters && TVNG_decoderRefusesNoncharacters())
         str_Output = TVNC_XMLCharacters::withoutNoncharacters(str_Output);

@@ -1,0 +1,47 @@
+#include "tlvlib/xml/TVNG_Records.h"
+
+#include "tlvlib/util/QEXC_TextCodec.h"
+
+QString& TVNG_idName()
+{
+    // Never destroyed, so that it outlives the stores.
+    static QString* const pc_name = new QString(QEXC_TextCodec::fromSJIS("id"));
+    return *pc_name;
+}
+
+void TVNG_nameRoot(TVNC_XMLNode* pc_root, QString& name)
+{
+    if (!pc_root)
+        return;
+    QXmlStreamAttributes docInfo;
+    docInfo.append(QEXC_TextCodec::fromSJIS("docInfo"), QEXC_TextCodec::fromSJIS("1.0"));
+    pc_root->setName(name);
+    pc_root->setAttribute(docInfo);
+}
+
+TVNC_XMLNode* TVNG_addRecord(TVNC_XMLSetting& setting, QString& name, char c_prepend)
+{
+    QString noText;
+    char c_textType = 0;
+    QXmlStreamAttributes noAttributes;
+    return setting.addXMLChild(setting.getXMLRootNode(), name, noText, c_textType, noAttributes, c_prepend);
+}
+
+void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& name, QString text,
+                   char c_textType)
+{
+    QXmlStreamAttributes noAttributes;
+    setting.addXMLChild(pc_record, name, text, c_textType, noAttributes, 0);
+}
+
+void TVNG_releaseDetached(TVNC_XMLNode* pc_record)
+{
+    if (pc_record && !pc_record->getXMLNodeParent())
+        delete pc_record;
+}
+
+TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number)
+{
+    TVNC_XMLNode* pc_root = setting.getXMLRootNode();
+    return pc_root ? pc_root->getXMLNodeChildByID(si_number, TVNG_idName()) : nullptr;
+}
