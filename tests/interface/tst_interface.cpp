@@ -103,9 +103,18 @@ static_assert(!std::is_default_constructible<FontList>::value, "there is one ins
 
 // --- Layout -----------------------------------------------------------------------------------------------
 
+/// Where in an object a part of it stands.
+template <typename Object, typename Member>
+static ptrdiff_t offsetIn(const Object& object, const Member& member)
+{
+    return static_cast<const char*>(static_cast<const void*>(&member)) -
+           static_cast<const char*>(static_cast<const void*>(&object));
+}
+
 /// The members of a node, in their order.
 struct NodeMirror : public QObject
 {
+    NodeMirror() : textType(0), parent(nullptr) {}
     char textType;
     TVNC_XMLNode* parent;
     QList<TVNC_XMLNode*> children;
@@ -202,6 +211,9 @@ void tst_interface::exportedSymbolsAreThoseOfTheList()
 
 void tst_interface::loadingRunsTwoInitialisers()
 {
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("the sanitizer adds initialisers of its own", SkipAll);
+#endif
     // The codec, the semaphore, and the one that most compilers put into every shared object.
     const int si_initialisers = ElfFile(libraryPath_).initialisers();
     QVERIFY2(si_initialisers == 2 || si_initialisers == 3, qPrintable(QString::number(si_initialisers)));
@@ -212,13 +224,17 @@ void tst_interface::nodeMembersKeepTheirOrder()
     TVNC_XMLNode parent(nullptr, 0);
     TVNC_XMLNode* pc_node = new TVNC_XMLNode(&parent, 0);
     pc_node->setTextType(77);
-    const NodeMirror* pc_mirror = static_cast<const NodeMirror*>(static_cast<const void*>(pc_node));
-    QCOMPARE(int(pc_mirror->textType), 77);
-    QCOMPARE(pc_mirror->parent, &parent);
-    QVERIFY(&pc_mirror->children == &pc_node->getXMLNodeChildren());
-    QVERIFY(&pc_mirror->attributes == &pc_node->getAttribute());
-    QVERIFY(&pc_mirror->name == &pc_node->getName());
-    QVERIFY(&pc_mirror->text == &pc_node->getText());
+    const char* const pc_bytes = static_cast<const char*>(static_cast<const void*>(pc_node));
+
+    const NodeMirror mirror;
+    QCOMPARE(int(pc_bytes[offsetIn(mirror, mirror.textType)]), 77);
+    TVNC_XMLNode* pc_parent = nullptr;
+    std::memcpy(&pc_parent, pc_bytes + offsetIn(mirror, mirror.parent), sizeof pc_parent);
+    QCOMPARE(pc_parent, &parent);
+    QCOMPARE(offsetIn(*pc_node, pc_node->getXMLNodeChildren()), offsetIn(mirror, mirror.children));
+    QCOMPARE(offsetIn(*pc_node, pc_node->getAttribute()), offsetIn(mirror, mirror.attributes));
+    QCOMPARE(offsetIn(*pc_node, pc_node->getName()), offsetIn(mirror, mirror.name));
+    QCOMPARE(offsetIn(*pc_node, pc_node->getText()), offsetIn(mirror, mirror.text));
 }
 
 void tst_interface::settingBaseKeepsItsLayout()
