@@ -31,6 +31,7 @@ private slots:
     void nothingIsWrittenWithoutAFormat();
     void missingDirectoryLosesTheMessageInBothSinks();
     void aDirectoryInTheFilesPlaceLosesTheMessage();
+    void writeErrorsAreIgnored();
     void filteredMessagesDoNotNeedTheDirectory();
     void fileMayVanishBetweenMessages();
     void threadsNeverMixLines();
@@ -145,6 +146,14 @@ void tst_TVNG_DebugPrint_file::aDirectoryInTheFilesPlaceLosesTheMessage()
     QVERIFY(QDir().mkpath(LOG_FILE));
     TVNG_DebugPrint(1, "lost");
     QCOMPARE(RecordingLiblog::take(), QStringList());
+}
+
+void tst_TVNG_DebugPrint_file::writeErrorsAreIgnored()
+{
+    // A full disk: the file can be opened, but nothing gets into it. The system log still has the message.
+    QVERIFY(QFile::link(QLatin1String("/dev/full"), LOG_FILE));
+    TVNG_DebugPrint(1, "message");
+    QCOMPARE(RecordingLiblog::take(), QStringList(QLatin1String("WriteSystemLog 1 1 255 'message' 0xffff")));
 }
 
 void tst_TVNG_DebugPrint_file::filteredMessagesDoNotNeedTheDirectory()

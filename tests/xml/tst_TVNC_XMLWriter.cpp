@@ -39,6 +39,7 @@ private slots:
 
     void nullRootLeavesTheFile();
     void unopenableFileIsLogged();
+    void writeErrorsAreNotDetected();
     void fileIsReplaced();
     void nullNodeStopsTheWriting_data();
     void nullNodeStopsTheWriting();
@@ -355,6 +356,17 @@ void tst_TVNC_XMLWriter::unopenableFileIsLogged()
     QString directory = dir.path();
     QVERIFY(!writer.write(directory, root.data()));
     QCOMPARE(LogRecorder::take(), QStringList(utf8("2 TVNC_XMLWriter::write file open error!")));
+}
+
+void tst_TVNC_XMLWriter::writeErrorsAreNotDetected()
+{
+    QScopedPointer<TVNC_XMLNode> root(makeNode(nullptr, "a"));
+    for (int i = 0; i < 10000; ++i)
+        makeNode(root.data(), "record", "more than any buffer holds");
+    QString path = utf8("/dev/full");
+    TVNC_XMLWriter writer;
+    QVERIFY(writer.write(path, root.data()));
+    QCOMPARE(LogRecorder::take(), QStringList());
 }
 
 void tst_TVNC_XMLWriter::fileIsReplaced()
