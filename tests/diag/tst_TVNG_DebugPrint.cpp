@@ -92,8 +92,8 @@ void tst_TVNG_DebugPrint::nothingHappensWithoutAFormat()
 {
     const char* pc_null = nullptr;
     const char* pc_empty = "";
-    TVNG_DebugPrint(1, pc_null);
-    TVNG_DebugPrint(1, pc_empty);
+    TVNG_DebugPrint(1, pc_null, 0);
+    TVNG_DebugPrint(1, pc_empty, 0);
     QCOMPARE(RecordingLiblog::take(), QStringList());
     // A format that makes an empty message is a message.
     TVNG_DebugPrint(1, "%s", "");

@@ -121,8 +121,8 @@ void tst_TVNG_DebugPrint_file::nothingIsWrittenWithoutAFormat()
 {
     const char* pc_null = nullptr;
     const char* pc_empty = "";
-    TVNG_DebugPrint(1, pc_null);
-    TVNG_DebugPrint(1, pc_empty);
+    TVNG_DebugPrint(1, pc_null, 0);
+    TVNG_DebugPrint(1, pc_empty, 0);
     QVERIFY(!QFile::exists(LOG_FILE));
     QCOMPARE(RecordingLiblog::take(), QStringList());
 }
