@@ -8,6 +8,7 @@
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
 #include <tlvlib/stores/TVNC_FontListSetting.h>
+#include <tlvlib/stores/TVNC_HistorySetting.h>
 #include <tlvlib/util/QEXC_TextCodec.h>
 #include <tlvlib/util/TVNC_IwsUrl.h>
 #include <tlvlib/xml/TVNC_XMLNode.h>

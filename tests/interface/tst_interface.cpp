@@ -28,6 +28,7 @@ typedef TVNC_XMLReader Reader;
 typedef TVNC_XMLWriter Writer;
 typedef TVNC_XMLSetting Setting;
 typedef TVNC_FontListSetting FontList;
+typedef TVNC_HistorySetting History;
 
 static_assert(std::is_same<decltype(TVNG_DebugPrint(0ul, "x")), void>::value, "TVNG_DebugPrint has changed");
 SIGNATURE(TVNG_DebugSetLogLevel, void (*)(unsigned long));
@@ -101,6 +102,22 @@ SIGNATURE(FontList::getFont, QString (FontList::*)(int));
 SIGNATURE(FontList::addFont, void (FontList::*)(QString));
 static_assert(!std::is_default_constructible<FontList>::value, "there is one instance");
 
+SIGNATURE(History::getInstance, History* (*)());
+SIGNATURE(History::loadHistory, void (History::*)(QString*, int));
+SIGNATURE(History::saveHistory, void (History::*)(QString*, int));
+SIGNATURE(History::getHistoryCnt, int (History::*)());
+SIGNATURE(History::setHistory, void (History::*)(TVNS_History*));
+SIGNATURE(History::updateHistory, void (History::*)(TVNS_History*));
+SIGNATURE(History::getHistory, bool (History::*)(int, TVNS_History*));
+SIGNATURE(History::getHistoryIndex, int (History::*)(QString&));
+SIGNATURE(History::changeHistory, void (History::*)(int, TVNS_History&));
+SIGNATURE(History::changeHistoryTitle, void (History::*)(int, QString&));
+SIGNATURE(History::deleteHistory, void (History::*)(int));
+SIGNATURE(History::sortHistory, void (History::*)());
+SIGNATURE(TVNS_History::operator<, bool (TVNS_History::*)(const TVNS_History&) const);
+static_assert(!std::is_default_constructible<History>::value, "there is one instance");
+static_assert(!std::is_destructible<History>::value, "the instance lives as long as the process");
+
 // --- Layout -----------------------------------------------------------------------------------------------
 
 /// Where in an object a part of it stands.
@@ -141,6 +158,25 @@ static SettingMirror mirrorOf(const TVNC_XMLSetting& setting)
 
 static_assert(sizeof(TVNC_FontListSetting) == sizeof(TVNC_XMLSetting),
               "the font list has no member of its own");
+
+/// The history: the setting document, then the maximum count.
+struct HistoryMirror
+{
+    void** slots_;
+    TVNC_XMLNode* root;
+    int maximum;
+};
+static_assert(sizeof(HistoryMirror) == sizeof(TVNC_HistorySetting), "the history's size has changed");
+
+/// The members of a visit, in their order.
+struct VisitMirror
+{
+    QString title;
+    QString url;
+    QDateTime dateTime;
+};
+static_assert(sizeof(VisitMirror) == sizeof(TVNS_History), "the visit's size has changed");
+
 static_assert(sizeof(TVNC_XMLReader) == sizeof(QXmlStreamReader), "the reader has no member of its own");
 static_assert(sizeof(TVNC_XMLWriter) == sizeof(QXmlStreamWriter), "the writer has no member of its own");
 
@@ -155,6 +191,8 @@ private slots:
     void loadingRunsTwoInitialisers();
     void nodeMembersKeepTheirOrder();
     void settingBaseKeepsItsLayout();
+    void historyKeepsItsMaximumLast();
+    void visitMembersKeepTheirOrder();
     void virtualOperationsKeepTheirOrder();
     void storesReachTheBasesOperations();
     void nodeHasNoMetaObjectOfItsOwn();
@@ -245,6 +283,29 @@ void tst_interface::settingBaseKeepsItsLayout()
     QCOMPARE(mirrorOf(setting).root, setting.getXMLRootNode());
 }
 
+void tst_interface::historyKeepsItsMaximumLast()
+{
+    TVNC_HistorySetting* pc_history = TVNC_HistorySetting::getInstance();
+    const void* const pc_object = pc_history;
+    const HistoryMirror* pc_mirror = static_cast<const HistoryMirror*>(pc_object);
+    QCOMPARE(pc_mirror->maximum, 0);
+    TempDir dir;
+    QString path = dir.path();
+    pc_history->loadHistory(&path, 77);
+    QCOMPARE(pc_mirror->maximum, 77);
+    QCOMPARE(pc_mirror->root, pc_history->getXMLRootNode());
+}
+
+void tst_interface::visitMembersKeepTheirOrder()
+{
+    TVNS_History visit;
+    const void* const pc_object = &visit;
+    const VisitMirror* pc_mirror = static_cast<const VisitMirror*>(pc_object);
+    QVERIFY(&pc_mirror->title == &visit.title);
+    QVERIFY(&pc_mirror->url == &visit.url);
+    QVERIFY(&pc_mirror->dateTime == &visit.dateTime);
+}
+
 static const char* const SETTING_SLOTS[] = {
     "_ZN15TVNC_XMLSetting4loadER7QString",
     "_ZN15TVNC_XMLSetting4saveER7QString",
@@ -270,9 +331,15 @@ void tst_interface::virtualOperationsKeepTheirOrder()
 
 void tst_interface::storesReachTheBasesOperations()
 {
-    void** const pc_slots = mirrorOf(*TVNC_FontListSetting::getInstance()).slots_;
-    for (int i = 0; i < SETTING_SLOT_COUNT; ++i)
-        QVERIFY2(pc_slots[i] == dlsym(RTLD_DEFAULT, SETTING_SLOTS[i]), SETTING_SLOTS[i]);
+    const TVNC_XMLSetting* const pc_stores[] = {
+        TVNC_FontListSetting::getInstance(),
+        TVNC_HistorySetting::getInstance(),
+    };
+    for (const TVNC_XMLSetting* pc_store : pc_stores) {
+        void** const pc_slots = mirrorOf(*pc_store).slots_;
+        for (int i = 0; i < SETTING_SLOT_COUNT; ++i)
+            QVERIFY2(pc_slots[i] == dlsym(RTLD_DEFAULT, SETTING_SLOTS[i]), SETTING_SLOTS[i]);
+    }
 }
 
 void tst_interface::nodeHasNoMetaObjectOfItsOwn()

@@ -8,6 +8,7 @@
  * The device runs Qt 4.8, a desk Qt 5.15. Each difference below changes data silently when it is missed.
  */
 
+#include <QtCore/QDateTime>
 #include <QtCore/QString>
 
 /**
@@ -55,6 +56,24 @@ inline QString TVNG_copyOf(const Reference& reference)
 inline unsigned int TVNG_low32(const void* pc_object)
 {
     return static_cast<unsigned int>(reinterpret_cast<quintptr>(pc_object));
+}
+
+/**
+ * Whether a time is later than another, by the device's rule: two local times are compared as they stand on
+ * the clock, and a time without a date is earlier than any with one. (Qt 5 would convert local times first,
+ * take those that a daylight-saving change skips for others, place those that it repeats by chance, and a
+ * time without a date at the beginning of 1970.)
+ */
+inline bool TVNG_isLater(const QDateTime& dateTime, const QDateTime& other)
+{
+#if QT_VERSION >= 0x050000
+    if (dateTime.timeSpec() == Qt::LocalTime && other.timeSpec() == Qt::LocalTime) {
+        if (dateTime.date() != other.date())
+            return dateTime.date() > other.date();
+        return dateTime.time() > other.time();
+    }
+#endif
+    return dateTime > other;
 }
 
 #endif

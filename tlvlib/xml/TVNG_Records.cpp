@@ -1,6 +1,7 @@
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
 
 QString& TVNG_idName()
 {
@@ -44,4 +45,22 @@ TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number)
 {
     TVNC_XMLNode* pc_root = setting.getXMLRootNode();
     return pc_root ? pc_root->getXMLNodeChildByID(si_number, TVNG_idName()) : nullptr;
+}
+
+QVector<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count)
+{
+    QVector<TVNC_XMLNode*> records(qMax(si_count, 0), nullptr);
+    TVNC_XMLNode* pc_root = setting.getXMLRootNode();
+    if (!pc_root)
+        return records;
+    const QList<TVNC_XMLNode*>& children = pc_root->getXMLNodeChildren();
+    for (int i = 0; i < children.size(); ++i) {
+        TVNC_XMLNode* pc_child = children.at(i);
+        int si_number = 0;
+        if (!pc_child || !TVNC_RecordNumbers::read(pc_child->getAttribute(), TVNG_idName(), si_number))
+            continue;
+        if (si_number >= 0 && si_number < si_count && !records.at(si_number))
+            records[si_number] = pc_child;
+    }
+    return records;
 }

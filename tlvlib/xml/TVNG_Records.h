@@ -4,6 +4,8 @@
 #include "tlvlib/xml/TVNC_XMLNode.h"
 #include "tlvlib/xml/TVNC_XMLSetting.h"
 
+#include <QtCore/QVector>
+
 /**
  * @file
  * What the stores do with their records, beyond the operations of the setting base. Internal to the library;
@@ -34,5 +36,11 @@ void TVNG_releaseDetached(TVNC_XMLNode* pc_record);
 
 /// The record of a number; null without a root or without such a record.
 TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number);
+
+/**
+ * The records of the numbers from 0 to @a si_count - 1, in this order, each as TVNG_recordByNumber() finds
+ * it, or null: for going through all of them without searching for each.
+ */
+QVector<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count);
 
 #endif

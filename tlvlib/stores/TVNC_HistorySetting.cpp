@@ -1,0 +1,302 @@
+#include "tlvlib/stores/TVNC_HistorySetting.h"
+
+#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_quickSort.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
+#include "tlvlib/xml/TVNG_Records.h"
+
+#include <QtCore/QVector>
+
+namespace {
+
+/// The names in the document, decoded once. Never destroyed, so that they outlive the store.
+struct Names
+{
+    Names()
+        : file(QEXC_TextCodec::fromSJIS("visit.xml"))
+        , root(QEXC_TextCodec::fromSJIS("history"))
+        , pageInfo(QEXC_TextCodec::fromSJIS("pageInfo"))
+        , title(QEXC_TextCodec::fromSJIS("title"))
+        , url(QEXC_TextCodec::fromSJIS("url"))
+        , dateTime(QEXC_TextCodec::fromSJIS("dateTime"))
+        , dateTimeFormat(QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm"))
+    {
+    }
+    QString file;
+    QString root;
+    QString pageInfo;
+    QString title;
+    QString url;
+    QString dateTime;
+    QString dateTimeFormat;
+};
+
+Names& names()
+{
+    static Names* const pc_names = new Names;
+    return *pc_names;
+}
+
+/// The text of a time as the clock showed it; empty without a valid date and time.
+QString textOf(const QDateTime& dateTime)
+{
+    // In UTC no time is skipped: asked for its text itself, a QDateTime of Qt 5 with a skipped time has none.
+    return QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).toString(names().dateTimeFormat);
+}
+
+/// The number in a run of decimal digits; -1 when another character stands among them.
+int digitsAt(const QString& text, int si_from, int si_count)
+{
+    int si_number = 0;
+    for (int i = si_from; i < si_from + si_count; ++i) {
+        const int si_digit = text.at(i).unicode() - '0';
+        if (si_digit < 0 || si_digit > 9)
+            return -1;
+        si_number = si_number * 10 + si_digit;
+    }
+    return si_number;
+}
+
+/// Reads what textOf() writes.
+QDateTime dateTimeOf(const QString& text)
+{
+    // Plain texts are read here, because Qt 5's fromString() refuses the times that a daylight-saving change
+    // skips (and takes its time over the others). Years outside the range that every Qt reads, and every
+    // other text, have what meaning Qt gives them.
+    if (text.size() == 16 && text.at(4) == QLatin1Char('/') && text.at(7) == QLatin1Char('/') &&
+        text.at(10) == QLatin1Char(' ') && text.at(13) == QLatin1Char(':')) {
+        const int si_year = digitsAt(text, 0, 4);
+        const QDate date(si_year, digitsAt(text, 5, 2), digitsAt(text, 8, 2));
+        const QTime time(digitsAt(text, 11, 2), digitsAt(text, 14, 2));
+        if (si_year >= 1000 && si_year <= 7999 && date.isValid() && time.isValid())
+            return QDateTime(date, time);
+    }
+    return QDateTime::fromString(text, names().dateTimeFormat);
+}
+
+/// Copies the texts that a record has; what it lacks stays as it was in @a out.
+void readVisit(TVNC_XMLNode& record, TVNS_History& out)
+{
+    if (TVNC_XMLNode* pc_title = record.getXMLNodeChildByName(names().title))
+        out.title = pc_title->getText();
+    if (TVNC_XMLNode* pc_url = record.getXMLNodeChildByName(names().url))
+        out.url = pc_url->getText();
+    if (TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(names().dateTime))
+        out.dateTime = dateTimeOf(pc_dateTime->getText());
+}
+
+/// Adds a record at the front, without numbering. Null when memory ran out. Without a root the record belongs
+/// to no document.
+TVNC_XMLNode* addVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
+{
+    TVNC_XMLNode* pc_record = TVNG_addRecord(setting, names().pageInfo, 1);
+    if (!pc_record)
+        return nullptr;
+    TVNG_addField(setting, pc_record, names().title, visit.title, 0);
+    TVNG_addField(setting, pc_record, names().url, visit.url, 0);
+    TVNG_addField(setting, pc_record, names().dateTime, textOf(visit.dateTime), 0);
+    return pc_record;
+}
+
+void setFieldText(TVNC_XMLNode& record, QString& name, QString text)
+{
+    if (TVNC_XMLNode* pc_field = record.getXMLNodeChildByName(name))
+        pc_field->setText(text);
+}
+
+bool isNewer(const TVNS_History* pc_visit, const TVNS_History* pc_other)
+{
+    return *pc_visit < *pc_other;
+}
+
+void logGetHistory()
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::getHistory]");
+}
+
+void logSetHistory()
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::setHistory]");
+}
+
+} // namespace
+
+TVNS_History::~TVNS_History() {}
+
+bool TVNS_History::operator<(const TVNS_History& other) const
+{
+    return TVNG_isLater(dateTime, other.dateTime);
+}
+
+TVNC_HistorySetting::TVNC_HistorySetting() : si_maxCount(0) {}
+
+TVNC_HistorySetting::~TVNC_HistorySetting() {}
+
+TVNC_HistorySetting* TVNC_HistorySetting::getInstance()
+{
+    static TVNC_HistorySetting instance;
+    return &instance;
+}
+
+void TVNC_HistorySetting::loadHistory(QString* dir, int si_loadMax)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::loadHistory] start");
+    if (!dir || dir->isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_HistorySetting::loadHistory] Path is NULL or empty.");
+        return;
+    }
+    if (si_loadMax < 1) {
+        TVNG_DebugPrint(2, "[TVNC_HistorySetting::loadHistory] Error load_max:%d", si_loadMax);
+        return;
+    }
+    si_maxCount = si_loadMax;
+    deleteAllSetting();
+    QString path = *dir + names().file;
+    load(path);
+    setIDforChildren(TVNG_idName());
+    sortHistory();
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::loadHistory] end");
+}
+
+void TVNC_HistorySetting::saveHistory(QString* dir, int si_saveMax)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::saveHistory] start");
+    if (!dir || dir->isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_HistorySetting::saveHistory] Path is NULL or empty.");
+        return;
+    }
+    if (si_saveMax < 1) {
+        // The text names an operation of the authentication store. The devices' log filters look for it.
+        TVNG_DebugPrint(2, "[TVNC_HistorySetting::saveAuthInfo] Error save_max:%d", si_saveMax);
+        return;
+    }
+    TVNG_nameRoot(getXMLRootNode(), names().root);
+    QString path = *dir + names().file;
+    save(path);
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::saveHistory] end");
+}
+
+int TVNC_HistorySetting::getHistoryCnt()
+{
+    return getXMLRootNodeChildCntByName(TVNG_idName(), names().pageInfo);
+}
+
+void TVNC_HistorySetting::setHistory(TVNS_History* pc_history)
+{
+    logSetHistory();
+    if (!pc_history)
+        return;
+    TVNC_XMLNode* pc_record = addVisit(*this, *pc_history);
+    if (!pc_record)
+        return;
+    TVNG_releaseDetached(pc_record);
+    setIDforChildren(TVNG_idName());
+}
+
+void TVNC_HistorySetting::updateHistory(TVNS_History* pc_history)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::updateHistory]");
+    // One visit goes, however many are too many, and it goes even when the record turns out to be null.
+    // Before the first load the maximum is 0, so the number is -1, which no visit has.
+    if (getXMLNodeCnt() >= si_maxCount)
+        deleteHistory(si_maxCount - 1);
+    setHistory(pc_history);
+}
+
+bool TVNC_HistorySetting::getHistory(int si_id, TVNS_History* pc_out)
+{
+    logGetHistory();
+    if (!pc_out)
+        return false;
+    TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
+    if (!pc_record)
+        return false;
+    readVisit(*pc_record, *pc_out);
+    return true;
+}
+
+int TVNC_HistorySetting::getHistoryIndex(QString& url)
+{
+    const QVector<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getHistoryCnt());
+    // Not cleared between visits: browsers know a visit without address by that of the one before it.
+    QString visited;
+    for (int i = 0; i < records.size(); ++i) {
+        logGetHistory();
+        if (!records.at(i))
+            continue;
+        if (TVNC_XMLNode* pc_url = records.at(i)->getXMLNodeChildByName(names().url))
+            visited = pc_url->getText();
+        if (visited == url)
+            return i;
+    }
+    return -1;
+}
+
+void TVNC_HistorySetting::changeHistory(int si_id, TVNS_History& history)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::changeHistory]");
+    TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
+    if (!pc_record)
+        return;
+    setFieldText(*pc_record, names().title, history.title);
+    setFieldText(*pc_record, names().url, history.url);
+    setFieldText(*pc_record, names().dateTime, textOf(history.dateTime));
+}
+
+void TVNC_HistorySetting::changeHistoryTitle(int si_id, QString& title)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::changeHistoryTitle]");
+    if (TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id))
+        setFieldText(*pc_record, names().title, title);
+}
+
+void TVNC_HistorySetting::deleteHistory(int si_id)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::deleteHistory] si_nodeNum:%d", si_id);
+    deleteXMLNodeByID(si_id, TVNG_idName());
+    setIDforChildren(TVNG_idName());
+}
+
+// To the outside, this reads every position with getHistory() and puts every visit back with setHistory(),
+// and the log says so. Both would search or number the whole list each time; what they do to a record is done
+// here without that.
+void TVNC_HistorySetting::sortHistory()
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::sortHistory]");
+    if (!getXMLRootNode())
+        return;
+
+    const QVector<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getXMLNodeCnt());
+    QVector<TVNS_History> visits;
+    visits.reserve(records.size());
+    for (int i = 0; i < records.size(); ++i) {
+        logGetHistory();
+        if (!records.at(i))
+            continue;
+        visits.append(TVNS_History());
+        readVisit(*records.at(i), visits.last());
+    }
+
+    QVector<const TVNS_History*> sorted;
+    sorted.reserve(visits.size());
+    for (int i = 0; i < visits.size(); ++i)
+        sorted.append(&visits.at(i));
+    TVNG_quickSort(sorted.begin(), sorted.end(), isNewer);
+
+    deleteAllSetting();
+    // Null records, which only a program can have put there, stay and are logged at each numbering.
+    const bool b_numberEach = getXMLNodeCnt() > 0;
+    for (int i = static_cast<int>(sorted.size()) - 1; i >= 0; --i) {
+        logSetHistory();
+        TVNC_XMLNode* pc_record = addVisit(*this, *sorted.at(i));
+        if (!pc_record)
+            continue;
+        if (b_numberEach)
+            setIDforChildren(TVNG_idName());
+        else if (i >= TVNC_RecordNumbers::LIMIT) // it keeps the last number that it had on its way back
+            TVNC_RecordNumbers(TVNG_idName()).give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
+    }
+    setIDforChildren(TVNG_idName());
+}
