@@ -1211,8 +1211,7 @@ void tst_TVNC_HistorySetting::longListIsSortedAndSearched()
     QByteArray records;
     for (int i = 0; i < si_count; ++i) {
         const int si_minute = static_cast<int>((i * 7919LL) % si_count);
-        const QDateTime dateTime =
-            QDateTime(QDate(2011, 1, 1), QTime(0, 0), Qt::UTC).addSecs(60LL * si_minute);
+        const QDateTime dateTime = QDateTime(QDate(2011, 1, 1), QTime(0, 0), Qt::UTC).addSecs(60 * si_minute);
         records += pageInfo(QByteArray::number(si_minute),
                             dateTime.toString(utf8("yyyy/MM/dd hh:mm")).toLatin1(), QByteArray::number(i));
     }

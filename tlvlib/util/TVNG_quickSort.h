@@ -10,7 +10,9 @@
  *
  * The pivot is the median of the first, the middle and the last element, and stands at the end while the
  * others are partitioned from both ends. The two parts are then sorted by themselves; the shorter one first,
- * which has no influence on the result and bounds the depth by the logarithm of the length.
+ * which has no influence on the result and bounds the depth by the logarithm of the length. Orders that are
+ * made for the purpose cost the square of the length, as they do on the device: any way around that would
+ * leave equal elements in another order.
  */
 template <typename Iterator, typename LessThan>
 void TVNG_quickSort(Iterator first, Iterator end, LessThan lessThan)
