@@ -6,6 +6,7 @@
 #include <cxxabi.h>
 #include <dlfcn.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <type_traits>
@@ -27,6 +28,7 @@ typedef TVNC_XMLNode Node;
 typedef TVNC_XMLReader Reader;
 typedef TVNC_XMLWriter Writer;
 typedef TVNC_XMLSetting Setting;
+typedef TVNC_AuthSetting Auth;
 typedef TVNC_FontListSetting FontList;
 typedef TVNC_HistorySetting History;
 
@@ -94,6 +96,18 @@ SIGNATURE(Setting::setElement, Node* (Setting::*)(Node*, QString, QString, QXmlS
 SIGNATURE(Setting::getXMLNodeCnt, int (Setting::*)());
 static_assert(!std::has_virtual_destructor<Setting>::value, "the virtual table has changed");
 
+SIGNATURE(Auth::getInstance, Auth* (*)());
+SIGNATURE(Auth::loadAuthInfo, void (Auth::*)(QString*, int));
+SIGNATURE(Auth::saveAuthInfo, void (Auth::*)(QString*, int));
+SIGNATURE(Auth::setAuthInfo, int (Auth::*)(TVNS_AuthInfo*));
+SIGNATURE(Auth::addAuthInfo, void (Auth::*)(TVNS_AuthInfo*));
+SIGNATURE(Auth::updateAuthInfo, int (Auth::*)(TVNS_AuthInfo*));
+SIGNATURE(Auth::getAuthInfo, int (Auth::*)(int, TVNS_AuthInfo*));
+SIGNATURE(Auth::getAuthInfoCnt, int (Auth::*)());
+SIGNATURE(Auth::deleteAuthInfo, void (Auth::*)(int));
+static_assert(std::is_base_of<Setting, Auth>::value, "the store's base has changed");
+static_assert(!std::is_default_constructible<Auth>::value, "there is one instance");
+
 SIGNATURE(FontList::getInstance, FontList* (*)());
 SIGNATURE(FontList::loadFontList, void (FontList::*)(QString));
 SIGNATURE(FontList::saveFontList, void (FontList::*)(QString));
@@ -156,17 +170,39 @@ static SettingMirror mirrorOf(const TVNC_XMLSetting& setting)
     return mirror;
 }
 
+/// A store with a maximum count: the setting base, then the count.
+struct BoundedMirror
+{
+    SettingMirror base;
+    qint32 maxCount;
+};
+static_assert(sizeof(BoundedMirror) == sizeof(TVNC_AuthSetting),
+              "the authentication store's size has changed");
+
+/// The members of a login, in their order.
+struct AuthInfoMirror
+{
+    QString hostName;
+    QString portNum;
+    quint8 authType;
+    QByteArray user;
+    QByteArray passwd;
+};
+static_assert(sizeof(AuthInfoMirror) == sizeof(TVNS_AuthInfo), "the login's size has changed");
+#define SAME_MEMBER(mirror, record, member)                                                                  \
+    static_assert(offsetof(mirror, member) == offsetof(record, member) &&                                    \
+                      std::is_same<decltype(mirror::member), decltype(record::member)>::value,               \
+                  #record "::" #member " has changed")
+SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, hostName);
+SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, portNum);
+SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, authType);
+SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, user);
+SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, passwd);
+
 static_assert(sizeof(TVNC_FontListSetting) == sizeof(TVNC_XMLSetting),
               "the font list has no member of its own");
 
-/// The history: the setting document, then the maximum count.
-struct HistoryMirror
-{
-    void** slots_;
-    TVNC_XMLNode* root;
-    int maximum;
-};
-static_assert(sizeof(HistoryMirror) == sizeof(TVNC_HistorySetting), "the history's size has changed");
+static_assert(sizeof(BoundedMirror) == sizeof(TVNC_HistorySetting), "the history's size has changed");
 
 /// The members of a visit, in their order.
 struct VisitMirror
@@ -176,6 +212,9 @@ struct VisitMirror
     QDateTime dateTime;
 };
 static_assert(sizeof(VisitMirror) == sizeof(TVNS_History), "the visit's size has changed");
+SAME_MEMBER(VisitMirror, TVNS_History, title);
+SAME_MEMBER(VisitMirror, TVNS_History, url);
+SAME_MEMBER(VisitMirror, TVNS_History, dateTime);
 
 static_assert(sizeof(TVNC_XMLReader) == sizeof(QXmlStreamReader), "the reader has no member of its own");
 static_assert(sizeof(TVNC_XMLWriter) == sizeof(QXmlStreamWriter), "the writer has no member of its own");
@@ -191,8 +230,7 @@ private slots:
     void loadingRunsTwoInitialisers();
     void nodeMembersKeepTheirOrder();
     void settingBaseKeepsItsLayout();
-    void historyKeepsItsMaximumLast();
-    void visitMembersKeepTheirOrder();
+    void maximumCountFollowsTheBase();
     void virtualOperationsKeepTheirOrder();
     void storesReachTheBasesOperations();
     void nodeHasNoMetaObjectOfItsOwn();
@@ -283,27 +321,25 @@ void tst_interface::settingBaseKeepsItsLayout()
     QCOMPARE(mirrorOf(setting).root, setting.getXMLRootNode());
 }
 
-void tst_interface::historyKeepsItsMaximumLast()
+template <typename Store>
+static int maxCountOf(const Store* pc_store)
 {
-    TVNC_HistorySetting* pc_history = TVNC_HistorySetting::getInstance();
-    const void* const pc_object = pc_history;
-    const HistoryMirror* pc_mirror = static_cast<const HistoryMirror*>(pc_object);
-    QCOMPARE(pc_mirror->maximum, 0);
-    TempDir dir;
-    QString path = dir.path();
-    pc_history->loadHistory(&path, 77);
-    QCOMPARE(pc_mirror->maximum, 77);
-    QCOMPARE(pc_mirror->root, pc_history->getXMLRootNode());
+    BoundedMirror mirror;
+    std::memcpy(&mirror, static_cast<const void*>(pc_store), sizeof mirror);
+    return mirror.maxCount;
 }
 
-void tst_interface::visitMembersKeepTheirOrder()
+void tst_interface::maximumCountFollowsTheBase()
 {
-    TVNS_History visit;
-    const void* const pc_object = &visit;
-    const VisitMirror* pc_mirror = static_cast<const VisitMirror*>(pc_object);
-    QVERIFY(&pc_mirror->title == &visit.title);
-    QVERIFY(&pc_mirror->url == &visit.url);
-    QVERIFY(&pc_mirror->dateTime == &visit.dateTime);
+    TempDir dir;
+    QString path = dir.path();
+    QCOMPARE(maxCountOf(TVNC_AuthSetting::getInstance()), 0);
+    TVNC_AuthSetting::getInstance()->loadAuthInfo(&path, 0x1234567);
+    QCOMPARE(maxCountOf(TVNC_AuthSetting::getInstance()), 0x1234567);
+
+    QCOMPARE(maxCountOf(TVNC_HistorySetting::getInstance()), 0);
+    TVNC_HistorySetting::getInstance()->loadHistory(&path, 0x7654321);
+    QCOMPARE(maxCountOf(TVNC_HistorySetting::getInstance()), 0x7654321);
 }
 
 static const char* const SETTING_SLOTS[] = {
@@ -331,11 +367,10 @@ void tst_interface::virtualOperationsKeepTheirOrder()
 
 void tst_interface::storesReachTheBasesOperations()
 {
-    const TVNC_XMLSetting* const pc_stores[] = {
-        TVNC_FontListSetting::getInstance(),
-        TVNC_HistorySetting::getInstance(),
-    };
-    for (const TVNC_XMLSetting* pc_store : pc_stores) {
+    QList<TVNC_XMLSetting*> stores;
+    stores << TVNC_AuthSetting::getInstance() << TVNC_FontListSetting::getInstance()
+           << TVNC_HistorySetting::getInstance();
+    foreach (TVNC_XMLSetting* pc_store, stores) {
         void** const pc_slots = mirrorOf(*pc_store).slots_;
         for (int i = 0; i < SETTING_SLOT_COUNT; ++i)
             QVERIFY2(pc_slots[i] == dlsym(RTLD_DEFAULT, SETTING_SLOTS[i]), SETTING_SLOTS[i]);

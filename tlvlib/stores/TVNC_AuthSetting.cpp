@@ -1,0 +1,212 @@
+#include "tlvlib/stores/TVNC_AuthSetting.h"
+
+#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_Base64.h"
+#include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/xml/TVNG_Records.h"
+
+// No member of a record goes into a log line, neither here nor below.
+
+namespace {
+
+/// In bytes of UTF-8.
+const int HOST_NAME_MAX_BYTES = 256;
+const int PORT_NUM_MAX_BYTES = 5;
+
+/// In bytes before they become base64.
+const int USER_MAX_BYTES = 272;
+const int PASSWD_MAX_BYTES = 272;
+
+const char CHARACTER_DATA = 0;
+const char CDATA_SECTION = 1;
+
+/// The names and words in the document, decoded once. Never destroyed, so that they outlive the store.
+struct Names
+{
+    Names()
+        : file(QEXC_TextCodec::fromSJIS("authinfo.xml"))
+        , root(QEXC_TextCodec::fromSJIS("authentication"))
+        , authInfo(QEXC_TextCodec::fromSJIS("authInfo"))
+        , hostName(QEXC_TextCodec::fromSJIS("hostName"))
+        , portNum(QEXC_TextCodec::fromSJIS("portNum"))
+        , authType(QEXC_TextCodec::fromSJIS("authType"))
+        , user(QEXC_TextCodec::fromSJIS("user"))
+        , passwd(QEXC_TextCodec::fromSJIS("passwd"))
+    {
+        authTypes[0] = QEXC_TextCodec::fromSJIS("basic");
+        authTypes[1] = QEXC_TextCodec::fromSJIS("digest");
+        authTypes[2] = QEXC_TextCodec::fromSJIS("NTLM");
+    }
+
+    static const unsigned char AUTH_TYPES = 3;
+
+    QString file;
+    QString root;
+    QString authInfo;
+    QString hostName;
+    QString portNum;
+    QString authType;
+    QString user;
+    QString passwd;
+    QString authTypes[AUTH_TYPES]; ///< the word of each code
+};
+
+Names& names()
+{
+    static Names* const pc_names = new Names;
+    return *pc_names;
+}
+
+/// The word of a code; empty for a code that has none.
+QString wordOf(unsigned char uc_authType)
+{
+    return uc_authType < Names::AUTH_TYPES ? names().authTypes[uc_authType] : QString();
+}
+
+/// The code of a word. Words that are none count as "basic".
+unsigned char codeOf(const QString& word)
+{
+    for (unsigned char i = 0; i < Names::AUTH_TYPES; ++i) {
+        if (names().authTypes[i] == word)
+            return i;
+    }
+    return 0;
+}
+
+/// Copies a text element, if it is there and not too long.
+void copyText(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QString& text)
+{
+    TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name);
+    if (pc_element && TVNG_fitsUtf8(pc_element->getText(), si_maxBytes))
+        text = pc_element->getText();
+}
+
+/// Copies the bytes of a base64 element, if it is there and not too long.
+void copyBytes(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QByteArray& bytes)
+{
+    if (TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name))
+        TVNG_fromBase64(pc_element->getText(), si_maxBytes, bytes);
+}
+
+} // namespace
+
+TVNC_AuthSetting::TVNC_AuthSetting() : si_maxCount(0) {}
+
+TVNC_AuthSetting::~TVNC_AuthSetting() {}
+
+TVNC_AuthSetting* TVNC_AuthSetting::getInstance()
+{
+    static TVNC_AuthSetting instance;
+    return &instance;
+}
+
+void TVNC_AuthSetting::loadAuthInfo(QString* dir, int si_loadMax)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::loadAuthInfo] start");
+    if (!dir || dir->isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_AuthSetting::loadAuthInfo] Path is empty.");
+        return;
+    }
+    if (si_loadMax < 1) {
+        TVNG_DebugPrint(2, "[TVNC_AuthSetting::loadAuthInfo] Error load_max:%d", si_loadMax);
+        return;
+    }
+    // Only remembered: entries beyond the maximum are kept. Browsers count the list themselves.
+    si_maxCount = si_loadMax;
+    deleteAllSetting();
+    QString path = *dir + names().file;
+    load(path);
+    setIDforChildren(TVNG_idName());
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::loadAuthInfo] end");
+}
+
+void TVNC_AuthSetting::saveAuthInfo(QString* dir, int si_saveMax)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::saveAuthInfo] start");
+    if (!dir || dir->isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_AuthSetting::saveAuthInfo] Path is empty.");
+        return;
+    }
+    // Only tested: all entries are written. Browsers that pass a small number here rely on losing none.
+    if (si_saveMax < 1) {
+        TVNG_DebugPrint(2, "[TVNC_AuthSetting::saveAuthInfo] Error save_max:%d", si_saveMax);
+        return;
+    }
+    TVNG_nameRoot(getXMLRootNode(), names().root);
+    QString path = *dir + names().file;
+    save(path);
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::saveAuthInfo] end");
+}
+
+int TVNC_AuthSetting::setAuthInfo(TVNS_AuthInfo* pc_info)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::setAuthInfo]");
+    if (!pc_info || !TVNG_fitsUtf8(pc_info->hostName, HOST_NAME_MAX_BYTES) ||
+        !TVNG_fitsUtf8(pc_info->portNum, PORT_NUM_MAX_BYTES) || pc_info->user.size() > USER_MAX_BYTES ||
+        pc_info->passwd.size() > PASSWD_MAX_BYTES)
+        return 0;
+    addAuthInfo(pc_info);
+    return 1;
+}
+
+void TVNC_AuthSetting::addAuthInfo(TVNS_AuthInfo* pc_info)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::addAuthInfo]");
+    if (!pc_info)
+        return;
+    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().authInfo, 1);
+    if (!pc_entry)
+        return;
+    TVNG_addField(*this, pc_entry, names().hostName, pc_info->hostName, CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().portNum, pc_info->portNum, CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().authType, wordOf(pc_info->authType), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().user, TVNG_toBase64(pc_info->user), CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, names().passwd, TVNG_toBase64(pc_info->passwd), CDATA_SECTION);
+    TVNG_releaseDetached(pc_entry);
+    setIDforChildren(TVNG_idName());
+}
+
+int TVNC_AuthSetting::updateAuthInfo(TVNS_AuthInfo* pc_info)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::updateAuthInfo]");
+    int si_kept = getXMLNodeCnt();
+    if (si_kept > si_maxCount)
+        si_kept = si_maxCount;
+    // Before the new entry is looked at, and also while there is room: browsers call this when their own
+    // count says that the list is full, and rely on one entry being gone afterwards.
+    deleteAuthInfo(si_kept - 1);
+    return setAuthInfo(pc_info);
+}
+
+int TVNC_AuthSetting::getAuthInfo(int si_index, TVNS_AuthInfo* pc_out)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::getAuthInfo]");
+    if (!pc_out)
+        return 0;
+    // Any numbered element is an entry here, whatever its name; only getAuthInfoCnt() looks at names.
+    TVNC_XMLNode* pc_entry = TVNG_recordByNumber(*this, si_index);
+    if (!pc_entry)
+        return 0;
+    // What is missing or too long keeps the caller's value, and the result stays 1: browsers set defaults
+    // beforehand.
+    copyText(pc_entry, names().hostName, HOST_NAME_MAX_BYTES, pc_out->hostName);
+    copyText(pc_entry, names().portNum, PORT_NUM_MAX_BYTES, pc_out->portNum);
+    TVNC_XMLNode* pc_authType = pc_entry->getXMLNodeChildByName(names().authType);
+    pc_out->authType = pc_authType ? codeOf(pc_authType->getText()) : static_cast<unsigned char>(0);
+    copyBytes(pc_entry, names().user, USER_MAX_BYTES, pc_out->user);
+    copyBytes(pc_entry, names().passwd, PASSWD_MAX_BYTES, pc_out->passwd);
+    return 1;
+}
+
+int TVNC_AuthSetting::getAuthInfoCnt()
+{
+    return getXMLRootNodeChildCntByName(TVNG_idName(), names().authInfo);
+}
+
+void TVNC_AuthSetting::deleteAuthInfo(int si_index)
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::deleteAuthInfo] si_nodeNum:%d", si_index);
+    deleteXMLNodeByID(si_index, TVNG_idName());
+    setIDforChildren(TVNG_idName());
+}
