@@ -7,6 +7,8 @@
 
 #include <QtCore/QDir>
 
+#include <sys/resource.h>
+
 static const char START_LOAD[] = "3 [TVNC_AuthSetting::loadAuthInfo] start";
 static const char END_LOAD[] = "3 [TVNC_AuthSetting::loadAuthInfo] end";
 static const char START_SAVE[] = "3 [TVNC_AuthSetting::saveAuthInfo] start";
@@ -62,6 +64,13 @@ static QByteArray longestBytes()
     return bytes;
 }
 
+/// The most memory that the process has had so far.
+static long peakKilobytes()
+{
+    rusage usage;
+    return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_maxrss : -1;
+}
+
 class tst_TVNC_AuthSetting : public QObject
 {
     Q_OBJECT
@@ -106,6 +115,7 @@ private slots:
     void entriesFromThe1000thOnHaveNoNumber();
 
     void oldestGoesOnUpdate();
+    void oldestGoesOnUpdateEvenWhenThereIsRoom_data();
     void oldestGoesOnUpdateEvenWhenThereIsRoom();
     void updateDeletesNothingBehindTheMaximum();
     void updateOfAnEmptyListAdds();
@@ -172,6 +182,17 @@ void tst_TVNC_AuthSetting::initTestCase()
     QCOMPARE(LogRecorder::take(), QStringList() << utf8(UPDATE) << deleteLine(-1) << utf8(SET) << utf8(ADD));
     QVERIFY(!root());
     QCOMPARE(auth_->getAuthInfoCnt(), 0);
+
+#ifndef __SANITIZE_ADDRESS__ // which keeps freed memory for a while, and finds leaks by itself
+    // Kept entries would take more than ten megabytes.
+    const long si_before = peakKilobytes();
+    for (int i = 0; i < 20000; ++i) {
+        auth_->setAuthInfo(&info);
+        LogRecorder::clear();
+    }
+    QVERIFY(si_before > 0);
+    QVERIFY2(peakKilobytes() - si_before < 4096, qPrintable(QString::number(peakKilobytes() - si_before)));
+#endif
 
     TempDir dir;
     QString dirName = dir.path();
@@ -764,9 +785,18 @@ void tst_TVNC_AuthSetting::oldestGoesOnUpdate()
     QCOMPARE(auth_->getAuthInfoCnt(), 3);
 }
 
+void tst_TVNC_AuthSetting::oldestGoesOnUpdateEvenWhenThereIsRoom_data()
+{
+    QTest::addColumn<int>("maximum");
+    QTest::newRow("room for one") << 3;
+    QTest::newRow("room for many") << 10;
+    QTest::newRow("no bound") << 2147483647;
+}
+
 void tst_TVNC_AuthSetting::oldestGoesOnUpdateEvenWhenThereIsRoom()
 {
-    auth_->loadAuthInfo(&dirName_, 10);
+    QFETCH(int, maximum);
+    auth_->loadAuthInfo(&dirName_, maximum);
     add("b a");
     TVNS_AuthInfo info = makeInfo("new");
     QCOMPARE(auth_->updateAuthInfo(&info), 1);
