@@ -1,6 +1,8 @@
 # Finds the Qt that TLVLIB_QT_VERSION names, so that no other file has to know the version. Sets
-#   TLVLIB_QT_CORE, TLVLIB_QT_GUI, TLVLIB_QT_TEST   the targets to link; the last two where they are needed
-#   TLVLIB_PKGCONFIG_QT                             the pkg-config module of the first
+#   TLVLIB_QT             the targets that the library links: core, GUI for pictures, network for cookies
+#   TLVLIB_QT_TEST        the target that tests link besides, where they are built
+#   TLVLIB_QT_COMPONENTS  the names of the library's targets for find_package()
+#   TLVLIB_PKGCONFIG_QT   the names of their pkg-config modules
 # Qt 4 comes through CMake's own FindQt4: name its qmake with QT_QMAKE_EXECUTABLE and, for a cross build, the
 # host's moc with QT_MOC_EXECUTABLE.
 
@@ -10,18 +12,19 @@ if(TLVLIB_QT_VERSION EQUAL 4)
         set(tlvlib_qt_test QtTest)
         set(TLVLIB_QT_TEST Qt4::QtTest)
     endif()
-    find_package(Qt4 4.8 REQUIRED COMPONENTS QtCore ${tlvlib_qt_test})
-    set(TLVLIB_QT_CORE Qt4::QtCore)
-    set(TLVLIB_PKGCONFIG_QT QtCore)
+    set(TLVLIB_QT_COMPONENTS QtCore QtGui QtNetwork)
+    find_package(Qt4 4.8 REQUIRED COMPONENTS ${TLVLIB_QT_COMPONENTS} ${tlvlib_qt_test})
+    set(TLVLIB_QT Qt4::QtCore Qt4::QtGui Qt4::QtNetwork)
+    set(TLVLIB_PKGCONFIG_QT "QtCore QtGui QtNetwork")
 elseif(TLVLIB_QT_VERSION EQUAL 5)
     if(BUILD_TESTING)
         set(tlvlib_qt_test Test)
         set(TLVLIB_QT_TEST Qt5::Test)
     endif()
-    find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui ${tlvlib_qt_test})
-    set(TLVLIB_QT_CORE Qt5::Core)
-    set(TLVLIB_QT_GUI Qt5::Gui)
-    set(TLVLIB_PKGCONFIG_QT Qt5Core)
+    set(TLVLIB_QT_COMPONENTS Core Gui Network)
+    find_package(Qt5 5.15 REQUIRED COMPONENTS ${TLVLIB_QT_COMPONENTS} ${tlvlib_qt_test})
+    set(TLVLIB_QT Qt5::Core Qt5::Gui Qt5::Network)
+    set(TLVLIB_PKGCONFIG_QT "Qt5Core Qt5Gui Qt5Network")
 else()
     message(FATAL_ERROR "TLVLIB_QT_VERSION is ${TLVLIB_QT_VERSION}; it can be 5 or 4")
 endif()
