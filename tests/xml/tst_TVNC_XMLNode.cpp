@@ -23,6 +23,7 @@ private slots:
     void searchByNameMovesTheIndex();
     void searchByNameIsExact();
     void searchPastTheEndLeavesTheIndex();
+    void searchBeforeTheBeginningStartsThere();
     void searchSkipsNullChildren();
     void findsAllOfAName();
     void findsByNumber_data();
@@ -253,6 +254,16 @@ void tst_TVNC_XMLNode::searchPastTheEndLeavesTheIndex()
     si_index = 17;
     QVERIFY(!root.getChildByName(name, si_index));
     QCOMPARE(si_index, 17);
+}
+
+void tst_TVNC_XMLNode::searchBeforeTheBeginningStartsThere()
+{
+    TVNC_XMLNode root(nullptr, 0);
+    QString name = utf8("x");
+    int si_index = -2147483647 - 1;
+    TVNC_XMLNode* pc_child = makeNode(&root, "x");
+    QCOMPARE(root.getChildByName(name, si_index), pc_child);
+    QCOMPARE(si_index, 0);
 }
 
 void tst_TVNC_XMLNode::searchSkipsNullChildren()

@@ -115,6 +115,8 @@ void TVNC_XMLNode::removeXMLNode(TVNC_XMLNode* pc_child)
 TVNC_XMLNode* TVNC_XMLNode::getChildByName(QString& name, int& si_index)
 {
     const QList<TVNC_XMLNode*>& children = lst_Children;
+    if (si_index < 0)
+        si_index = 0;
     for (; si_index < children.size(); ++si_index) {
         TVNC_XMLNode* pc_child = children.at(si_index);
         if (pc_child && pc_child->str_Name == name)

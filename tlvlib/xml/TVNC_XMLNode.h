@@ -88,8 +88,8 @@ public:
      * Finds the first child of a name at or after a position.
      *
      * @param name     the exact, case-sensitive name
-     * @param si_index where to start; afterwards the position of the result, or the number of children when
-     *                 there is none. A start at or past the number of children is left as it is.
+     * @param si_index where to start, from 0 when it is below; afterwards the position of the result, or the
+     * number of children when there is none. A start at or past the number of children is left as it is.
      * @return the child, or null. To go on behind it, add 1 to @a si_index.
      */
     TVNC_XMLNode* getChildByName(QString& name, int& si_index);
