@@ -8,6 +8,8 @@
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
 #include <tlvlib/stores/TVNC_AuthSetting.h>
+#include <tlvlib/stores/TVNC_BookmarksSetting.h>
+#include <tlvlib/stores/TVNC_CookieSetting.h>
 #include <tlvlib/stores/TVNC_FontListSetting.h>
 #include <tlvlib/stores/TVNC_HistorySetting.h>
 #include <tlvlib/util/QEXC_TextCodec.h>

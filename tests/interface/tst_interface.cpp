@@ -29,6 +29,8 @@ typedef TVNC_XMLReader Reader;
 typedef TVNC_XMLWriter Writer;
 typedef TVNC_XMLSetting Setting;
 typedef TVNC_AuthSetting Auth;
+typedef TVNC_BookmarksSetting Bookmarks;
+typedef TVNC_CookieSetting Cookies;
 typedef TVNC_FontListSetting FontList;
 typedef TVNC_HistorySetting History;
 
@@ -107,6 +109,48 @@ SIGNATURE(Auth::getAuthInfoCnt, int (Auth::*)());
 SIGNATURE(Auth::deleteAuthInfo, void (Auth::*)(int));
 static_assert(std::is_base_of<Setting, Auth>::value, "the store's base has changed");
 static_assert(!std::is_default_constructible<Auth>::value, "there is one instance");
+
+SIGNATURE(Bookmarks::getInstance, Bookmarks* (*)());
+SIGNATURE(Bookmarks::loadBookmark, void (Bookmarks::*)(QString*, int, int&));
+SIGNATURE(Bookmarks::saveBookmark, void (Bookmarks::*)(QString*, int));
+SIGNATURE(Bookmarks::getBookmarkCnt, int (Bookmarks::*)());
+SIGNATURE(Bookmarks::setBookmark, bool (Bookmarks::*)(TVNS_Bookmark*));
+SIGNATURE(Bookmarks::getBookmark, bool (Bookmarks::*)(int, TVNS_Bookmark*));
+SIGNATURE(Bookmarks::deleteBookmark, void (Bookmarks::*)(int));
+SIGNATURE(Bookmarks::getBookmarkTitle, bool (Bookmarks::*)(int, QString*));
+SIGNATURE(Bookmarks::setBookmarkTitle, bool (Bookmarks::*)(int, QString*));
+SIGNATURE(Bookmarks::getBookmarkURL, bool (Bookmarks::*)(int, QString*));
+SIGNATURE(Bookmarks::setBookmarkURL, bool (Bookmarks::*)(int, QString*));
+SIGNATURE(Bookmarks::getBookmarkThumbnailFilePath, bool (Bookmarks::*)(int, QString*));
+SIGNATURE(Bookmarks::setBookmarkThumbnailFilePath, bool (Bookmarks::*)(int, QString*));
+SIGNATURE(Bookmarks::getBookmarkChildNode, Node* (Bookmarks::*)(int, char));
+SIGNATURE(Bookmarks::ClipString, QString (Bookmarks::*)(const QString&, int));
+SIGNATURE(Bookmarks::setThumbnail, bool (Bookmarks::*)(QImage*, QString*, int&));
+SIGNATURE(Bookmarks::getThumbnail, bool (Bookmarks::*)(QImage*, QString*));
+SIGNATURE(Bookmarks::deleteThumbnail, bool (Bookmarks::*)(QString*));
+SIGNATURE(Bookmarks::getThumbNode, Node* (Bookmarks::*)(int&));
+SIGNATURE(Bookmarks::getThumbFilePath, QString (Bookmarks::*)(Node*));
+SIGNATURE(Bookmarks::setThumbFilePath, bool (Bookmarks::*)(Node*, QString&));
+SIGNATURE(Bookmarks::getLastNumber, int (Bookmarks::*)());
+SIGNATURE(Bookmarks::changeThumbFilePath, void (Bookmarks::*)(QString&, QString (*)(QString&, QString&)));
+SIGNATURE(Bookmarks::addThumbnailFilePath, void (Bookmarks::*)(QString*));
+SIGNATURE(Bookmarks::removeThumbnailFilePath, void (Bookmarks::*)());
+static_assert(std::is_base_of<Setting, Bookmarks>::value, "the store's base has changed");
+static_assert(!std::is_default_constructible<Bookmarks>::value, "there is one instance");
+static_assert(!std::is_destructible<Bookmarks>::value, "the instance lives as long as the process");
+
+SIGNATURE(Cookies::getInstance, Cookies* (*)());
+SIGNATURE(Cookies::addCookieInfo, void (Cookies::*)(QNetworkCookie&));
+SIGNATURE(Cookies::getAllCookieInfo, QList<TVNS_CookieInfo> (Cookies::*)());
+SIGNATURE(Cookies::isMuchCookieInfo, bool (Cookies::*)(QNetworkCookie&, TVNS_CookieInfo&));
+SIGNATURE(Cookies::deleteCookieInfo, void (Cookies::*)(int));
+SIGNATURE(Cookies::saveCookieInfo, void (Cookies::*)(QList<QNetworkCookie>, QString*, int));
+SIGNATURE(Cookies::loadCookieInfo, QList<QNetworkCookie> (Cookies::*)(QString*, int));
+SIGNATURE(Cookies::convertCookieXMLToIni, void (Cookies::*)(char*, char*));
+SIGNATURE(Cookies::convertCookieIniToXML, void (Cookies::*)(char*, char*));
+static_assert(std::is_base_of<Setting, Cookies>::value, "the store's base has changed");
+static_assert(!std::is_default_constructible<Cookies>::value, "there is one instance");
+static_assert(!std::is_destructible<Cookies>::value, "the instance lives as long as the process");
 
 SIGNATURE(FontList::getInstance, FontList* (*)());
 SIGNATURE(FontList::loadFontList, void (FontList::*)(QString));
@@ -198,6 +242,41 @@ SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, portNum);
 SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, authType);
 SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, user);
 SAME_MEMBER(AuthInfoMirror, TVNS_AuthInfo, passwd);
+
+static_assert(sizeof(BoundedMirror) == sizeof(TVNC_BookmarksSetting),
+              "the bookmark store's size has changed");
+
+/// The members of a bookmark, in their order.
+struct BookmarkMirror
+{
+    QString title;
+    QString href;
+    QString thumbnail;
+};
+static_assert(sizeof(BookmarkMirror) == sizeof(TVNS_Bookmark), "the bookmark's size has changed");
+SAME_MEMBER(BookmarkMirror, TVNS_Bookmark, title);
+SAME_MEMBER(BookmarkMirror, TVNS_Bookmark, href);
+SAME_MEMBER(BookmarkMirror, TVNS_Bookmark, thumbnail);
+
+static_assert(sizeof(BoundedMirror) == sizeof(TVNC_CookieSetting), "the cookie store's size has changed");
+
+/// The members of a cookie, in their order.
+struct CookieInfoMirror
+{
+    QString website;
+    QString name;
+    QString path;
+    QString secure;
+    QString expires;
+    QString contents;
+};
+static_assert(sizeof(CookieInfoMirror) == sizeof(TVNS_CookieInfo), "the cookie's size has changed");
+SAME_MEMBER(CookieInfoMirror, TVNS_CookieInfo, website);
+SAME_MEMBER(CookieInfoMirror, TVNS_CookieInfo, name);
+SAME_MEMBER(CookieInfoMirror, TVNS_CookieInfo, path);
+SAME_MEMBER(CookieInfoMirror, TVNS_CookieInfo, secure);
+SAME_MEMBER(CookieInfoMirror, TVNS_CookieInfo, expires);
+SAME_MEMBER(CookieInfoMirror, TVNS_CookieInfo, contents);
 
 static_assert(sizeof(TVNC_FontListSetting) == sizeof(TVNC_XMLSetting),
               "the font list has no member of its own");
@@ -337,6 +416,19 @@ void tst_interface::maximumCountFollowsTheBase()
     TVNC_AuthSetting::getInstance()->loadAuthInfo(&path, 0x1234567);
     QCOMPARE(maxCountOf(TVNC_AuthSetting::getInstance()), 0x1234567);
 
+    int si_lastNumber = 0;
+    QCOMPARE(maxCountOf(TVNC_BookmarksSetting::getInstance()), 0);
+    TVNC_BookmarksSetting::getInstance()->loadBookmark(&path, 0x2345678, si_lastNumber);
+    QCOMPARE(maxCountOf(TVNC_BookmarksSetting::getInstance()), 0x2345678);
+    TVNC_BookmarksSetting::getInstance()->saveBookmark(&path, 7); // only checked
+    QCOMPARE(maxCountOf(TVNC_BookmarksSetting::getInstance()), 0x2345678);
+
+    QCOMPARE(maxCountOf(TVNC_CookieSetting::getInstance()), 0);
+    TVNC_CookieSetting::getInstance()->loadCookieInfo(&path, 0x3456789);
+    QCOMPARE(maxCountOf(TVNC_CookieSetting::getInstance()), 0x3456789);
+    TVNC_CookieSetting::getInstance()->saveCookieInfo(QList<QNetworkCookie>(), &path, 7); // only checked
+    QCOMPARE(maxCountOf(TVNC_CookieSetting::getInstance()), 0x3456789);
+
     QCOMPARE(maxCountOf(TVNC_HistorySetting::getInstance()), 0);
     TVNC_HistorySetting::getInstance()->loadHistory(&path, 0x7654321);
     QCOMPARE(maxCountOf(TVNC_HistorySetting::getInstance()), 0x7654321);
@@ -368,7 +460,8 @@ void tst_interface::virtualOperationsKeepTheirOrder()
 void tst_interface::storesReachTheBasesOperations()
 {
     QList<TVNC_XMLSetting*> stores;
-    stores << TVNC_AuthSetting::getInstance() << TVNC_FontListSetting::getInstance()
+    stores << TVNC_AuthSetting::getInstance() << TVNC_BookmarksSetting::getInstance()
+           << TVNC_CookieSetting::getInstance() << TVNC_FontListSetting::getInstance()
            << TVNC_HistorySetting::getInstance();
     foreach (TVNC_XMLSetting* pc_store, stores) {
         void** const pc_slots = mirrorOf(*pc_store).slots_;

@@ -2,6 +2,7 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_quickSort.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
@@ -39,43 +40,6 @@ Names& names()
     return *pc_names;
 }
 
-/// The text of a time as the clock showed it; empty without a valid date and time.
-QString textOf(const QDateTime& dateTime)
-{
-    // In UTC no time is skipped: asked for its text itself, a QDateTime of Qt 5 with a skipped time has none.
-    return QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).toString(names().dateTimeFormat);
-}
-
-/// The number in a run of decimal digits; -1 when another character stands among them.
-int digitsAt(const QString& text, int si_from, int si_count)
-{
-    int si_number = 0;
-    for (int i = si_from; i < si_from + si_count; ++i) {
-        const int si_digit = text.at(i).unicode() - '0';
-        if (si_digit < 0 || si_digit > 9)
-            return -1;
-        si_number = si_number * 10 + si_digit;
-    }
-    return si_number;
-}
-
-/// Reads what textOf() writes.
-QDateTime dateTimeOf(const QString& text)
-{
-    // Plain texts are read here, because Qt 5's fromString() refuses the times that a daylight-saving change
-    // skips (and takes its time over the others). Years outside the range that every Qt reads, and every
-    // other text, have what meaning Qt gives them.
-    if (text.size() == 16 && text.at(4) == QLatin1Char('/') && text.at(7) == QLatin1Char('/') &&
-        text.at(10) == QLatin1Char(' ') && text.at(13) == QLatin1Char(':')) {
-        const int si_year = digitsAt(text, 0, 4);
-        const QDate date(si_year, digitsAt(text, 5, 2), digitsAt(text, 8, 2));
-        const QTime time(digitsAt(text, 11, 2), digitsAt(text, 14, 2));
-        if (si_year >= 1000 && si_year <= 7999 && date.isValid() && time.isValid())
-            return QDateTime(date, time);
-    }
-    return QDateTime::fromString(text, names().dateTimeFormat);
-}
-
 /// Copies the texts that a record has; what it lacks stays as it was in @a out.
 void readVisit(TVNC_XMLNode& record, TVNS_History& out)
 {
@@ -84,7 +48,7 @@ void readVisit(TVNC_XMLNode& record, TVNS_History& out)
     if (TVNC_XMLNode* pc_url = record.getXMLNodeChildByName(names().url))
         out.url = pc_url->getText();
     if (TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(names().dateTime))
-        out.dateTime = dateTimeOf(pc_dateTime->getText());
+        out.dateTime = TVNG_clockTime(pc_dateTime->getText(), names().dateTimeFormat);
 }
 
 /// Adds a record at the front, without numbering. Null when memory ran out. Without a root the record belongs
@@ -96,7 +60,8 @@ TVNC_XMLNode* addVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
         return nullptr;
     TVNG_addField(setting, pc_record, names().title, visit.title, 0);
     TVNG_addField(setting, pc_record, names().url, visit.url, 0);
-    TVNG_addField(setting, pc_record, names().dateTime, textOf(visit.dateTime), 0);
+    TVNG_addField(setting, pc_record, names().dateTime,
+                  TVNG_clockText(visit.dateTime, names().dateTimeFormat), 0);
     return pc_record;
 }
 
@@ -242,7 +207,7 @@ void TVNC_HistorySetting::changeHistory(int si_id, TVNS_History& history)
         return;
     setFieldText(*pc_record, names().title, history.title);
     setFieldText(*pc_record, names().url, history.url);
-    setFieldText(*pc_record, names().dateTime, textOf(history.dateTime));
+    setFieldText(*pc_record, names().dateTime, TVNG_clockText(history.dateTime, names().dateTimeFormat));
 }
 
 void TVNC_HistorySetting::changeHistoryTitle(int si_id, QString& title)

@@ -76,4 +76,20 @@ inline bool TVNG_isLater(const QDateTime& dateTime, const QDateTime& other)
     return dateTime > other;
 }
 
+/**
+ * A local time that Qt's own classes accept, wherever the device's Qt accepts it: Qt 5 calls the times that a
+ * daylight-saving change skips invalid, which would make a cookie one without expiry. They are taken by the
+ * clock that was in force before the change. Every other time is given back as it is.
+ */
+inline QDateTime TVNG_acceptedTime(const QDateTime& dateTime)
+{
+#if QT_VERSION >= 0x050000
+    if (!dateTime.isValid() && dateTime.date().isValid() && dateTime.time().isValid()) {
+        const int si_offset = QDateTime(dateTime.date().addDays(-1), dateTime.time()).offsetFromUtc();
+        return QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).addSecs(-si_offset).toLocalTime();
+    }
+#endif
+    return dateTime;
+}
+
 #endif

@@ -1,0 +1,360 @@
+#include "tlvlib/stores/TVNC_BookmarksSetting.h"
+
+#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/xml/TVNG_Records.h"
+
+#include <QtCore/QFile>
+
+namespace {
+
+/// In bytes of UTF-8.
+const int TITLE_MAX_BYTES = 100;
+const int URL_MAX_BYTES = 256;
+const int PATH_MAX_BYTES = 256;
+
+/// The name of a picture, and its parts in characters.
+const char THUMBNAIL_NAME[] = "%06d.PNG";
+const int THUMBNAIL_NAME_LENGTH = 10;
+const int THUMBNAIL_EXTENSION_LENGTH = 4;
+const char THUMBNAIL_FORMAT[] = "PNG";
+
+const char CHARACTER_DATA = 0;
+
+/// The names in the document, decoded once. Never destroyed, so that they outlive the store.
+struct Names
+{
+    Names()
+        : file(QEXC_TextCodec::fromSJIS("bookmark.xml"))
+        , thumbnailDirectory(QEXC_TextCodec::fromSJIS("thumbnail/"))
+        , aboutBlank(QEXC_TextCodec::fromSJIS("about:blank"))
+        , root(QEXC_TextCodec::fromSJIS("bookmarks"))
+        , bookmark(QEXC_TextCodec::fromSJIS("bookmark"))
+        , title(QEXC_TextCodec::fromSJIS("title"))
+        , href(QEXC_TextCodec::fromSJIS("href"))
+        , thumbnail(QEXC_TextCodec::fromSJIS("thumbnail"))
+    {
+    }
+    QString file;
+    QString thumbnailDirectory;
+    QString aboutBlank;
+    QString root;
+    QString bookmark;
+    QString title;
+    QString href;
+    QString thumbnail;
+};
+
+Names& names()
+{
+    static Names* const pc_names = new Names;
+    return *pc_names;
+}
+
+/// What getBookmarkChildNode() selects.
+const char TITLE = 0;
+const char HREF = 1;
+const char THUMBNAIL = 2;
+
+QString makeThumbFilePath(QString& path, QString& dir)
+{
+    return dir + names().thumbnailDirectory + path;
+}
+
+QString trimThumbFilePath(QString& path, QString&)
+{
+    return path.right(THUMBNAIL_NAME_LENGTH);
+}
+
+/// The number in the name of a picture; 0 when there is none.
+int numberOf(const QString& path)
+{
+    QString digits = path.right(THUMBNAIL_NAME_LENGTH);
+    digits.chop(THUMBNAIL_EXTENSION_LENGTH);
+    return digits.toInt();
+}
+
+} // namespace
+
+TVNC_BookmarksSetting::TVNC_BookmarksSetting() : si_maxCount(0) {}
+
+TVNC_BookmarksSetting::~TVNC_BookmarksSetting() {}
+
+TVNC_BookmarksSetting* TVNC_BookmarksSetting::getInstance()
+{
+    static TVNC_BookmarksSetting instance;
+    return &instance;
+}
+
+// --- The list ---------------------------------------------------------------------------------------------
+
+void TVNC_BookmarksSetting::loadBookmark(QString* dir, int si_loadMax, int& si_lastNumber)
+{
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::loadBookmark] start");
+    if (!dir || dir->isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::loadBookmark] Path is NULL or empty.");
+        return;
+    }
+    if (si_loadMax < 1) {
+        TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::loadBookmark] Error load_max:%d", si_loadMax);
+        return;
+    }
+    si_maxCount = si_loadMax;
+    deleteAllSetting();
+    QString path = *dir + names().file;
+    load(path);
+    setIDforChildren(TVNG_idName());
+    addThumbnailFilePath(dir);
+    si_lastNumber = getLastNumber();
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::loadBookmark] end");
+}
+
+void TVNC_BookmarksSetting::saveBookmark(QString* dir, int si_saveMax)
+{
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::saveBookmark] start");
+    if (!dir || dir->isEmpty()) {
+        TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::saveBookmark] Path is NULL or empty.");
+        return;
+    }
+    // Only tested: all bookmarks are written. Browsers that pass a small number here rely on losing none.
+    if (si_saveMax < 1) {
+        TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::saveBookmark] Error save_max:%d", si_saveMax);
+        return;
+    }
+    TVNG_nameRoot(getXMLRootNode(), names().root);
+    removeThumbnailFilePath();
+    QString path = *dir + names().file;
+    save(path);
+    addThumbnailFilePath(dir);
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::saveBookmark] end");
+}
+
+int TVNC_BookmarksSetting::getBookmarkCnt()
+{
+    return getXMLRootNodeChildCntByName(TVNG_idName(), names().bookmark);
+}
+
+bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
+{
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::setBookmark]");
+    if (!pc_bookmark || !TVNG_fitsUtf8(pc_bookmark->href, URL_MAX_BYTES) ||
+        !TVNG_fitsUtf8(pc_bookmark->thumbnail, PATH_MAX_BYTES))
+        return false;
+    TVNC_XMLNode* pc_record = TVNG_addRecord(*this, names().bookmark, 1);
+    if (!pc_record) {
+        TVNG_DebugPrint(1, "[TVNC_BookmarksSetting::setBookmark] Failed to new TVNC_XMLNode.");
+        return false;
+    }
+    const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TITLE_MAX_BYTES);
+    TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, names().title,
+                  b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TITLE_MAX_BYTES),
+                  CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, CHARACTER_DATA);
+    TVNG_releaseDetached(pc_record);
+    setIDforChildren(TVNG_idName());
+    return true;
+}
+
+bool TVNC_BookmarksSetting::getBookmark(int si_id, TVNS_Bookmark* pc_out)
+{
+    if (!pc_out || !TVNG_recordByNumber(*this, si_id))
+        return false;
+    QString title;
+    QString url;
+    QString thumbnail;
+    // A title over its limit is answered with true and no title: it gets empty here, not the caller's own.
+    if (getBookmarkTitle(si_id, &title))
+        pc_out->title = title;
+    if (getBookmarkURL(si_id, &url))
+        pc_out->href = url;
+    if (getBookmarkThumbnailFilePath(si_id, &thumbnail))
+        pc_out->thumbnail = thumbnail;
+    return true;
+}
+
+void TVNC_BookmarksSetting::deleteBookmark(int si_id)
+{
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::deleteBookmark] si_nodeNum:%d", si_id);
+    deleteXMLNodeByID(si_id, TVNG_idName());
+    setIDforChildren(TVNG_idName());
+}
+
+// --- The members of one bookmark --------------------------------------------------------------------------
+
+bool TVNC_BookmarksSetting::getBookmarkTitle(int si_id, QString* pc_out)
+{
+    TVNC_XMLNode* pc_title = pc_out ? getBookmarkChildNode(si_id, TITLE) : nullptr;
+    if (!pc_title)
+        return false;
+    // True also when the title is withheld: browsers take false for a bookmark that is gone.
+    if (TVNG_fitsUtf8(pc_title->getText(), TITLE_MAX_BYTES))
+        *pc_out = pc_title->getText();
+    return true;
+}
+
+bool TVNC_BookmarksSetting::setBookmarkTitle(int si_id, QString* pc_title)
+{
+    TVNC_XMLNode* pc_node = pc_title ? getBookmarkChildNode(si_id, TITLE) : nullptr;
+    if (!pc_node)
+        return false;
+    // Unlike setBookmark(), this neither checks nor cuts: files hold such titles, whole.
+    pc_node->setText(*pc_title);
+    return true;
+}
+
+bool TVNC_BookmarksSetting::getBookmarkURL(int si_id, QString* pc_out)
+{
+    TVNC_XMLNode* pc_href = pc_out ? getBookmarkChildNode(si_id, HREF) : nullptr;
+    if (!pc_href)
+        return false;
+    *pc_out = TVNG_fitsUtf8(pc_href->getText(), URL_MAX_BYTES) ? pc_href->getText() : names().aboutBlank;
+    return true;
+}
+
+bool TVNC_BookmarksSetting::setBookmarkURL(int si_id, QString* pc_url)
+{
+    if (!pc_url || !TVNG_fitsUtf8(*pc_url, URL_MAX_BYTES))
+        return false;
+    TVNC_XMLNode* pc_href = getBookmarkChildNode(si_id, HREF);
+    if (!pc_href)
+        return false;
+    pc_href->setText(*pc_url);
+    return true;
+}
+
+bool TVNC_BookmarksSetting::getBookmarkThumbnailFilePath(int si_id, QString* pc_out)
+{
+    TVNC_XMLNode* pc_thumbnail = pc_out ? getBookmarkChildNode(si_id, THUMBNAIL) : nullptr;
+    if (!pc_thumbnail)
+        return false;
+    *pc_out = getThumbFilePath(pc_thumbnail);
+    return true;
+}
+
+bool TVNC_BookmarksSetting::setBookmarkThumbnailFilePath(int si_id, QString* pc_path)
+{
+    if (!pc_path || !TVNG_fitsUtf8(*pc_path, PATH_MAX_BYTES))
+        return false;
+    return setThumbFilePath(getBookmarkChildNode(si_id, THUMBNAIL), *pc_path);
+}
+
+TVNC_XMLNode* TVNC_BookmarksSetting::getBookmarkChildNode(int si_id, char c_which)
+{
+    TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
+    if (!pc_record)
+        return nullptr;
+    switch (c_which) {
+    case TITLE:
+        return pc_record->getXMLNodeChildByName(names().title);
+    case HREF:
+        return pc_record->getXMLNodeChildByName(names().href);
+    case THUMBNAIL:
+        return pc_record->getXMLNodeChildByName(names().thumbnail);
+    default:
+        return nullptr;
+    }
+}
+
+QString TVNC_BookmarksSetting::ClipString(const QString& text, int si_maxBytes)
+{
+    if (si_maxBytes < 1)
+        return text;
+    const QByteArray bytes = text.toUtf8();
+    int si_end = qMin(si_maxBytes, static_cast<int>(bytes.size()));
+    // Not into the middle of a character: what a byte 10xxxxxx continues begins further in front.
+    while (si_end > 0 && si_end < bytes.size() && (bytes.at(si_end) & 0xC0) == 0x80)
+        --si_end;
+    return QString::fromUtf8(bytes.constData(), si_end);
+}
+
+// --- Pictures ---------------------------------------------------------------------------------------------
+
+bool TVNC_BookmarksSetting::setThumbnail(QImage* pc_image, QString* pc_path, int& si_number)
+{
+    if (!pc_image || !pc_path)
+        return false;
+    // Wraps around behind the largest number, as the device's compiler has it.
+    si_number = static_cast<int>(static_cast<unsigned int>(si_number) + 1u);
+    char c_name[32];
+    qsnprintf(c_name, sizeof c_name, THUMBNAIL_NAME, si_number);
+    *pc_path += QLatin1String(c_name);
+    return pc_image->save(*pc_path, THUMBNAIL_FORMAT, -1);
+}
+
+bool TVNC_BookmarksSetting::getThumbnail(QImage* pc_image, QString* pc_path)
+{
+    return pc_image && pc_path && pc_image->load(*pc_path, THUMBNAIL_FORMAT);
+}
+
+bool TVNC_BookmarksSetting::deleteThumbnail(QString* pc_path)
+{
+    return pc_path && QFile::remove(*pc_path);
+}
+
+TVNC_XMLNode* TVNC_BookmarksSetting::getThumbNode(int& si_index)
+{
+    TVNC_XMLNode* pc_root = getXMLRootNode();
+    TVNC_XMLNode* pc_record = pc_root ? pc_root->getChildByName(names().bookmark, si_index) : nullptr;
+    return pc_record ? pc_record->getXMLNodeChildByName(names().thumbnail) : nullptr;
+}
+
+QString TVNC_BookmarksSetting::getThumbFilePath(TVNC_XMLNode* pc_node)
+{
+    if (!pc_node || !TVNG_fitsUtf8(pc_node->getText(), PATH_MAX_BYTES))
+        return QString();
+    return pc_node->getText();
+}
+
+bool TVNC_BookmarksSetting::setThumbFilePath(TVNC_XMLNode* pc_node, QString& path)
+{
+    if (!pc_node)
+        return false;
+    pc_node->setText(path);
+    return true;
+}
+
+int TVNC_BookmarksSetting::getLastNumber()
+{
+    int si_last = 0;
+    const int si_count = getXMLNodeCnt();
+    for (int i = 0; i < si_count; ++i) {
+        TVNC_XMLNode* pc_thumbnail = getThumbNode(i);
+        if (!pc_thumbnail)
+            break;
+        si_last = qMax(si_last, numberOf(getThumbFilePath(pc_thumbnail)));
+    }
+    TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::getLastNumber] last number:%d", si_last);
+    return si_last;
+}
+
+void TVNC_BookmarksSetting::changeThumbFilePath(QString& dir,
+                                                QString (*pc_rewrite)(QString& path, QString& dir))
+{
+    if (!pc_rewrite)
+        return;
+    const int si_count = getXMLNodeCnt();
+    for (int i = 0; i < si_count; ++i) {
+        TVNC_XMLNode* pc_thumbnail = getThumbNode(i);
+        // A bookmark without the element ends the walk, and those behind it keep their texts. Files with such
+        // bookmarks hold whole paths behind them, which would be joined to the directory a second time.
+        if (!pc_thumbnail)
+            return;
+        QString path = getThumbFilePath(pc_thumbnail);
+        QString rewritten = pc_rewrite(path, dir);
+        setThumbFilePath(pc_thumbnail, rewritten);
+    }
+}
+
+void TVNC_BookmarksSetting::addThumbnailFilePath(QString* dir)
+{
+    if (dir)
+        changeThumbFilePath(*dir, makeThumbFilePath);
+}
+
+void TVNC_BookmarksSetting::removeThumbnailFilePath()
+{
+    QString noDirectory;
+    changeThumbFilePath(noDirectory, trimThumbFilePath);
+}

@@ -1,0 +1,217 @@
+#include "tlvlib/stores/TVNC_CookieSetting.h"
+
+#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_ClockTime.h"
+#include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/xml/TVNG_Records.h"
+
+#include <QtCore/QVector>
+
+// The document and its conversion from and to cookie.ini. Nothing of a cookie goes into a log line.
+
+namespace {
+
+/// How many entries of a document the conversions look at, and the maximum that they hand to the load and the
+/// save of cookie.ini.
+const int CONVERTED_MAX = 20;
+
+const char CHARACTER_DATA = 0;
+const char CDATA_SECTION = 1;
+
+/// The names and words in the document, decoded once. Never destroyed, so that they outlive the store.
+struct Names
+{
+    Names()
+        : root(QEXC_TextCodec::fromSJIS("cookie"))
+        , webSiteInfo(QEXC_TextCodec::fromSJIS("webSiteInfo"))
+        , website(QEXC_TextCodec::fromSJIS("website"))
+        , name(QEXC_TextCodec::fromSJIS("name"))
+        , path(QEXC_TextCodec::fromSJIS("path"))
+        , secure(QEXC_TextCodec::fromSJIS("secure"))
+        , expires(QEXC_TextCodec::fromSJIS("expires"))
+        , contents(QEXC_TextCodec::fromSJIS("contents"))
+        , isSecure(QEXC_TextCodec::fromSJIS("true"))
+        , isNotSecure(QEXC_TextCodec::fromSJIS("false"))
+        , expiresFormat(QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm:ss"))
+    {
+    }
+    QString root;
+    QString webSiteInfo;
+    QString website;
+    QString name;
+    QString path;
+    QString secure;
+    QString expires;
+    QString contents;
+    QString isSecure;
+    QString isNotSecure;
+    QString expiresFormat;
+};
+
+Names& names()
+{
+    static Names* const pc_names = new Names;
+    return *pc_names;
+}
+
+const QString& secureText(const QNetworkCookie& cookie)
+{
+    return cookie.isSecure() ? names().isSecure : names().isNotSecure;
+}
+
+void copyText(TVNC_XMLNode* pc_entry, QString& name, QString& text)
+{
+    if (TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name))
+        text = pc_element->getText();
+}
+
+TVNS_CookieInfo infoOf(TVNC_XMLNode* pc_entry)
+{
+    TVNS_CookieInfo info;
+    copyText(pc_entry, names().website, info.website);
+    copyText(pc_entry, names().name, info.name);
+    copyText(pc_entry, names().path, info.path);
+    copyText(pc_entry, names().secure, info.secure);
+    copyText(pc_entry, names().expires, info.expires);
+    copyText(pc_entry, names().contents, info.contents);
+    return info;
+}
+
+QNetworkCookie cookieOf(const TVNS_CookieInfo& info)
+{
+    QNetworkCookie cookie;
+    cookie.setDomain(info.website);
+    cookie.setName(info.name.toUtf8());
+    cookie.setPath(info.path);
+    cookie.setSecure(info.secure == names().isSecure);
+    // Local time, although what was written came from the network in UTC: the clock time is kept, here and in
+    // the files.
+    cookie.setExpirationDate(TVNG_acceptedTime(TVNG_clockTime(info.expires, names().expiresFormat)));
+    cookie.setValue(info.contents.toUtf8());
+    return cookie;
+}
+
+/// In both conversions; it names one of them. The devices' log filters look for it.
+void logInvalidParameter()
+{
+    TVNG_DebugPrint(1, "[TVNC_CookieSetting::convertCookieIniToXML] Invalid Parameter.");
+}
+
+} // namespace
+
+TVNC_CookieSetting::TVNC_CookieSetting() : si_maxCount(0) {}
+
+TVNC_CookieSetting::~TVNC_CookieSetting() {}
+
+TVNC_CookieSetting* TVNC_CookieSetting::getInstance()
+{
+    static TVNC_CookieSetting instance;
+    return &instance;
+}
+
+void TVNC_CookieSetting::addCookieInfo(QNetworkCookie& cookie)
+{
+    TVNG_DebugPrint(3, "[TVNC_CookieSetting::addCookieInfo]");
+    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().webSiteInfo, 1);
+    if (!pc_entry)
+        return;
+    TVNG_addField(*this, pc_entry, names().website, cookie.domain(), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().name, QString::fromUtf8(cookie.name().constData()),
+                  CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().path, cookie.path(), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().secure, secureText(cookie), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().expires,
+                  TVNG_clockText(cookie.expirationDate(), names().expiresFormat), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().contents, QString::fromUtf8(cookie.value().constData()),
+                  CDATA_SECTION);
+    TVNG_releaseDetached(pc_entry);
+    // Not numbered here: until then the entry is invisible to getAllCookieInfo(), and the conversion, which
+    // removes entries by their positions, relies on it.
+}
+
+QList<TVNS_CookieInfo> TVNC_CookieSetting::getAllCookieInfo()
+{
+    const QVector<TVNC_XMLNode*> entries = TVNG_recordsByNumber(*this, getXMLNodeCnt());
+    QList<TVNS_CookieInfo> infos;
+    for (int i = 0; i < entries.size(); ++i) {
+        if (entries.at(i))
+            infos.append(infoOf(entries.at(i)));
+    }
+    return infos;
+}
+
+bool TVNC_CookieSetting::isMuchCookieInfo(QNetworkCookie& cookie, TVNS_CookieInfo& info)
+{
+    // The bytes are read as C strings although they were written from UTF-8: what is not ASCII never matches,
+    // and its entry is replaced by each conversion. Reading UTF-8 here would leave old entries in place.
+    return cookie.domain() == info.website && info.name == TVNG_fromCString(cookie.name().constData()) &&
+           cookie.path() == info.path && secureText(cookie) == info.secure &&
+           TVNG_fromCString(cookie.value().constData()) == info.contents;
+}
+
+void TVNC_CookieSetting::deleteCookieInfo(int si_index)
+{
+    TVNG_DebugPrint(3, "[TVNC_CookieSetting::deleteCookieInfo] si_XMLNum:%d", si_index);
+    deleteXMLNodeByID(si_index, TVNG_idName());
+    setIDforChildren(TVNG_idName());
+}
+
+void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir)
+{
+    if (!pc_xmlPath || !pc_iniDir) {
+        logInvalidParameter();
+        return;
+    }
+    QString xmlPath = TVNG_fromCString(pc_xmlPath);
+    QString iniDir = TVNG_fromCString(pc_iniDir);
+    load(xmlPath);
+    const QList<TVNS_CookieInfo> infos = getAllCookieInfo();
+    QList<QNetworkCookie> cookies;
+    for (int i = 0; i < infos.size() && i < CONVERTED_MAX; ++i)
+        cookies.append(cookieOf(infos.at(i)));
+    saveCookieInfo(cookies, &iniDir, CONVERTED_MAX);
+    deleteAllSetting();
+}
+
+void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath)
+{
+    if (!pc_iniDir || !pc_xmlPath) {
+        logInvalidParameter();
+        return;
+    }
+    QString iniDir = TVNG_fromCString(pc_iniDir);
+    QString xmlPath = TVNG_fromCString(pc_xmlPath);
+    QList<QNetworkCookie> cookies = loadCookieInfo(&iniDir, CONVERTED_MAX);
+    load(xmlPath);
+    QList<TVNS_CookieInfo> infos = getAllCookieInfo();
+
+    // Each entry counts for one cookie only: of two equal cookies with one entry, the second is new.
+    const int si_infos = qMin(static_cast<int>(infos.size()), CONVERTED_MAX);
+    QVector<bool> isMatched(si_infos, false);
+    QVector<bool> isNew(static_cast<int>(cookies.size()), true);
+    for (int i = 0; i < cookies.size(); ++i) {
+        for (int j = 0; j < si_infos; ++j) {
+            if (!isMatched.at(j) && isMuchCookieInfo(cookies[i], infos[j])) {
+                isMatched[j] = true;
+                isNew[i] = false;
+                break;
+            }
+        }
+    }
+
+    // From the back, so that the positions in front stay. A position is taken for the entry's number, which
+    // it is not in a document with gaps. That is kept: the numbers are made good only by the deletion itself.
+    for (int j = si_infos - 1; j >= 0; --j) {
+        if (!isMatched.at(j))
+            deleteCookieInfo(j);
+    }
+    for (int i = static_cast<int>(cookies.size()) - 1; i >= 0; --i) {
+        if (isNew.at(i))
+            addCookieInfo(cookies[i]);
+    }
+    TVNG_nameRoot(getXMLRootNode(), names().root);
+    setIDforChildren(TVNG_idName());
+    save(xmlPath);
+    deleteAllSetting();
+}
