@@ -3,6 +3,7 @@
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/FontList.h"
 #include "tools/tlvctl/JsonWriter.h"
+#include "tools/tlvctl/Record.h"
 #include "tools/tlvctl/Text.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ QString explain(FontFlaw flaw, const FontRecord& record)
         return "has no number: cannot be asked for";
     case FontFlaw::TOO_LONG:
         return QString("name of %1 bytes, over %2: the store answers an empty one")
-            .arg(record.name.toUtf8().size())
+            .arg(utf8Size(record.name))
             .arg(FontList::NAME_MAX_BYTES);
     case FontFlaw::EMPTY:
         return "has no name";

@@ -1,0 +1,90 @@
+#ifndef TOOLS_TLVCTL_STORECHANGE_H
+#define TOOLS_TLVCTL_STORECHANGE_H
+
+#include "tools/tlvctl/CommandLine.h"
+#include "tools/tlvctl/StoreFile.h"
+
+#include <tlvlib/xml/TVNC_XMLNode.h>
+
+#include <QtCore/QStringList>
+
+#include <functional>
+#include <optional>
+
+/**
+ * @file
+ * What the commands that change a store have in common: the options, what is checked before, saving, and
+ * what is checked and printed afterwards.
+ */
+
+/// A store of the library together with its file in a settings directory.
+class Store
+{
+public:
+    /**
+     * @param dir  the settings directory, with or without a "/" at its end
+     * @param name the file's name in it
+     */
+    Store(const QString& dir, const QString& name) : file_(dir, name) {}
+    virtual ~Store() = default;
+
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    const StoreFile& file() const { return file_; }
+
+    /// Has the store load the file. What becomes of it is not checked.
+    virtual void load() = 0;
+
+    /// Has the store save the file. What becomes of it is not checked.
+    virtual void save() = 0;
+
+    /// The document in memory. There is one after load().
+    virtual TVNC_XMLNode& root() const = 0;
+
+private:
+    StoreFile file_;
+};
+
+/// The options of every command that changes a store: "--dry-run" and "--force".
+QList<QCommandLineOption> changeOptions(const QString& fileName);
+
+/**
+ * Changes a store: checks that its file may be replaced, loads it, has it changed, saves it, reads the file
+ * back to see that it holds the result, and prints what has changed. With "--dry-run" nothing is saved, and
+ * what is printed is said to be what would change.
+ *
+ * @param change changes the loaded store and appends a line for each change, fit for a terminal; nothing is
+ *               saved when there are none. It complains and returns false when it cannot be done.
+ * @return the exit code
+ */
+int changeStore(Store& store, const QCommandLineParser& arguments,
+                const std::function<bool(QStringList& changes)>& change);
+
+/// The argument "NUMBER...", which removeRecords() takes.
+Argument numbersArgument();
+
+/**
+ * The command that removes the records whose numbers stand behind the directory. They are the numbers from
+ * before the command. When one of them is absent, nothing is removed.
+ *
+ * @param describe the line that shows the record of a number, which exists, without that number
+ * @param remove   has the store remove the record of a number and number the rest anew
+ */
+int removeRecords(Store& store, const QCommandLineParser& arguments,
+                  const std::function<QString(int number)>& describe,
+                  const std::function<void(int number)>& remove);
+
+/// "added    003  WHAT", as a line of what has changed.
+QString addedLine(const std::optional<int>& number, const QString& what);
+
+/// "removed  003  WHAT"
+QString removedLine(const std::optional<int>& number, const QString& what);
+
+/// The option "--max", which is handed to the store as the most records that it is to keep.
+QCommandLineOption maximumOption();
+
+/// Reads that option. Complains and returns nothing when it is no maximum.
+std::optional<int> maximumArgument(const QCommandLineParser& arguments);
+
+#endif
