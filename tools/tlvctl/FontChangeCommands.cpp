@@ -46,10 +46,10 @@ int addFonts(const QCommandLineParser& arguments)
             complainAboutNumbers(list, QString("nothing was added: %1 given, numbers left for %2")
                                            .arg(names.size())
                                            .arg(list.numbersLeft()));
-            return false;
+            return Outcome::REFUSED;
         }
         addAll(list, names, changes);
-        return true;
+        return Outcome::CHANGED;
     });
 }
 
@@ -100,11 +100,11 @@ int importFonts(const QCommandLineParser& arguments)
         if (!haveFonts(families)) {
             complain("Qt finds no fonts on this machine; install a font package, such as "
                      "fonts-dejavu, and check with \"fc-list\"");
-            return false;
+            return Outcome::REFUSED;
         }
         plan = planImport(list, families);
         addAll(list, plan.added, changes);
-        return true;
+        return plan.added.isEmpty() ? Outcome::UNCHANGED : Outcome::CHANGED;
     });
     if (exitCode != DONE)
         return exitCode;

@@ -42,7 +42,7 @@ public:
     TVNC_XMLNode& root() const override;
 
     /// How many fonts the store counts.
-    int count() const;
+    int count() const override;
 
     /// All records of the document, in its order.
     std::vector<FontRecord> records() const;

@@ -24,6 +24,13 @@ void printChanges(const Store& store, bool isDryRun, const QStringList& changes)
         printLine(line);
 }
 
+/// Saves the store and reads the file back. Complains when that went wrong.
+bool saveStore(Store& store)
+{
+    store.save();
+    return store.file().checkSaved(store.root());
+}
+
 /// A number from 0 on in decimal digits, with or without zeros before it.
 std::optional<int> parseNumber(const QString& text)
 {
@@ -33,12 +40,6 @@ std::optional<int> parseNumber(const QString& text)
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     return isPlain && isNumber ? std::optional<int>(number) : std::nullopt;
-}
-
-/// "removed", say, so wide that numbers stand below each other.
-QString changeLine(const char* verb, const std::optional<int>& number, const QString& what)
-{
-    return QString("%1  %2  %3").arg(QString(verb), -7).arg(numberText(number), what);
 }
 
 } // namespace
@@ -52,19 +53,23 @@ QList<QCommandLineOption> changeOptions(const QString& fileName)
 }
 
 int changeStore(Store& store, const QCommandLineParser& arguments,
-                const std::function<bool(QStringList& changes)>& change)
+                const std::function<Outcome(QStringList& changes)>& change,
+                const std::function<void(QStringList& changes)>& finish)
 {
     if (!store.file().checkDirectory() || !store.file().checkReplaceable(arguments.isSet(FORCE)))
         return FAILED;
     store.load();
     QStringList changes;
-    if (!change(changes))
+    const Outcome outcome = change(changes);
+    if (outcome == Outcome::REFUSED)
         return FAILED;
     const bool isDryRun = arguments.isSet(DRY_RUN);
-    if (!changes.isEmpty() && !isDryRun) {
-        store.save();
-        if (!store.file().checkSaved(store.root()))
+    if (outcome == Outcome::CHANGED) {
+        if (!isDryRun && !saveStore(store))
             return FAILED;
+        if (finish)
+            finish(changes);
+        changes = store.changesOfLoading() + changes;
     }
     printChanges(store, isDryRun, changes);
     return DONE;
@@ -96,24 +101,19 @@ int removeRecords(Store& store, const QCommandLineParser& arguments,
             complain(store.file().path(), QString("nothing was removed: there is no record %1; see what the "
                                                   "command \"list\" shows")
                                               .arg(numberText(number)));
-            return false;
+            return Outcome::REFUSED;
         }
         for (const int number : numbers)
-            changes.append(removedLine(number, describe(number)));
+            changes.append(changeLine("removed", numberText(number), describe(number)));
         // From the back, so that the numbers of those to come stay what they are.
         std::for_each(numbers.rbegin(), numbers.rend(), remove);
-        return true;
+        return Outcome::CHANGED;
     });
 }
 
-QString addedLine(const std::optional<int>& number, const QString& what)
+QString changeLine(const char* verb, const QString& number, const QString& what)
 {
-    return changeLine("added", number, what);
-}
-
-QString removedLine(const std::optional<int>& number, const QString& what)
-{
-    return changeLine("removed", number, what);
+    return QString("%1  %2  %3").arg(QString(verb).leftJustified(7), number, what);
 }
 
 QCommandLineOption maximumOption()
@@ -128,6 +128,7 @@ std::optional<int> maximumArgument(const QCommandLineParser& arguments)
     const std::optional<int> maximum = parseNumber(text);
     if (maximum && *maximum >= 1 && *maximum <= NUMBERED_MAX)
         return maximum;
-    wrongUsage(QString("maximum %1 is no number from 1 to %2").arg(quoted(text)).arg(NUMBERED_MAX));
+    wrongUsage(
+        QString("maximum %1 is no number from 1 to %2").arg(quoted(text), QString::number(NUMBERED_MAX)));
     return std::nullopt;
 }

@@ -42,8 +42,21 @@ public:
     /// The document in memory. There is one after load().
     virtual TVNC_XMLNode& root() const = 0;
 
+    /// How many records the store counts.
+    virtual int count() const = 0;
+
+    /// Lines that tell what load() has dropped or changed, which saving makes permanent.
+    virtual QStringList changesOfLoading() const { return {}; }
+
 private:
     StoreFile file_;
+};
+
+/// What the attempt to change a store led to.
+enum class Outcome {
+    REFUSED, ///< with a complaint
+    UNCHANGED,
+    CHANGED,
 };
 
 /// The options of every command that changes a store: "--dry-run" and "--force".
@@ -54,12 +67,14 @@ QList<QCommandLineOption> changeOptions(const QString& fileName);
  * back to see that it holds the result, and prints what has changed. With "--dry-run" nothing is saved, and
  * what is printed is said to be what would change.
  *
- * @param change changes the loaded store and appends a line for each change, fit for a terminal; nothing is
- *               saved when there are none. It complains and returns false when it cannot be done.
+ * @param change changes the loaded store and appends lines for what has changed, fit for a terminal; nothing
+ *               is saved when it did not
+ * @param finish may append lines that can only be told after saving; with "--dry-run" it is called as well
  * @return the exit code
  */
 int changeStore(Store& store, const QCommandLineParser& arguments,
-                const std::function<bool(QStringList& changes)>& change);
+                const std::function<Outcome(QStringList& changes)>& change,
+                const std::function<void(QStringList& changes)>& finish = nullptr);
 
 /// The argument "NUMBER...", which removeRecords() takes.
 Argument numbersArgument();
@@ -75,11 +90,8 @@ int removeRecords(Store& store, const QCommandLineParser& arguments,
                   const std::function<QString(int number)>& describe,
                   const std::function<void(int number)>& remove);
 
-/// "added    003  WHAT", as a line of what has changed.
-QString addedLine(const std::optional<int>& number, const QString& what);
-
-/// "removed  003  WHAT"
-QString removedLine(const std::optional<int>& number, const QString& what);
+/// "removed  003  WHAT", as a line of what has changed.
+QString changeLine(const char* verb, const QString& number, const QString& what);
 
 /// The option "--max", which is handed to the store as the most records that it is to keep.
 QCommandLineOption maximumOption();
