@@ -79,7 +79,7 @@ Command historyAddCommand()
                       "the oldest goes. Prints all that changed; the new visit's number is the one that\n"
                       "it has once the file is loaded and sorted.";
     command.examples = {"tlvctl history add /data/settings http://example.com/ --title Example",
-                        "tlvctl history add /data/settings http://example.com/ --time \"2011/04/12 10:15\""};
+                        "tlvctl history add /data/settings http://a.example/ --time \"2011/04/12 10:15\""};
     command.arguments = {directoryArgument("visit.xml"), {"URL", "The address of the page."}};
     command.options = {{TITLE, "The page's title.", "T"},
                        {TIME, "When it was visited, \"yyyy/MM/dd hh:mm\"; now, if it is not given.", "TIME"},
@@ -95,8 +95,8 @@ Command historyRemoveCommand()
     command.name = "remove";
     command.summary = "Remove visits.";
     command.details =
-        "The numbers are those that \"tlvctl history list\" shows. Nothing is removed when one\n"
-        "of them is absent. Prints what was removed.";
+        "The numbers are those that \"tlvctl history list\" shows. Nothing is removed when\n"
+                      "one of them is absent. Prints what was removed.";
     command.examples = {"tlvctl history remove /data/settings 003 007"};
     command.arguments = {directoryArgument("visit.xml"), numbersArgument()};
     command.options = {maximumOption()};
