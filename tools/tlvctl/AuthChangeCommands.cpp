@@ -127,8 +127,7 @@ Command authRemoveCommand()
     Command command;
     command.name = "remove";
     command.summary = "Remove credentials.";
-    command.details =
-        "The numbers are those that \"tlvctl auth list\" shows. Nothing is removed when\n"
+    command.details = "The numbers are those that \"tlvctl auth list\" shows. Nothing is removed when\n"
                       "one of them is absent. Prints what was removed, without the passwords.";
     command.examples = {"tlvctl auth remove /data/settings 003 007"};
     command.arguments = {directoryArgument("authinfo.xml"), numbersArgument()};

@@ -197,7 +197,7 @@ QString AuthList::line(const TVNS_AuthInfo& info)
 
 std::optional<QString> utf8Text(const QByteArray& bytes)
 {
-    const QString text = QString::fromUtf8(bytes);
+    const QString text = QString::fromUtf8(bytes.constData(), bytes.size()); // beyond a zero byte, too
     return text.toUtf8() == bytes ? std::optional<QString>(text) : std::nullopt;
 }
 

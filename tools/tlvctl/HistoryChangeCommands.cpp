@@ -94,8 +94,7 @@ Command historyRemoveCommand()
     Command command;
     command.name = "remove";
     command.summary = "Remove visits.";
-    command.details =
-        "The numbers are those that \"tlvctl history list\" shows. Nothing is removed when\n"
+    command.details = "The numbers are those that \"tlvctl history list\" shows. Nothing is removed when\n"
                       "one of them is absent. Prints what was removed.";
     command.examples = {"tlvctl history remove /data/settings 003 007"};
     command.arguments = {directoryArgument("visit.xml"), numbersArgument()};

@@ -107,8 +107,7 @@ Command historyListCommand()
     Command command;
     command.name = "list";
     command.summary = "List the visits with their numbers, newest first.";
-    command.details =
-        "Shows all that the file holds. Loading sorts the list and builds it anew.\n"
+    command.details = "Shows all that the file holds. Loading sorts the list and builds it anew.\n"
                       "Records that it changes or drops are marked with *, and lines below tell how.";
     command.examples = {"tlvctl history list /data/settings", "tlvctl history list --json /data/settings"};
     command.arguments = {directoryArgument("visit.xml")};
