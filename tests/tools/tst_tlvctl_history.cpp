@@ -103,6 +103,7 @@ private slots:
     void removeRefusesAnAbsentNumber();
     void removeRefusesWhatIsNoNumber_data();
     void removeRefusesWhatIsNoNumber();
+    void largeFilesAreListedAndChanged();
     void dryRunWritesNothing();
     void changesRefuseADamagedFileUnlessForced();
     void changesDetectWriteErrors();
@@ -718,6 +719,27 @@ void tst_tlvctl_history::removeRefusesWhatIsNoNumber()
     QCOMPARE(run.err, "tlvctl: \"" + number.toUtf8() +
                           "\" is no number of a record; see \"tlvctl history remove --help\"\n");
     QCOMPARE(readFile(filePath()), threeVisits());
+}
+
+void tst_tlvctl_history::largeFilesAreListedAndChanged()
+{
+    QByteArray xml = "<history>";
+    for (int i = 0; i < 100000; ++i)
+        xml += "<pageInfo><title>T" + QByteArray::number(i) +
+               "</title><url>u</url><dateTime>2011/04/12 10:15</dateTime></pageInfo>";
+    writeFile(filePath(), xml + "</history>");
+    const Run list = tlvctl({"history", "list", path()});
+    QCOMPARE(list.code, 0);
+    QVERIFY(list.out.endsWith("\nrecords: 100000, counted by the store: 999, marked: 99001\n"));
+
+    QStringList numbers;
+    for (int i = 998; i > 0; --i)
+        numbers.append(QString::number(i));
+    const Run remove = tlvctl(QStringList{"history", "remove", path()} + numbers);
+    QCOMPARE(remove.code, 0);
+    QCOMPARE(remove.out.count("\nremoved  "), 998);
+    QCOMPARE(remove.out.count("dropped  "), 99001);
+    QCOMPARE(readFile(filePath()).count("<pageInfo"), 1);
 }
 
 void tst_tlvctl_history::dryRunWritesNothing()

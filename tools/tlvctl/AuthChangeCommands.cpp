@@ -4,6 +4,7 @@
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/Password.h"
 #include "tools/tlvctl/Record.h"
+#include "tools/tlvctl/StoreChange.h"
 #include "tools/tlvctl/Text.h"
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/FontList.h"
+#include "tools/tlvctl/StoreChange.h"
 #include "tools/tlvctl/Text.h"
 
 #include <QtCore/QSet>

@@ -1,7 +1,7 @@
 #ifndef TOOLS_TLVCTL_FONTLIST_H
 #define TOOLS_TLVCTL_FONTLIST_H
 
-#include "tools/tlvctl/StoreChange.h"
+#include "tools/tlvctl/Store.h"
 
 #include <QtCore/QString>
 

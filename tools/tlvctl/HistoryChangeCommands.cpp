@@ -3,6 +3,7 @@
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/HistoryList.h"
 #include "tools/tlvctl/Record.h"
+#include "tools/tlvctl/StoreChange.h"
 #include "tools/tlvctl/Text.h"
 
 namespace {

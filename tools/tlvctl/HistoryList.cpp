@@ -1,6 +1,7 @@
 #include "tools/tlvctl/HistoryList.h"
 
 #include "tools/tlvctl/Record.h"
+#include "tools/tlvctl/StoreChange.h"
 #include "tools/tlvctl/Text.h"
 
 #include <QtCore/QHash>

@@ -2,9 +2,7 @@
 #define TOOLS_TLVCTL_STORECHANGE_H
 
 #include "tools/tlvctl/CommandLine.h"
-#include "tools/tlvctl/StoreFile.h"
-
-#include <tlvlib/xml/TVNC_XMLNode.h>
+#include "tools/tlvctl/Store.h"
 
 #include <QtCore/QStringList>
 
@@ -16,41 +14,6 @@
  * What the commands that change a store have in common: the options, what is checked before, saving, and
  * what is checked and printed afterwards.
  */
-
-/// A store of the library together with its file in a settings directory.
-class Store
-{
-public:
-    /**
-     * @param dir  the settings directory, with or without a "/" at its end
-     * @param name the file's name in it
-     */
-    Store(const QString& dir, const QString& name) : file_(dir, name) {}
-    virtual ~Store() = default;
-
-    Store(const Store&) = delete;
-    Store& operator=(const Store&) = delete;
-
-    const StoreFile& file() const { return file_; }
-
-    /// Has the store load the file. What becomes of it is not checked.
-    virtual void load() = 0;
-
-    /// Has the store save the file. What becomes of it is not checked.
-    virtual void save() = 0;
-
-    /// The document in memory. There is one after load().
-    virtual TVNC_XMLNode& root() const = 0;
-
-    /// How many records the store counts.
-    virtual int count() const = 0;
-
-    /// Lines that tell what load() has dropped or changed, which saving makes permanent.
-    virtual QStringList changesOfLoading() const { return {}; }
-
-private:
-    StoreFile file_;
-};
 
 /// What the attempt to change a store led to.
 enum class Outcome {

@@ -1,9 +1,9 @@
 #ifndef TOOLS_TLVCTL_STORELIST_H
 #define TOOLS_TLVCTL_STORELIST_H
 
-#include "tools/tlvctl/Document.h"
-#include "tools/tlvctl/StoreChange.h"
+#include "tools/tlvctl/Store.h"
 
+#include <QtCore/QCommandLineParser>
 #include <QtCore/QStringList>
 
 #include <functional>
