@@ -58,6 +58,22 @@ inline Run tlvctl(const QStringList& arguments, const QProcessEnvironment& envir
     return runProgram(TLVCTL, arguments, environment);
 }
 
+/// Runs the tool with these bytes as its standard input.
+inline Run tlvctlReading(const QByteArray& input, const QStringList& arguments)
+{
+    QProcess process;
+    process.setProcessEnvironment(plainEnvironment());
+    process.start(TLVCTL, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit) {
+        process.kill();
+        process.waitForFinished();
+        return {-1, process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
 /// Runs a shell script in which "$tlvctl" is the tool and "$1" the argument.
 inline Run shell(const QString& script, const QString& argument)
 {

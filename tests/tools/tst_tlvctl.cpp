@@ -58,6 +58,30 @@ void tst_tlvctl::everyLevelHasHelp_data()
                          << "tlvctl fonts add ";
     QTest::newRow("import") << QStringList{"fonts", "import", "--help"} << "tlvctl fonts import [options] DIR"
                             << "tlvctl fonts import ";
+    QTest::newRow("history") << QStringList{"history", "--help"} << "tlvctl history [options] COMMAND"
+                             << "tlvctl history list ";
+    QTest::newRow("history list") << QStringList{"history", "list", "--help"}
+                                  << "tlvctl history list [options] DIR"
+                                  << "tlvctl history list ";
+    QTest::newRow("history find") << QStringList{"history", "find", "--help"}
+                                  << "tlvctl history find [options] DIR URL"
+                                  << "tlvctl history find ";
+    QTest::newRow("history add") << QStringList{"history", "add", "--help"}
+                                 << "tlvctl history add [options] DIR URL"
+                                 << "tlvctl history add ";
+    QTest::newRow("history remove") << QStringList{"history", "remove", "--help"}
+                                    << "tlvctl history remove [options] DIR NUMBER..."
+                                    << "tlvctl history remove ";
+    QTest::newRow("auth") << QStringList{"auth", "--help"} << "tlvctl auth [options] COMMAND"
+                          << "tlvctl auth list ";
+    QTest::newRow("auth list") << QStringList{"auth", "list", "--help"} << "tlvctl auth list [options] DIR"
+                               << "tlvctl auth list ";
+    QTest::newRow("auth add") << QStringList{"auth", "add", "--help"}
+                              << "tlvctl auth add [options] DIR HOST PORT"
+                              << "tlvctl auth add ";
+    QTest::newRow("auth remove") << QStringList{"auth", "remove", "--help"}
+                                 << "tlvctl auth remove [options] DIR NUMBER..."
+                                 << "tlvctl auth remove ";
     QTest::newRow("behind arguments")
         << QStringList{"fonts", "list", "dir", "--help"} << "tlvctl fonts list [options] DIR"
         << "tlvctl fonts list ";
@@ -84,11 +108,17 @@ void tst_tlvctl::everyLevelHasHelp()
 void tst_tlvctl::helpListsTheCommands()
 {
     const QByteArray tool = tlvctl({"--help"}).out;
-    for (const char* name : {"show", "fonts"})
+    for (const char* name : {"show", "fonts", "history", "auth"})
         QVERIFY2(tool.contains("\n  " + QByteArray(name) + "  "), name);
     const QByteArray fonts = tlvctl({"fonts", "--help"}).out;
     for (const char* name : {"list", "add", "import"})
         QVERIFY2(fonts.contains("\n  " + QByteArray(name) + "  "), name);
+    const QByteArray history = tlvctl({"history", "--help"}).out;
+    for (const char* name : {"list", "find", "add", "remove"})
+        QVERIFY2(history.contains("\n  " + QByteArray(name) + "  "), name);
+    const QByteArray auth = tlvctl({"auth", "--help"}).out;
+    for (const char* name : {"list", "add", "remove"})
+        QVERIFY2(auth.contains("\n  " + QByteArray(name) + "  "), name);
 }
 
 void tst_tlvctl::versionIsThatOfTheProject()
@@ -123,6 +153,18 @@ void tst_tlvctl::wrongUsageIsRefusedWithAHint_data()
     QTest::newRow("add --json") << QStringList{"fonts", "add", "--json", ".", "x"} << "tlvctl fonts add";
     QTest::newRow("import to nothing") << QStringList{"fonts", "import"} << "tlvctl fonts import";
     QTest::newRow("import two") << QStringList{"fonts", "import", ".", "x"} << "tlvctl fonts import";
+    QTest::newRow("no history command") << QStringList{"history"} << "tlvctl history";
+    QTest::newRow("find no address") << QStringList{"history", "find", "."} << "tlvctl history find";
+    QTest::newRow("find two addresses")
+        << QStringList{"history", "find", ".", "a", "b"} << "tlvctl history find";
+    QTest::newRow("visit nothing") << QStringList{"history", "add", "."} << "tlvctl history add";
+    QTest::newRow("visit two") << QStringList{"history", "add", ".", "a", "b"} << "tlvctl history add";
+    QTest::newRow("remove no visit") << QStringList{"history", "remove", "."} << "tlvctl history remove";
+    QTest::newRow("remove no entry") << QStringList{"auth", "remove", "."} << "tlvctl auth remove";
+    QTest::newRow("no port") << QStringList{"auth", "add", ".", "host"} << "tlvctl auth add";
+    QTest::newRow("entry without options")
+        << QStringList{"auth", "add", ".", "host", "80"} << "tlvctl auth add";
+    QTest::newRow("dry run of a list") << QStringList{"auth", "list", "--dry-run", "."} << "tlvctl auth list";
     for (const char* level : {"4", "-1", "", "x", "1.0", "01", "99999999999"}) {
         QTest::newRow((QByteArray("log level ") + level).constData())
             << QStringList{"--log-level", level, "fonts", "list", "."} << "tlvctl";

@@ -39,6 +39,8 @@ private slots:
     void addNeedsADirectory();
     void addDetectsWriteErrors();
     void addDetectsAListThatCannotBeReplaced();
+    void dryRunTellsWhatWouldBeAdded();
+    void dryRunRefusesWhatAddRefuses();
 
 private:
     /// A path in the test's own directory.
@@ -398,6 +400,36 @@ void tst_tlvctl_fonts::addDetectsAListThatCannotBeReplaced()
     const Run closed = tlvctl({"fonts", "add", path("closed"), "New"});
     QCOMPARE(closed.code, 1);
     QVERIFY(complains(closed, path("closed/fontlist.xml"), {"saving failed", "permissions"}));
+}
+
+void tst_tlvctl_fonts::dryRunTellsWhatWouldBeAdded()
+{
+    const Run missing = tlvctl({"fonts", "add", "--dry-run", path(), "Sans", "a\nb"});
+    QCOMPARE(missing.code, 0);
+    QCOMPARE(missing.err, QByteArray());
+    QCOMPARE(missing.out, "dry run: nothing is written to " + listPath().toUtf8() +
+                              ", where this would change:\n000  Sans\n001  a\\nb\n");
+    QVERIFY(QDir(path()).isEmpty());
+
+    const QByteArray before = "<fontlist><font>Sans</font></fontlist>"; // not as the tool would write it
+    writeFile(listPath(), before);
+    const Run run = tlvctl({"fonts", "add", path(), "Serif", "--dry-run"});
+    QCOMPARE(run.code, 0);
+    QVERIFY(run.out.endsWith("\n001  Serif\n"));
+    QCOMPARE(readFile(listPath()), before);
+}
+
+void tst_tlvctl_fonts::dryRunRefusesWhatAddRefuses()
+{
+    writeFile(listPath(), DAMAGED_LIST);
+    const Run damaged = tlvctl({"fonts", "add", "--dry-run", path(), "New"});
+    QCOMPARE(damaged.code, 1);
+    QCOMPARE(damaged.out, QByteArray());
+    QVERIFY(complains(damaged, listPath(), {"line 4", "--force"}));
+    QCOMPARE(tlvctl({"fonts", "add", "--dry-run", "--force", path(), "New"}).code, 0);
+    QCOMPARE(readFile(listPath()), QByteArray(DAMAGED_LIST));
+    QCOMPARE(tlvctl({"fonts", "add", "--dry-run", path(), QString(257, 'a')}).code, 1);
+    QCOMPARE(tlvctl({"fonts", "add", "--dry-run", path("none"), "New"}).code, 1);
 }
 
 TLVCTL_TEST_MAIN(tst_tlvctl_fonts)

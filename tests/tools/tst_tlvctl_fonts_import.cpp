@@ -41,6 +41,7 @@ private slots:
     void importWithoutFontsAdvises();
     void importRefusesADamagedListUnlessForced();
     void importReportsAMissingPlatformPlugin();
+    void dryRunTellsWhatWouldBeImported();
 
 private:
     /// A path in the test's own directory.
@@ -138,6 +139,29 @@ void tst_tlvctl_fonts_import::importReportsAMissingPlatformPlugin()
     QCOMPARE(run.code, 1);
     QVERIFY(run.err.startsWith("tlvctl: ") && run.err.contains("QT_QPA_PLATFORM"));
     QVERIFY(!QFile::exists(listPath()));
+}
+
+void tst_tlvctl_fonts_import::dryRunTellsWhatWouldBeImported()
+{
+    QVERIFY2(QFile::exists(SANS_MONO), "run scripts/bootstrap, which installs the DejaVu fonts");
+    QVERIFY(QDir().mkpath(path("fonts")) && QDir().mkpath(path("list")));
+    QVERIFY(QFile::copy(SANS_MONO, path("fonts/a.ttf")));
+    const QProcessEnvironment environment = fontEnvironment(path(), path("fonts"));
+    const QStringList arguments{"fonts", "import", "--dry-run", path("list/")};
+    const Run run = tlvctl(arguments, environment);
+    QCOMPARE(run.code, 0);
+    QCOMPARE(run.out, "dry run: nothing is written to " + path("list/fontlist.xml").toUtf8() +
+                          ", where this would change:\n"
+                          "000  DejaVu Sans Mono\n001  Monospace\n002  Sans Serif\n003  Serif\n"
+                          "4 found: 4 added, 0 already listed, 0 skipped (name too long or unusable), "
+                          "0 skipped (no number left)\n");
+    QVERIFY(!QFile::exists(path("list/fontlist.xml")));
+
+    QCOMPARE(tlvctl({"fonts", "import", path("list/")}, environment).code, 0);
+    const Run again = tlvctl(arguments, environment);
+    QCOMPARE(again.code, 0);
+    QVERIFY(again.out.startsWith("dry run: nothing would change in " + path("list/fontlist.xml").toUtf8() +
+                                 "\n4 found: 0 added"));
 }
 
 TLVCTL_TEST_MAIN(tst_tlvctl_fonts_import)

@@ -18,6 +18,7 @@ private slots:
 
     void logFileGetsWhatTheLevelAdmits();
     void unwritableLogFileIsReportedAndNothingElse();
+    void credentialsStayOutOfTheLog();
 
 private:
     /// A path in the test's own directory.
@@ -60,6 +61,26 @@ void tst_tlvctl_log::unwritableLogFileIsReportedAndNothingElse()
     QCOMPARE(run.code, 0);
     QVERIFY(run.out.startsWith("000  Sans\n"));
     QVERIFY(complains(run, LOG_DIR + "/tlvlog.log", {"mkdir -p " + LOG_DIR}));
+}
+
+void tst_tlvctl_log::credentialsStayOutOfTheLog()
+{
+    QVERIFY(QDir().mkpath(LOG_DIR));
+    const QString log = LOG_DIR + "/tlvlog.log";
+    const QStringList level{"--log-level", "3", "auth"};
+    const Run add = tlvctlReading("hunter2", level + QStringList{"add", path(), "intranet.example", "80",
+                                                                 "--type", "basic", "--user", "alice"});
+    QCOMPARE(add.code, 0);
+    QCOMPARE(tlvctl(level + QStringList{"list", "--show-passwords", path()}).code, 0);
+    QCOMPARE(tlvctl(level + QStringList{"remove", path(), "0"}).code, 0);
+    const QByteArray text = readFile(log);
+    for (const char* line : {"[TVNC_AuthSetting::setAuthInfo]", "[TVNC_AuthSetting::saveAuthInfo] end",
+                             "[TVNC_AuthSetting::deleteAuthInfo] si_nodeNum:0"})
+        QVERIFY2(text.contains(line), line);
+    for (const QByteArray& secret : {QByteArray("hunter2"), QByteArray("alice"), QByteArray("intranet")})
+        QVERIFY(!text.contains(secret) && !text.contains(secret.toBase64()));
+    QFile::remove(log);
+    QDir("/ata07").rmpath("Talvenor/tmp");
 }
 
 int main(int argc, char** argv)

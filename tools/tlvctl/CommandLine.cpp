@@ -192,6 +192,11 @@ int runCommandLine(const Command& tool, const QStringList& arguments)
     return exitCode == DONE ? FAILED : exitCode;
 }
 
+int wrongUsage(const QString& problem)
+{
+    return usageError(QCoreApplication::arguments().first(), problem);
+}
+
 QCommandLineOption jsonOption()
 {
     return {"json", "Write JSON, for programs."};

@@ -45,6 +45,14 @@ struct Command
  */
 int runCommandLine(const Command& tool, const QStringList& arguments);
 
+/**
+ * Complains about what a running command was given, and points to its help.
+ *
+ * @param problem what is wrong, fit for a terminal
+ * @return the exit code for wrong usage
+ */
+int wrongUsage(const QString& problem);
+
 /// The option "--json".
 QCommandLineOption jsonOption();
 

@@ -2,6 +2,7 @@
 
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/FontList.h"
+#include "tools/tlvctl/StoreChange.h"
 #include "tools/tlvctl/Text.h"
 
 #include <QtCore/QSet>
@@ -13,35 +14,12 @@
 
 namespace {
 
-const QString FORCE = "force";
-
 // --- both -------------------------------------------------------------------------------------------------
 
-QCommandLineOption forceOption()
+void addAll(FontList& list, const QStringList& names, QStringList& changes)
 {
-    return {FORCE, "Go on when fontlist.xml cannot be read to its end. What could not be read is lost."};
-}
-
-/// Whether the list may be changed; then it is loaded.
-bool openForChange(FontList& list, const QCommandLineParser& arguments)
-{
-    if (!list.file().checkDirectory() || !list.file().checkReplaceable(arguments.isSet(FORCE)))
-        return false;
-    list.load();
-    return true;
-}
-
-/// Adds the fonts, saves the list, and prints what was added.
-int addAndSave(FontList& list, const QStringList& names)
-{
-    QStringList lines;
     for (const QString& name : names)
-        lines.append(FontList::line(list.add(name), name));
-    if (!list.save())
-        return FAILED;
-    for (const QString& line : lines)
-        printLine(line);
-    return DONE;
+        changes.append(FontList::line(list.add(name), name));
 }
 
 void complainAboutNumbers(const FontList& list, const QString& what)
@@ -64,15 +42,16 @@ int addFonts(const QCommandLineParser& arguments)
                  QString("nothing was added: the name %1 %2; give another name").arg(quoted(name), problem));
         return FAILED;
     }
-    if (!openForChange(list, arguments))
-        return FAILED;
-    if (names.size() > list.numbersLeft()) {
-        complainAboutNumbers(list, QString("nothing was added: %1 given, numbers left for %2")
-                                       .arg(names.size())
-                                       .arg(list.numbersLeft()));
-        return FAILED;
-    }
-    return addAndSave(list, names);
+    return changeStore(list, arguments, [&](QStringList& changes) {
+        if (names.size() > list.numbersLeft()) {
+            complainAboutNumbers(list, QString("nothing was added: %1 given, numbers left for %2")
+                                           .arg(names.size())
+                                           .arg(list.numbersLeft()));
+            return Outcome::REFUSED;
+        }
+        addAll(list, names, changes);
+        return Outcome::CHANGED;
+    });
 }
 
 // --- import -----------------------------------------------------------------------------------------------
@@ -116,17 +95,20 @@ bool haveFonts(const QStringList& families)
 int importFonts(const QCommandLineParser& arguments)
 {
     FontList list(pathArgument(arguments));
-    if (!openForChange(list, arguments))
-        return FAILED;
     const QStringList families = QFontDatabase().families();
-    if (!haveFonts(families)) {
-        complain("Qt finds no fonts on this machine; install a font package, such as "
-                 "fonts-dejavu, and check with \"fc-list\"");
-        return FAILED;
-    }
-    const ImportPlan plan = planImport(list, families);
-    if (!plan.added.isEmpty() && addAndSave(list, plan.added) != DONE)
-        return FAILED;
+    ImportPlan plan;
+    const int exitCode = changeStore(list, arguments, [&](QStringList& changes) {
+        if (!haveFonts(families)) {
+            complain("Qt finds no fonts on this machine; install a font package, such as "
+                     "fonts-dejavu, and check with \"fc-list\"");
+            return Outcome::REFUSED;
+        }
+        plan = planImport(list, families);
+        addAll(list, plan.added, changes);
+        return plan.added.isEmpty() ? Outcome::UNCHANGED : Outcome::CHANGED;
+    });
+    if (exitCode != DONE)
+        return exitCode;
     printLine(QString("%1 found: %2 added, %3 already listed, %4 skipped (name too long or unusable), "
                       "%5 skipped (no number left)")
                   .arg(families.size())
@@ -152,7 +134,7 @@ Command fontAddCommand()
                         "tlvctl fonts add /data/settings -- \"-a name that begins with a dash\""};
     command.arguments = {directoryArgument("fontlist.xml"),
                          {"NAME", "The name of a font, at most 256 bytes of UTF-8.", true}};
-    command.options = {forceOption()};
+    command.options = changeOptions("fontlist.xml");
     command.run = addFonts;
     return command;
 }
@@ -166,7 +148,7 @@ Command fontImportCommand()
                       "was skipped because the list is full.";
     command.examples = {"tlvctl fonts import /data/settings"};
     command.arguments = {directoryArgument("fontlist.xml")};
-    command.options = {forceOption()};
+    command.options = changeOptions("fontlist.xml");
     command.needsGui = true;
     command.run = importFonts;
     return command;

@@ -1,7 +1,7 @@
 #ifndef TOOLS_TLVCTL_FONTLIST_H
 #define TOOLS_TLVCTL_FONTLIST_H
 
-#include "tools/tlvctl/StoreFile.h"
+#include "tools/tlvctl/Store.h"
 
 #include <QtCore/QString>
 
@@ -28,7 +28,7 @@ struct FontRecord
 };
 
 /// The font list of a settings directory.
-class FontList
+class FontList : public Store
 {
 public:
     /// The longest name that the store hands out, in bytes of UTF-8.
@@ -37,15 +37,12 @@ public:
     /// @param dir the settings directory, with or without a "/" at its end
     explicit FontList(const QString& dir);
 
-    const StoreFile& file() const { return file_; }
-
-    void load();
-
-    /// Saves the list and reads it back. Complains and returns false when that went wrong.
-    bool save();
+    void load() override;
+    void save() override;
+    TVNC_XMLNode& root() const override;
 
     /// How many fonts the store counts.
-    int count() const;
+    int count() const override;
 
     /// All records of the document, in its order.
     std::vector<FontRecord> records() const;
@@ -64,7 +61,6 @@ public:
 
 private:
     TVNC_FontListSetting& store_;
-    StoreFile file_;
 };
 
 #endif

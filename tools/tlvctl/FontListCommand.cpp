@@ -3,6 +3,8 @@
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/FontList.h"
 #include "tools/tlvctl/JsonWriter.h"
+#include "tools/tlvctl/Record.h"
+#include "tools/tlvctl/StoreList.h"
 #include "tools/tlvctl/Text.h"
 
 #include <algorithm>
@@ -31,7 +33,7 @@ QString explain(FontFlaw flaw, const FontRecord& record)
         return "has no number: cannot be asked for";
     case FontFlaw::TOO_LONG:
         return QString("name of %1 bytes, over %2: the store answers an empty one")
-            .arg(record.name.toUtf8().size())
+            .arg(utf8Size(record.name))
             .arg(FontList::NAME_MAX_BYTES);
     case FontFlaw::EMPTY:
         return "has no name";
@@ -83,57 +85,26 @@ void writeRecord(JsonWriter& json, const FontRecord& record)
     json.endObject();
 }
 
-void writeList(const FontList& list, const Document& document, const std::vector<FontRecord>& records)
+void writeFonts(JsonWriter& json, const std::vector<FontRecord>& records)
 {
-    JsonWriter json;
-    json.beginObject();
-    json.member("file");
-    json.string(list.file().path());
-    json.member("exists");
-    json.boolean(document.state != Document::State::MISSING);
-    writeCompleteness(json, document);
-    json.member("count");
-    json.number(list.count());
     json.member("fonts");
     json.beginArray();
     for (const FontRecord& record : records)
         writeRecord(json, record);
     json.endArray();
-    json.endObject();
-}
-
-void printList(const FontList& list, const Document& document, const std::vector<FontRecord>& records)
-{
-    if (document.state == Document::State::MISSING) {
-        printLine("records: 0, because there is no " + printable(list.file().path()));
-        return;
-    }
-    for (const FontRecord& record : records)
-        printRecord(record);
-    printSummary(list, records);
 }
 
 int listFonts(const QCommandLineParser& arguments)
 {
     FontList list(pathArgument(arguments));
-    if (!list.file().checkDirectory())
-        return FAILED;
-    const QString path = list.file().path();
-    const Document document = readDocument(path);
-    if (document.state == Document::State::UNREADABLE) {
-        complain(path, QString("cannot be read: %1; make it readable").arg(printable(document.problem)));
-        return FAILED;
-    }
-    list.load();
-    const std::vector<FontRecord> records = list.records();
-    if (arguments.isSet("json"))
-        writeList(list, document, records);
-    else
-        printList(list, document, records);
-    if (document.state != Document::State::DAMAGED)
-        return DONE;
-    complainAboutDamage(path, document);
-    return FAILED;
+    const auto printText = [&list] {
+        const std::vector<FontRecord> records = list.records();
+        for (const FontRecord& record : records)
+            printRecord(record);
+        printSummary(list, records);
+    };
+    return listStore(list, arguments, printText,
+                     [&list](JsonWriter& json) { writeFonts(json, list.records()); });
 }
 
 } // namespace

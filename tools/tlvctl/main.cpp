@@ -3,9 +3,11 @@
  * tlvctl: looks into the settings directory of a device, repairs it and converts it.
  */
 
+#include "tools/tlvctl/AuthCommands.h"
 #include "tools/tlvctl/CommandLine.h"
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/FontCommands.h"
+#include "tools/tlvctl/HistoryCommands.h"
 #include "tools/tlvctl/ShowCommand.h"
 
 #include <QtCore/QFile>
@@ -37,7 +39,7 @@ Command tool()
                    "wrong usage. Characters of stored texts that a terminal would obey, such as\n"
                    "escape sequences, are shown as \\n, \\t, \\x1B or \\u{202E}, and a backslash as \\\\.";
     tool.examples = {"tlvctl show /data/settings/fontlist.xml", "tlvctl fonts list /data/settings"};
-    tool.commands = {showCommand(), fontCommands()};
+    tool.commands = {showCommand(), fontCommands(), historyCommands(), authCommands()};
     return tool;
 }
 
