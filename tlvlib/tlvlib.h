@@ -7,6 +7,8 @@
  */
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
+#include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
+#include <tlvlib/prefs/TVNC_BrowserUserSetting.h>
 #include <tlvlib/stores/TVNC_AuthSetting.h>
 #include <tlvlib/stores/TVNC_BookmarksSetting.h>
 #include <tlvlib/stores/TVNC_CookieSetting.h>

@@ -30,6 +30,8 @@ typedef TVNC_XMLWriter Writer;
 typedef TVNC_XMLSetting Setting;
 typedef TVNC_AuthSetting Auth;
 typedef TVNC_BookmarksSetting Bookmarks;
+typedef TVNC_BrowserCommonSetting CommonPreferences;
+typedef TVNC_BrowserUserSetting UserPreferences;
 typedef TVNC_CookieSetting Cookies;
 typedef TVNC_FontListSetting FontList;
 typedef TVNC_HistorySetting History;
@@ -138,6 +140,70 @@ SIGNATURE(Bookmarks::removeThumbnailFilePath, void (Bookmarks::*)());
 static_assert(std::is_base_of<Setting, Bookmarks>::value, "the store's base has changed");
 static_assert(!std::is_default_constructible<Bookmarks>::value, "there is one instance");
 static_assert(!std::is_destructible<Bookmarks>::value, "the instance lives as long as the process");
+
+SIGNATURE(CommonPreferences::getInstance, CommonPreferences* (*)());
+SIGNATURE(CommonPreferences::loadSetting, void (CommonPreferences::*)(QString*));
+SIGNATURE(CommonPreferences::saveSetting, void (CommonPreferences::*)(QString*));
+SIGNATURE(CommonPreferences::setKeyBoardTypeInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getKeyBoardTypeInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setRcvCookieInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getRcvCookieInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseCacheInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseCacheInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setCacheDeleteTiming, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getCacheDeleteTiming, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setSWKeyBoardTypeInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getSWKeyBoardTypeInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseJavaScriptInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseJavaScriptInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setPlayFlashInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getPlayFlashInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseProxyInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseProxyInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseProxyHttpInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseProxyHttpInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseProxyCertificationInfo, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseProxyCertificationInfo, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseSSL30, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseSSL30, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setUseTLS10, void (CommonPreferences::*)(char));
+SIGNATURE(CommonPreferences::getUseTLS10, char (CommonPreferences::*)());
+SIGNATURE(CommonPreferences::setProxyServerStr, bool (CommonPreferences::*)(QString));
+SIGNATURE(CommonPreferences::getProxyServerStr, void (CommonPreferences::*)(QString*));
+SIGNATURE(CommonPreferences::setProxyHttpPortStr, bool (CommonPreferences::*)(QString));
+SIGNATURE(CommonPreferences::getProxyHttpPortStr, void (CommonPreferences::*)(QString*));
+SIGNATURE(CommonPreferences::setProxyHttpsPortStr, bool (CommonPreferences::*)(QString));
+SIGNATURE(CommonPreferences::getProxyHttpsPortStr, void (CommonPreferences::*)(QString*));
+SIGNATURE(CommonPreferences::setNoProxyDomainStr, bool (CommonPreferences::*)(QString));
+SIGNATURE(CommonPreferences::getNoProxyDomainStr, void (CommonPreferences::*)(QString*));
+SIGNATURE(CommonPreferences::setProxyAccountStr, bool (CommonPreferences::*)(QByteArray));
+SIGNATURE(CommonPreferences::getProxyAccountStr, void (CommonPreferences::*)(QByteArray*));
+SIGNATURE(CommonPreferences::setProxyPasswordStr, bool (CommonPreferences::*)(QByteArray));
+SIGNATURE(CommonPreferences::getProxyPasswordStr, void (CommonPreferences::*)(QByteArray*));
+static_assert(std::is_base_of<Setting, CommonPreferences>::value, "the store's base has changed");
+static_assert(!std::is_default_constructible<CommonPreferences>::value, "there is one instance");
+static_assert(!std::is_destructible<CommonPreferences>::value, "the instance lives as long as the process");
+
+SIGNATURE(UserPreferences::getInstance, UserPreferences* (*)());
+SIGNATURE(UserPreferences::loadSetting, void (UserPreferences::*)(QString*));
+SIGNATURE(UserPreferences::saveSetting, void (UserPreferences::*)(QString*));
+SIGNATURE(UserPreferences::setStartUp, void (UserPreferences::*)(char));
+SIGNATURE(UserPreferences::getStartUp, char (UserPreferences::*)());
+SIGNATURE(UserPreferences::setCookieDeleteTiming, void (UserPreferences::*)(char));
+SIGNATURE(UserPreferences::getCookieDeleteTiming, char (UserPreferences::*)());
+SIGNATURE(UserPreferences::setCertificationDeleteTiming, void (UserPreferences::*)(char));
+SIGNATURE(UserPreferences::getCertificationDeleteTiming, char (UserPreferences::*)());
+SIGNATURE(UserPreferences::setHomePage, bool (UserPreferences::*)(QString));
+SIGNATURE(UserPreferences::getHomePage, void (UserPreferences::*)(QString*));
+SIGNATURE(UserPreferences::setLastPage, bool (UserPreferences::*)(QString));
+SIGNATURE(UserPreferences::getLastPage, void (UserPreferences::*)(QString*));
+SIGNATURE(UserPreferences::setFontName, bool (UserPreferences::*)(QString));
+SIGNATURE(UserPreferences::getFontName, void (UserPreferences::*)(QString*));
+SIGNATURE(UserPreferences::setZoomInfo, bool (UserPreferences::*)(short));
+SIGNATURE(UserPreferences::getZoomInfo, short (UserPreferences::*)());
+static_assert(std::is_base_of<Setting, UserPreferences>::value, "the store's base has changed");
+static_assert(!std::is_default_constructible<UserPreferences>::value, "there is one instance");
+static_assert(!std::is_destructible<UserPreferences>::value, "the instance lives as long as the process");
 
 SIGNATURE(Cookies::getInstance, Cookies* (*)());
 SIGNATURE(Cookies::addCookieInfo, void (Cookies::*)(QNetworkCookie&));
@@ -258,6 +324,17 @@ SAME_MEMBER(BookmarkMirror, TVNS_Bookmark, title);
 SAME_MEMBER(BookmarkMirror, TVNS_Bookmark, href);
 SAME_MEMBER(BookmarkMirror, TVNS_Bookmark, thumbnail);
 
+/// The device's preferences: the setting base, then a code for the keyboard's type.
+struct CommonPreferencesMirror
+{
+    SettingMirror base;
+    char keyBoardType;
+};
+static_assert(sizeof(CommonPreferencesMirror) == sizeof(TVNC_BrowserCommonSetting),
+              "the size of the device's preferences has changed");
+static_assert(sizeof(TVNC_BrowserUserSetting) == sizeof(TVNC_XMLSetting),
+              "the user's preferences have no member of their own");
+
 static_assert(sizeof(BoundedMirror) == sizeof(TVNC_CookieSetting), "the cookie store's size has changed");
 
 /// The members of a cookie, in their order.
@@ -310,6 +387,7 @@ private slots:
     void nodeMembersKeepTheirOrder();
     void settingBaseKeepsItsLayout();
     void maximumCountFollowsTheBase();
+    void keyBoardTypeFollowsTheBase();
     void virtualOperationsKeepTheirOrder();
     void storesReachTheBasesOperations();
     void nodeHasNoMetaObjectOfItsOwn();
@@ -434,6 +512,15 @@ void tst_interface::maximumCountFollowsTheBase()
     QCOMPARE(maxCountOf(TVNC_HistorySetting::getInstance()), 0x7654321);
 }
 
+void tst_interface::keyBoardTypeFollowsTheBase()
+{
+    TVNC_BrowserCommonSetting* const pc_preferences = TVNC_BrowserCommonSetting::getInstance();
+    pc_preferences->setKeyBoardTypeInfo(77);
+    CommonPreferencesMirror mirror;
+    std::memcpy(&mirror, static_cast<const void*>(pc_preferences), sizeof mirror);
+    QCOMPARE(int(mirror.keyBoardType), 77);
+}
+
 static const char* const SETTING_SLOTS[] = {
     "_ZN15TVNC_XMLSetting4loadER7QString",
     "_ZN15TVNC_XMLSetting4saveER7QString",
@@ -461,6 +548,7 @@ void tst_interface::storesReachTheBasesOperations()
 {
     QList<TVNC_XMLSetting*> stores;
     stores << TVNC_AuthSetting::getInstance() << TVNC_BookmarksSetting::getInstance()
+           << TVNC_BrowserCommonSetting::getInstance() << TVNC_BrowserUserSetting::getInstance()
            << TVNC_CookieSetting::getInstance() << TVNC_FontListSetting::getInstance()
            << TVNC_HistorySetting::getInstance();
     foreach (TVNC_XMLSetting* pc_store, stores) {
