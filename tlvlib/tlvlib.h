@@ -14,6 +14,8 @@
 #include <tlvlib/stores/TVNC_CookieSetting.h>
 #include <tlvlib/stores/TVNC_FontListSetting.h>
 #include <tlvlib/stores/TVNC_HistorySetting.h>
+#include <tlvlib/thumbs/TVNC_NetworkDiskCache.h>
+#include <tlvlib/thumbs/TVNC_ThumbnailConverter.h>
 #include <tlvlib/util/QEXC_TextCodec.h>
 #include <tlvlib/util/TVNC_IwsUrl.h>
 #include <tlvlib/xml/TVNC_XMLNode.h>

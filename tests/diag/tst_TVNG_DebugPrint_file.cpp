@@ -226,14 +226,5 @@ void tst_TVNG_DebugPrint_file::noFileStaysOpen()
     QCOMPARE(openFiles(), before);
 }
 
-int main(int argc, char** argv)
-{
-    if (!enterPrivateRoot()) {
-        std::fprintf(stderr, "Skipped: the log file's real path is only tested in a private file system.\n");
-        return TEST_SKIPPED;
-    }
-    QCoreApplication application(argc, argv);
-    tst_TVNG_DebugPrint_file test;
-    return QTest::qExec(&test, argc, argv);
-}
+TLVLIB_PRIVATE_ROOT_TEST_MAIN(tst_TVNG_DebugPrint_file)
 #include "tst_TVNG_DebugPrint_file.moc"

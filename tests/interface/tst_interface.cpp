@@ -35,6 +35,8 @@ typedef TVNC_BrowserUserSetting UserPreferences;
 typedef TVNC_CookieSetting Cookies;
 typedef TVNC_FontListSetting FontList;
 typedef TVNC_HistorySetting History;
+typedef TVNC_NetworkDiskCache DiskCache;
+typedef TVNC_ThumbnailConverter Converter;
 
 static_assert(std::is_same<decltype(TVNG_DebugPrint(0ul, "x")), void>::value, "TVNG_DebugPrint has changed");
 SIGNATURE(TVNG_DebugSetLogLevel, void (*)(unsigned long));
@@ -242,6 +244,23 @@ SIGNATURE(TVNS_History::operator<, bool (TVNS_History::*)(const TVNS_History&) c
 static_assert(!std::is_default_constructible<History>::value, "there is one instance");
 static_assert(!std::is_destructible<History>::value, "the instance lives as long as the process");
 
+SIGNATURE(Converter::getInstance, Converter* (*)());
+SIGNATURE(Converter::encode_base64, void (Converter::*)(QString&, QByteArray&));
+SIGNATURE(Converter::decode_base64, bool (Converter::*)(QByteArray&, QString&));
+SIGNATURE(Converter::setThumbnail, void (Converter::*)(QString&, QString&, Node*));
+SIGNATURE(Converter::convertThumbnailPngToXML, void (Converter::*)(char*, char*));
+SIGNATURE(Converter::convertThumbnailXMLToPng, void (Converter::*)(char*, char*));
+SIGNATURE(Converter::getFileList,
+          QStringList (Converter::*)(QString&, QStringList&, QFlags<QDir::Filter>, QFlags<QDir::SortFlag>));
+static_assert(std::is_base_of<Setting, Converter>::value, "the converter's base has changed");
+static_assert(!std::is_default_constructible<Converter>::value, "there is one instance");
+static_assert(!std::is_destructible<Converter>::value, "the instance lives as long as the process");
+
+SIGNATURE(DiskCache::getInstance, DiskCache* (*)());
+SIGNATURE(DiskCache::clear, void (DiskCache::*)());
+static_assert(!std::is_default_constructible<DiskCache>::value, "there is one instance");
+static_assert(!std::is_destructible<DiskCache>::value, "the instance lives as long as the process");
+
 // --- Layout -----------------------------------------------------------------------------------------------
 
 /// Where in an object a part of it stands.
@@ -371,6 +390,10 @@ static_assert(sizeof(VisitMirror) == sizeof(TVNS_History), "the visit's size has
 SAME_MEMBER(VisitMirror, TVNS_History, title);
 SAME_MEMBER(VisitMirror, TVNS_History, url);
 SAME_MEMBER(VisitMirror, TVNS_History, dateTime);
+
+static_assert(sizeof(TVNC_ThumbnailConverter) == sizeof(TVNC_XMLSetting),
+              "the converter has no member of its own");
+static_assert(std::is_empty<TVNC_NetworkDiskCache>::value, "clearing the cache needs no member");
 
 static_assert(sizeof(TVNC_XMLReader) == sizeof(QXmlStreamReader), "the reader has no member of its own");
 static_assert(sizeof(TVNC_XMLWriter) == sizeof(QXmlStreamWriter), "the writer has no member of its own");
@@ -550,7 +573,7 @@ void tst_interface::storesReachTheBasesOperations()
     stores << TVNC_AuthSetting::getInstance() << TVNC_BookmarksSetting::getInstance()
            << TVNC_BrowserCommonSetting::getInstance() << TVNC_BrowserUserSetting::getInstance()
            << TVNC_CookieSetting::getInstance() << TVNC_FontListSetting::getInstance()
-           << TVNC_HistorySetting::getInstance();
+           << TVNC_HistorySetting::getInstance() << TVNC_ThumbnailConverter::getInstance();
     foreach (TVNC_XMLSetting* pc_store, stores) {
         void** const pc_slots = mirrorOf(*pc_store).slots_;
         for (int i = 0; i < SETTING_SLOT_COUNT; ++i)

@@ -83,14 +83,5 @@ void tst_tlvctl_log::credentialsStayOutOfTheLog()
     QDir("/ata07").rmpath("Talvenor/tmp");
 }
 
-int main(int argc, char** argv)
-{
-    if (!enterPrivateRoot()) {
-        std::fprintf(stderr, "Skipped: the log file's real path is only tested in a private file system.\n");
-        return TEST_SKIPPED;
-    }
-    QCoreApplication application(argc, argv);
-    tst_tlvctl_log test;
-    return QTest::qExec(&test, argc, argv);
-}
+TLVLIB_PRIVATE_ROOT_TEST_MAIN(tst_tlvctl_log)
 #include "tst_tlvctl_log.moc"

@@ -119,6 +119,9 @@ public:
 private:
     Q_DISABLE_COPY(TVNC_XMLSetting)
 
+    /// Makes a root of its own.
+    friend class TVNC_ThumbnailConverter;
+
     TVNC_XMLNode* pc_XMLRootNode;
 };
 

@@ -1,0 +1,25 @@
+#include "tlvlib/thumbs/TVNC_NetworkDiskCache.h"
+
+#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/util/QEXC_TextCodec.h"
+
+#include <QtNetwork/QNetworkDiskCache>
+
+TVNC_NetworkDiskCache::TVNC_NetworkDiskCache() {}
+
+TVNC_NetworkDiskCache::~TVNC_NetworkDiskCache() {}
+
+TVNC_NetworkDiskCache* TVNC_NetworkDiskCache::getInstance()
+{
+    static TVNC_NetworkDiskCache instance;
+    return &instance;
+}
+
+void TVNC_NetworkDiskCache::clear()
+{
+    // The text keeps the operation's older name.
+    TVNG_DebugPrint(3, "[TVNC_NetworkDiskCache::clearDiskCache]");
+    QNetworkDiskCache cache;
+    cache.setCacheDirectory(QEXC_TextCodec::fromSJIS("/ata07/Talvenor/cache/"));
+    cache.clear();
+}
