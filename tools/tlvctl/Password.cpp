@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -23,7 +24,7 @@ void catchSignal(int signal)
 
 /**
  * A terminal that shows nothing of what is typed. It is set back at the end, also when a signal ends the
- * process: that is held back until then.
+ * process: that is held back until then, and only let through while waitForInput() waits.
  */
 class SilentTerminal
 {
@@ -34,9 +35,14 @@ public:
         struct sigaction action
         {
         };
-        action.sa_handler = catchSignal; // without SA_RESTART, so that reading ends
-        for (size_t i = 0; i < COUNT; ++i)
+        action.sa_handler = catchSignal;
+        sigset_t heldBack;
+        sigemptyset(&heldBack);
+        for (size_t i = 0; i < COUNT; ++i) {
             sigaction(SIGNALS[i], &action, &actions_[i]);
+            sigaddset(&heldBack, SIGNALS[i]);
+        }
+        sigprocmask(SIG_BLOCK, &heldBack, &mask_);
         isSilent_ = tcgetattr(fd_, &settings_) == 0;
         if (!isSilent_)
             return;
@@ -53,12 +59,23 @@ public:
             sigaction(SIGNALS[i], &actions_[i], nullptr);
         if (caughtSignal != 0)
             std::raise(caughtSignal);
+        sigprocmask(SIG_SETMASK, &mask_, nullptr);
     }
 
     SilentTerminal(const SilentTerminal&) = delete;
     SilentTerminal& operator=(const SilentTerminal&) = delete;
 
     bool isSilent() const { return isSilent_; }
+
+    /**
+     * Waits until something was typed. False with errno set when a signal came, no matter when since the
+     * terminal became silent, and when that fails.
+     */
+    bool waitForInput() const
+    {
+        pollfd input{fd_, POLLIN, 0};
+        return caughtSignal == 0 && ppoll(&input, 1, nullptr, &mask_) >= 0;
+    }
 
 private:
     static constexpr int SIGNALS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
@@ -67,6 +84,7 @@ private:
     int fd_;
     bool isSilent_;
     termios settings_;
+    sigset_t mask_; ///< of the process before
     struct sigaction actions_[COUNT];
 };
 
@@ -74,15 +92,17 @@ private:
  * Reads up to the end, or on a terminal up to the end of the line, but little more than @a maxBytes. False
  * with errno set when that fails.
  */
-bool readBytes(int fd, bool isLine, int maxBytes, QByteArray& bytes)
+bool readBytes(int fd, const SilentTerminal* terminal, int maxBytes, QByteArray& bytes)
 {
     const int enough = maxBytes + 3; // one too many, and a line break
-    while (bytes.size() < enough && !(isLine && bytes.endsWith('\n'))) {
+    while (bytes.size() < enough && !(terminal && bytes.endsWith('\n'))) {
+        if (terminal && !terminal->waitForInput())
+            return false;
         char buffer[512];
         const ssize_t count = read(fd, buffer, sizeof(buffer));
         if (count == 0)
             break;
-        if (count < 0 && errno == EINTR && caughtSignal == 0)
+        if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
             return false;
@@ -99,7 +119,7 @@ bool askUser(int fd, int maxBytes, QByteArray& bytes)
         return false;
     const char question[] = "Password: ";
     const ssize_t written = write(STDERR_FILENO, question, sizeof(question) - 1);
-    bool isRead = readBytes(fd, true, maxBytes, bytes) && caughtSignal == 0;
+    bool isRead = readBytes(fd, &terminal, maxBytes, bytes);
     if (isRead && !bytes.endsWith('\n') && bytes.size() <= maxBytes) { // the user ended the input instead
         errno = ECANCELED;
         isRead = false;
@@ -127,7 +147,7 @@ std::optional<QByteArray> readPassword(const std::optional<QString>& path, int m
     const QString source = path ? *path : "standard input";
     const int fd = path ? open(QFile::encodeName(*path).constData(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO;
     QByteArray bytes;
-    const bool isRead = fd >= 0 && (path || !isatty(fd) ? readBytes(fd, false, maxBytes, bytes)
+    const bool isRead = fd >= 0 && (path || !isatty(fd) ? readBytes(fd, nullptr, maxBytes, bytes)
                                                         : askUser(fd, maxBytes, bytes));
     const int error = errno;
     if (path && fd >= 0)
