@@ -336,7 +336,7 @@ void tst_tlvctl_auth::listTellsWhatIsOverTheLimits()
     const Run run = tlvctl({"auth", "list", path()});
     QCOMPARE(run.code, 0);
     QCOMPARE(run.out, "no.   host  port  type   user\n"
-                      "000*              basic  \n" +
+                      "000*              basic\n" +
                           notes);
     QVERIFY(!run.out.contains("273") && !run.out.contains("pppp"));
     const Run shown = tlvctl({"auth", "list", "--show-passwords", path()});
@@ -363,7 +363,7 @@ void tst_tlvctl_auth::listTellsWhatElseIsOdd()
     QCOMPARE(run.out,
              QByteArray("no.   host  port  type   user\n"
                         "000*  a     1     basic  bob\n"
-                        "001*              basic  \n"
+                        "001*              basic\n"
                         "002*  c     http  basic  bob\n"
                         "* 000: element \"login\" instead of \"authInfo\": answered, but not counted; type "
                         "\"Digest\" is none of \"basic\", \"digest\", \"NTLM\": the store answers \"basic\"; "

@@ -204,7 +204,7 @@ void tst_tlvctl_history::listTellsWhatLoadingChanges()
         QByteArray("no.   time              title       address\n"
                    "000   2011/04/12 10:15  Fine        http://0/\n"
                    "001*  2011/04/12 10:14  Other       http://1/\n"
-                   "002*  2011/04/12 10:13  No address  \n"
+                   "002*  2011/04/12 10:13  No address\n"
                    "003*  2011/04/12 10:12  More        http://3/\n"
                    "004*                    When        http://4/\n"
                    "* 001: element \"page\" instead of \"pageInfo\": loading makes it one\n"

@@ -195,15 +195,3 @@ QString AuthList::line(const TVNS_AuthInfo& info)
                        printableBytes(info.user)}
         .join("  ");
 }
-
-std::optional<QString> utf8Text(const QByteArray& bytes)
-{
-    const QString text = QString::fromUtf8(bytes.constData(), bytes.size()); // beyond a zero byte, too
-    return text.toUtf8() == bytes ? std::optional<QString>(text) : std::nullopt;
-}
-
-QString printableBytes(const QByteArray& bytes)
-{
-    const std::optional<QString> text = utf8Text(bytes);
-    return text ? printable(*text) : "base64:" + QString::fromLatin1(bytes.toBase64());
-}

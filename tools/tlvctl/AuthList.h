@@ -72,10 +72,4 @@ private:
     int renumbered_ = 0;
 };
 
-/// Bytes as text where they are UTF-8, and nothing where they are not.
-std::optional<QString> utf8Text(const QByteArray& bytes);
-
-/// Bytes fit for a terminal; those that are no UTF-8 as "base64:" and their base64.
-QString printableBytes(const QByteArray& bytes);
-
 #endif

@@ -23,24 +23,8 @@ void printEntries(const AuthList& list, bool withPasswords)
     QStringList header{"host", "port", "type", "user"};
     if (withPasswords)
         header.append("password");
-    printRecords(list, header, {records.begin(), records.end()}, cells,
+    printRecords(list.count(), header, {records.begin(), records.end()}, cells,
                  remarkAboutNumbers(list.renumbered()));
-}
-
-/// One of the two members is null: the text, unless the bytes are no UTF-8, or else their base64.
-void writeBytes(JsonWriter& json, const char* textMember, const char* base64Member, const QByteArray& bytes)
-{
-    const std::optional<QString> text = utf8Text(bytes);
-    json.member(textMember);
-    if (text)
-        json.string(*text);
-    else
-        json.null();
-    json.member(base64Member);
-    if (text)
-        json.null();
-    else
-        json.string(QString::fromLatin1(bytes.toBase64()));
 }
 
 void writeEntry(JsonWriter& json, const AuthRecord& record, bool withPasswords)

@@ -17,7 +17,8 @@ void printVisits(const HistoryList& list)
         return QStringList{printable(records[i].time), printable(records[i].title),
                            printable(records[i].url)};
     };
-    printRecords(list, {"time", "title", "address"}, {records.begin(), records.end()}, cells, list.remarks());
+    printRecords(list.count(), {"time", "title", "address"}, {records.begin(), records.end()}, cells,
+                 list.remarks());
 }
 
 void writeVisit(JsonWriter& json, const VisitRecord& record)

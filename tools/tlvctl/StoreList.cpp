@@ -58,7 +58,7 @@ int listStore(Store& store, const QCommandLineParser& arguments, const std::func
     return FAILED;
 }
 
-void printRecords(const Store& store, const QStringList& header, const std::vector<ListedRecord>& records,
+void printRecords(int counted, const QStringList& header, const std::vector<ListedRecord>& records,
                   const std::function<QStringList(size_t)>& cells, const QStringList& remarks)
 {
     Table table(QStringList("no.") + header);
@@ -76,10 +76,25 @@ void printRecords(const Store& store, const QStringList& header, const std::vect
     }
     for (const QString& remark : remarks)
         printLine(remark);
-    QString line = QString("records: %1, counted by the store: %2").arg(records.size()).arg(store.count());
+    QString line = QString("records: %1, counted by the store: %2").arg(records.size()).arg(counted);
     if (flawed > 0)
         line += QString(", marked: %1").arg(flawed);
     printLine(line);
+}
+
+void writeBytes(JsonWriter& json, const char* textMember, const char* base64Member, const QByteArray& bytes)
+{
+    const std::optional<QString> text = utf8Text(bytes);
+    json.member(textMember);
+    if (text)
+        json.string(*text);
+    else
+        json.null();
+    json.member(base64Member);
+    if (text)
+        json.null();
+    else
+        json.string(QString::fromLatin1(bytes.toBase64()));
 }
 
 void writeRecord(JsonWriter& json, const ListedRecord& record)

@@ -48,11 +48,18 @@ struct ListedRecord
  * Prints a table, a line for each record that has flaws, the remarks, and how many records there are. The
  * numbers of flawed records are marked with "*".
  *
+ * @param counted how many records the store counts
  * @param header the names of the columns behind that of the number
  * @param cells  those columns of a record, fit for a terminal
  */
-void printRecords(const Store& store, const QStringList& header, const std::vector<ListedRecord>& records,
+void printRecords(int counted, const QStringList& header, const std::vector<ListedRecord>& records,
                   const std::function<QStringList(size_t index)>& cells, const QStringList& remarks);
+
+/**
+ * Writes two members, one of which is null: the text of the bytes, unless they are no UTF-8, or else their
+ * base64.
+ */
+void writeBytes(JsonWriter& json, const char* textMember, const char* base64Member, const QByteArray& bytes);
 
 /// Writes the members "number", "filePosition" and "flaws" of a record's object.
 void writeRecord(JsonWriter& json, const ListedRecord& record);

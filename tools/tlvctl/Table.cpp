@@ -119,14 +119,16 @@ void Table::print() const
     const std::vector<int> widths = terminal ? columnWidths(*terminal) : naturalWidths();
     for (const QStringList& row : rows_) {
         QString line;
+        int padding = 0; // only written in front of a cell that shows something
         for (size_t i = 0; i < widths.size(); ++i) {
             const QString& whole = row.at(static_cast<int>(i));
             const QString cell = terminal ? cutToWidth(whole, widths[i]) : whole;
-            line += cell;
-            if (i + 1 == widths.size())
-                break;
+            if (!cell.isEmpty()) {
+                line += QString(padding, ' ') + cell;
+                padding = 0;
+            }
             const int column = terminal ? widths[i] : std::min(widths[i], WIDEST_PADDING);
-            line += QString(std::max(0, column - displayWidth(cell)) + GAP, ' ');
+            padding += std::max(0, column - displayWidth(cell)) + GAP;
         }
         printLine(line);
     }

@@ -102,3 +102,15 @@ QByteArray jsonString(const QString& text)
     json = json.mid(1, json.size() - 2); // without the brackets of the array
     return replaceCharacters(QString::fromUtf8(json), isUnsafe, jsonEscape).toUtf8();
 }
+
+std::optional<QString> utf8Text(const QByteArray& bytes)
+{
+    const QString text = QString::fromUtf8(bytes.constData(), bytes.size()); // beyond a zero byte, too
+    return text.toUtf8() == bytes ? std::optional<QString>(text) : std::nullopt;
+}
+
+QString printableBytes(const QByteArray& bytes)
+{
+    const std::optional<QString> text = utf8Text(bytes);
+    return text ? printable(*text) : "base64:" + QString::fromLatin1(bytes.toBase64());
+}

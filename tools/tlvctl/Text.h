@@ -4,6 +4,8 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <optional>
+
 /**
  * @file
  * Texts of others (stored ones, file names, arguments) made fit for a terminal. None of them may move the
@@ -19,6 +21,12 @@ QString printable(const QString& text);
 
 /// The printable text in quotation marks; one in the text becomes "\"".
 QString quoted(const QString& text);
+
+/// Bytes as text where they are UTF-8, and nothing where they are not.
+std::optional<QString> utf8Text(const QByteArray& bytes);
+
+/// Bytes fit for a terminal; those that are no UTF-8 as "base64:" and their base64.
+QString printableBytes(const QByteArray& bytes);
 
 /**
  * The text as a string of JSON, in UTF-8, with its quotation marks. What printable() escapes is escaped here

@@ -6,6 +6,7 @@
 #include "tools/tlvctl/AuthCommands.h"
 #include "tools/tlvctl/CommandLine.h"
 #include "tools/tlvctl/Console.h"
+#include "tools/tlvctl/CookieCommands.h"
 #include "tools/tlvctl/FontCommands.h"
 #include "tools/tlvctl/HistoryCommands.h"
 #include "tools/tlvctl/ShowCommand.h"
@@ -39,7 +40,7 @@ Command tool()
                    "wrong usage. Characters of stored texts that a terminal would obey, such as\n"
                    "escape sequences, are shown as \\n, \\t, \\x1B or \\u{202E}, and a backslash as \\\\.";
     tool.examples = {"tlvctl show /data/settings/fontlist.xml", "tlvctl fonts list /data/settings"};
-    tool.commands = {showCommand(), fontCommands(), historyCommands(), authCommands()};
+    tool.commands = {showCommand(), fontCommands(), historyCommands(), authCommands(), cookieCommands()};
     return tool;
 }
 
