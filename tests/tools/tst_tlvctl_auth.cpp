@@ -859,7 +859,7 @@ void tst_tlvctl_auth::removeRefusesAnAbsentNumber()
     const Run run = tlvctl({"auth", "remove", path(), "0", "3"});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.out, QByteArray());
-    QVERIFY(complains(run, filePath(), {"nothing was removed", "no record 003"}));
+    QVERIFY(complains(run, filePath(), {"nothing was changed", "no record 003"}));
     QCOMPARE(readFile(filePath()), threeEntries());
     const Run bad = tlvctl({"auth", "remove", path(), "0", "x"});
     QCOMPARE(bad.code, 2);

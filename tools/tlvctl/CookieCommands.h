@@ -3,6 +3,7 @@
 
 #include "tools/tlvctl/CommandLine.h"
 
+/// "tlvctl cookies": the cookies in both their files.
 Command cookieCommands();
 
 #endif

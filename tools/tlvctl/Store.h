@@ -30,6 +30,9 @@ public:
     /// Has the store save the file. What becomes of it is not checked.
     virtual void save() = 0;
 
+    /// Whether the file holds what save() was to write. Complains where it does not.
+    virtual bool checkSaved() { return file_.checkSaved(root()); }
+
     /// The document in memory. There is one after load().
     virtual TVNC_XMLNode& root() const = 0;
 

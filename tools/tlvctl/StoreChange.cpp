@@ -28,18 +28,25 @@ void printChanges(const Store& store, bool isDryRun, const QStringList& changes)
 bool saveStore(Store& store)
 {
     store.save();
-    return store.file().checkSaved(store.root());
+    return store.checkSaved();
 }
 
-/// A number from 0 on in decimal digits, with or without zeros before it.
-std::optional<int> parseNumber(const QString& text)
+/// Complains and returns false when one of the records is absent.
+bool checkPresent(const Store& store, const std::set<int>& numbers)
 {
-    const bool isPlain = !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar character) {
-        return character >= '0' && character <= '9';
-    });
-    bool isNumber = false;
-    const int number = text.toInt(&isNumber);
-    return isPlain && isNumber ? std::optional<int>(number) : std::nullopt;
+    QSet<int> present;
+    for (TVNC_XMLNode* record : std::as_const(store.root().getXMLNodeChildren()))
+        numberOf(*record, present);
+    for (const int number : numbers) {
+        if (present.contains(number))
+            continue;
+        complain(store.file().path(),
+                 QString("nothing was changed: there is no record %1; see what the command "
+                         "\"list\" shows")
+                     .arg(numberText(number)));
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -63,16 +70,38 @@ int changeStore(Store& store, const QCommandLineParser& arguments,
     const Outcome outcome = change(changes);
     if (outcome == Outcome::REFUSED)
         return FAILED;
-    const bool isDryRun = arguments.isSet(DRY_RUN);
     if (outcome == Outcome::CHANGED) {
-        if (!isDryRun && !saveStore(store))
+        if (!isDryRun(arguments) && !saveStore(store))
             return FAILED;
         if (finish)
             finish(changes);
         changes = store.changesOfLoading() + changes;
     }
-    printChanges(store, isDryRun, changes);
+    printChanges(store, isDryRun(arguments), changes);
     return DONE;
+}
+
+std::optional<int> parseNumber(const QString& text)
+{
+    const bool isPlain = !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar character) {
+        return character >= '0' && character <= '9';
+    });
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isPlain && isNumber ? std::optional<int>(number) : std::nullopt;
+}
+
+std::optional<int> recordNumber(const QString& argument)
+{
+    const std::optional<int> number = parseNumber(argument);
+    if (!number)
+        wrongUsage(QString("%1 is no number of a record").arg(quoted(argument)));
+    return number;
+}
+
+bool isDryRun(const QCommandLineParser& arguments)
+{
+    return arguments.isSet(DRY_RUN);
 }
 
 Argument numbersArgument()
@@ -82,33 +111,31 @@ Argument numbersArgument()
 
 int removeRecords(Store& store, const QCommandLineParser& arguments,
                   const std::function<QString(int number)>& describe,
-                  const std::function<void(int number)>& remove)
+                  const std::function<void(int number)>& remove,
+                  const std::function<void(QStringList& changes)>& finish)
 {
     std::set<int> numbers;
     for (const QString& text : arguments.positionalArguments().mid(1)) {
-        const std::optional<int> number = parseNumber(text);
+        const std::optional<int> number = recordNumber(text);
         if (!number)
-            return wrongUsage(QString("%1 is no number of a record").arg(quoted(text)));
+            return WRONG_USAGE;
         numbers.insert(*number);
     }
-    return changeStore(store, arguments, [&](QStringList& changes) {
-        QSet<int> present;
-        for (TVNC_XMLNode* record : std::as_const(store.root().getXMLNodeChildren()))
-            numberOf(*record, present);
-        for (const int number : numbers) {
-            if (present.contains(number))
-                continue;
-            complain(store.file().path(), QString("nothing was removed: there is no record %1; see what the "
-                                                  "command \"list\" shows")
-                                              .arg(numberText(number)));
+    const auto removeAll = [&](QStringList& changes) {
+        if (!checkPresent(store, numbers))
             return Outcome::REFUSED;
-        }
         for (const int number : numbers)
             changes.append(changeLine("removed", numberText(number), describe(number)));
         // From the back, so that the numbers of those to come stay what they are.
         std::for_each(numbers.rbegin(), numbers.rend(), remove);
         return Outcome::CHANGED;
-    });
+    };
+    return changeStore(store, arguments, removeAll, finish);
+}
+
+bool checkPresent(const Store& store, int number)
+{
+    return checkPresent(store, std::set<int>{number});
 }
 
 QString changeLine(const char* verb, const QString& number, const QString& what)

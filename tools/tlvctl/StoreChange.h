@@ -48,10 +48,24 @@ Argument numbersArgument();
  *
  * @param describe the line that shows the record of a number, which exists, without that number
  * @param remove   has the store remove the record of a number and number the rest anew
+ * @param finish   as for changeStore()
  */
 int removeRecords(Store& store, const QCommandLineParser& arguments,
                   const std::function<QString(int number)>& describe,
-                  const std::function<void(int number)>& remove);
+                  const std::function<void(int number)>& remove,
+                  const std::function<void(QStringList& changes)>& finish = nullptr);
+
+/// A number from 0 on in decimal digits, with or without zeros before it.
+std::optional<int> parseNumber(const QString& text);
+
+/// Reads an argument that is the number of a record. Complains and returns nothing when it is none.
+std::optional<int> recordNumber(const QString& argument);
+
+/// Complains and returns false when the loaded store has no record of this number.
+bool checkPresent(const Store& store, int number);
+
+/// Whether "--dry-run" is given.
+bool isDryRun(const QCommandLineParser& arguments);
 
 /// "removed  003  WHAT", as a line of what has changed.
 QString changeLine(const char* verb, const QString& number, const QString& what);
