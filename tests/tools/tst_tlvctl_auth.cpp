@@ -725,7 +725,7 @@ void tst_tlvctl_auth::addRefusesALongPassword()
         tlvctlReading("", addCommand("h", "80", "bob") + QStringList{"--password-file", path("password")});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.out, QByteArray());
-    QVERIFY(complains(run, path("password"), {"nothing was added", "more than the 272 bytes"}));
+    QVERIFY(complains(run, path("password"), {"nothing was changed", "more than the 272 bytes"}));
     QVERIFY(!run.err.contains("pppp") && !run.err.contains("273"));
     QCOMPARE(readFile(filePath()), threeEntries());
 }

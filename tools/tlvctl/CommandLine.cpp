@@ -207,9 +207,9 @@ Argument directoryArgument(const QString& name)
     return {"DIR", QString("The settings directory, which holds %1.").arg(name), false};
 }
 
-QString pathArgument(const QCommandLineParser& arguments)
+QString pathArgument(const QCommandLineParser& arguments, int index)
 {
-    const QString path = arguments.positionalArguments().first();
+    const QString path = arguments.positionalArguments().at(index);
     // Qt would look for it among the resources inside the program.
     return path.startsWith(':') ? "./" + path : path;
 }

@@ -59,7 +59,7 @@ QCommandLineOption jsonOption();
 /// The argument "DIR", the settings directory that holds the file @a name.
 Argument directoryArgument(const QString& name);
 
-/// The first argument as the path of a file or directory.
-QString pathArgument(const QCommandLineParser& arguments);
+/// An argument as the path of a file or directory.
+QString pathArgument(const QCommandLineParser& arguments, int index = 0);
 
 #endif

@@ -204,7 +204,7 @@ bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool i
 
 int toIni(const QCommandLineParser& arguments)
 {
-    const Conversion conversion(arguments.positionalArguments().at(0), arguments.positionalArguments().at(1));
+    const Conversion conversion(pathArgument(arguments, 0), pathArgument(arguments, 1));
     const bool isForced = arguments.isSet("force");
     if (!conversion.ini().checkDirectory())
         return FAILED;
@@ -240,7 +240,7 @@ int toIni(const QCommandLineParser& arguments)
 
 int fromIni(const QCommandLineParser& arguments)
 {
-    const Conversion conversion(arguments.positionalArguments().at(1), arguments.positionalArguments().at(0));
+    const Conversion conversion(pathArgument(arguments, 1), pathArgument(arguments, 0));
     const bool isForced = arguments.isSet("force");
     if (!conversion.ini().checkDirectory() || !conversion.document().checkDirectory())
         return FAILED;

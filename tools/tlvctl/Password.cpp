@@ -162,7 +162,7 @@ std::optional<QByteArray> readPassword(const std::optional<QString>& path, int m
     if (bytes.size() <= maxBytes)
         return bytes;
     // How long it is stays untold, as everything about it does.
-    complain(source, QString("nothing was added: the password has more than the %1 bytes that the store "
+    complain(source, QString("nothing was changed: the password has more than the %1 bytes that the store "
                              "takes; give a shorter one")
                          .arg(maxBytes));
     return std::nullopt;

@@ -42,6 +42,9 @@ public:
     /// Lines that tell what load() has dropped or changed, which saving makes permanent.
     virtual QStringList changesOfLoading() const { return {}; }
 
+    /// Whether the store has something to show without a file, too.
+    virtual bool hasDefaults() const { return false; }
+
 private:
     StoreFile file_;
 };

@@ -28,7 +28,7 @@ void writeList(const Store& store, const Document& document,
 
 void printList(const Store& store, const Document& document, const std::function<void()>& printText)
 {
-    if (document.state == Document::State::MISSING)
+    if (document.state == Document::State::MISSING && !store.hasDefaults())
         printLine("records: 0, because there is no " + printable(store.file().path()));
     else
         printText();

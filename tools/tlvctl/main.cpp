@@ -10,6 +10,7 @@
 #include "tools/tlvctl/CookieCommands.h"
 #include "tools/tlvctl/FontCommands.h"
 #include "tools/tlvctl/HistoryCommands.h"
+#include "tools/tlvctl/PreferenceCommands.h"
 #include "tools/tlvctl/ShowCommand.h"
 
 #include <QtCore/QFile>
@@ -41,8 +42,8 @@ Command tool()
                    "wrong usage. Characters of stored texts that a terminal would obey, such as\n"
                    "escape sequences, are shown as \\n, \\t, \\x1B or \\u{202E}, and a backslash as \\\\.";
     tool.examples = {"tlvctl show /data/settings/fontlist.xml", "tlvctl fonts list /data/settings"};
-    tool.commands = {showCommand(),     fontCommands(), bookmarkCommands(),
-                     historyCommands(), authCommands(), cookieCommands()};
+    tool.commands = {showCommand(),  fontCommands(),   bookmarkCommands(),  historyCommands(),
+                     authCommands(), cookieCommands(), preferenceCommands()};
     return tool;
 }
 
