@@ -5,6 +5,7 @@
 
 #include "tools/tlvctl/AuthCommands.h"
 #include "tools/tlvctl/BookmarkCommands.h"
+#include "tools/tlvctl/CacheCommands.h"
 #include "tools/tlvctl/CommandLine.h"
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/CookieCommands.h"
@@ -12,6 +13,7 @@
 #include "tools/tlvctl/HistoryCommands.h"
 #include "tools/tlvctl/PreferenceCommands.h"
 #include "tools/tlvctl/ShowCommand.h"
+#include "tools/tlvctl/ThumbnailCommands.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTextCodec>
@@ -42,8 +44,9 @@ Command tool()
                    "wrong usage. Characters of stored texts that a terminal would obey, such as\n"
                    "escape sequences, are shown as \\n, \\t, \\x1B or \\u{202E}, and a backslash as \\\\.";
     tool.examples = {"tlvctl show /data/settings/fontlist.xml", "tlvctl fonts list /data/settings"};
-    tool.commands = {showCommand(),  fontCommands(),   bookmarkCommands(),  historyCommands(),
-                     authCommands(), cookieCommands(), preferenceCommands()};
+    tool.commands = {showCommand(),        fontCommands(),      bookmarkCommands(),
+                     historyCommands(),    authCommands(),      cookieCommands(),
+                     preferenceCommands(), thumbnailCommands(), cacheCommands()};
     return tool;
 }
 
