@@ -1,0 +1,298 @@
+#include "examples/kiosk/Tour.h"
+
+#include "examples/kiosk/BrowserWindow.h"
+
+#include <QtCore/QAbstractItemModel>
+#include <QtCore/QFile>
+#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
+#include <QtGui/QPainter>
+#include <QtWebKit/QWebElement>
+#include <QtWebKitWidgets/QWebFrame>
+#include <QtWebKitWidgets/QWebPage>
+#include <QtWebKitWidgets/QWebView>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QAction>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+
+#include <cstdio>
+
+namespace {
+
+const int POLL_MS = 20;
+const int SETTLED_POLLS = 6;
+const int TIMEOUT_POLLS = 30000 / POLL_MS;
+
+QDialog* openDialog()
+{
+    return qobject_cast<QDialog*>(QApplication::activeModalWidget());
+}
+
+void sendMouse(QWidget& widget, QEvent::Type type, const QPoint& position, Qt::MouseButtons buttons)
+{
+    QMouseEvent event(type, position, Qt::LeftButton, buttons, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+}
+
+/// The first word of a text, and what is behind it.
+std::pair<QString, QString> split(const QString& text)
+{
+    return {text.section(' ', 0, 0), text.section(' ', 1)};
+}
+
+} // namespace
+
+Tour::Tour(BrowserWindow& window) : window_(window)
+{
+    timer_.setInterval(POLL_MS);
+    connect(&timer_, &QTimer::timeout, this, &Tour::poll);
+}
+
+QString Tour::read(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QString("%1: cannot be read: %2; name a file with the steps of a tour")
+            .arg(path, file.errorString());
+    path_ = path;
+    steps_ = QString::fromUtf8(file.readAll()).split('\n');
+    return QString();
+}
+
+void Tour::start()
+{
+    timer_.start();
+}
+
+void Tour::poll()
+{
+    if (waitPolls_ > 0) {
+        --waitPolls_;
+        return;
+    }
+    ++polls_;
+    idlePolls_ = isIdle() ? idlePolls_ + 1 : 0;
+    if (idlePolls_ < SETTLED_POLLS) {
+        if (polls_ > TIMEOUT_POLLS)
+            fail("the step is not done after 30 seconds");
+        return;
+    }
+    idlePolls_ = 0;
+    polls_ = 0;
+    while (next_ < steps_.size()) {
+        const QString step = steps_.at(next_++).trimmed();
+        if (step.isEmpty() || step.startsWith('#'))
+            continue;
+        const QString problem = run(step);
+        if (!problem.isEmpty())
+            fail(problem);
+        return;
+    }
+    timer_.stop();
+    if (openDialog())
+        fail("a dialog is open at the end");
+    else
+        window_.close();
+}
+
+bool Tour::isIdle() const
+{
+    return openDialog() || !window_.isLoading();
+}
+
+void Tour::fail(const QString& problem)
+{
+    timer_.stop();
+    hasFailed_ = true;
+    std::fprintf(stderr, "kiosk: %s:%d: %s\n", qPrintable(path_), next_, qPrintable(problem));
+    std::fprintf(stderr, "kiosk: message line: \"%s\"; to be seen: \"%s\"\n", qPrintable(window_.message()),
+                 qPrintable(visibleTexts().join(" | ").left(500)));
+    if (QDialog* dialog = openDialog())
+        dialog->reject();
+    window_.close();
+}
+
+QString Tour::run(const QString& step)
+{
+    const auto [verb, rest] = split(step);
+    const bool isDialogStep = verb == "login" || verb == "set" || verb == "save" || verb == "cancel" ||
+                              verb == "expect" || verb == "screenshot";
+    if (openDialog() && !isDialogStep)
+        return "a dialog is open";
+    if (verb == "open")
+        window_.openUrl(rest);
+    else if (verb == "click")
+        return click(rest);
+    else if (verb == "type")
+        return type(rest);
+    else if (verb == "press")
+        return press(rest);
+    else if (verb == "bookmark")
+        window_.bookmark();
+    else if (verb == "choose")
+        return choose(rest);
+    else if (verb == "search")
+        window_.findChild<QLineEdit*>("search")->setText(rest);
+    else if (verb == "login")
+        return logIn(rest);
+    else if (verb == "set")
+        return set(rest);
+    else if ((verb == "save" || verb == "cancel") && !openDialog())
+        return "no dialog is open";
+    else if (verb == "save")
+        openDialog()->accept();
+    else if (verb == "cancel")
+        openDialog()->reject();
+    else if (step == "log out")
+        window_.logOut();
+    else if (verb == "expect")
+        return expect(rest);
+    else if (verb == "message")
+        return window_.message().contains(rest) ? QString() : "the message line does not have it";
+    else if (verb == "screenshot")
+        return screenshot(rest);
+    else if (verb == "wait")
+        waitPolls_ = rest.toInt() / POLL_MS;
+    else
+        return QString("there is no step \"%1\"").arg(verb);
+    return QString();
+}
+
+QString Tour::click(const QString& selector)
+{
+    QWebFrame* frame = window_.web().page()->mainFrame();
+    const QWebElement element = frame->findFirstElement(selector);
+    if (element.isNull())
+        return QString("there is no element \"%1\"").arg(selector);
+    frame->setScrollPosition(element.geometry().topLeft() - QPoint(20, 20));
+    const QPoint centre = element.geometry().center() - frame->scrollPosition();
+    sendMouse(window_.web(), QEvent::MouseMove, centre, Qt::NoButton);
+    sendMouse(window_.web(), QEvent::MouseButtonPress, centre, Qt::LeftButton);
+    sendMouse(window_.web(), QEvent::MouseButtonRelease, centre, Qt::NoButton);
+    return QString();
+}
+
+QString Tour::type(const QString& arguments)
+{
+    const auto [selector, text] = split(arguments);
+    const QString problem = click(selector);
+    if (!problem.isEmpty())
+        return problem;
+    for (const QChar c : text) {
+        QKeyEvent pressed(QEvent::KeyPress, c.toUpper().unicode(), Qt::NoModifier, c);
+        QKeyEvent released(QEvent::KeyRelease, c.toUpper().unicode(), Qt::NoModifier, c);
+        QApplication::sendEvent(&window_.web(), &pressed);
+        QApplication::sendEvent(&window_.web(), &released);
+    }
+    return QString();
+}
+
+QString Tour::press(const QString& keys)
+{
+    for (QAction* action : window_.findChildren<QAction*>()) {
+        if (action->shortcut() == QKeySequence(keys) && action->isEnabled()) {
+            action->trigger();
+            return QString();
+        }
+    }
+    return QString("there is no shortcut %1, or not now").arg(keys);
+}
+
+QString Tour::choose(const QString& text)
+{
+    for (QAbstractItemView* view : window_.findChildren<QAbstractItemView*>()) {
+        if (!view->isVisible())
+            continue;
+        for (int column = 0; column < view->model()->columnCount(); ++column) {
+            const QModelIndexList found = view->model()->match(view->model()->index(0, column),
+                                                               Qt::DisplayRole, text, 1, Qt::MatchExactly);
+            if (found.isEmpty())
+                continue;
+            emit view->activated(found.first());
+            return QString();
+        }
+    }
+    return "nothing of that title is shown";
+}
+
+QString Tour::logIn(const QString& arguments)
+{
+    QDialog* dialog = openDialog();
+    auto* user = dialog ? dialog->findChild<QLineEdit*>("user") : nullptr;
+    if (!user)
+        return "nobody asks for a login";
+    user->setText(arguments.section(' ', 0, 0));
+    dialog->findChild<QLineEdit*>("password")->setText(arguments.section(' ', 1));
+    dialog->accept();
+    return QString();
+}
+
+QString Tour::set(const QString& arguments)
+{
+    const auto [name, value] = split(arguments);
+    QWidget* field = openDialog() ? openDialog()->findChild<QWidget*>(name) : nullptr;
+    if (!field)
+        return QString("there is no field \"%1\"").arg(name);
+    if (auto* box = qobject_cast<QCheckBox*>(field)) {
+        box->setChecked(value == "yes");
+    } else if (auto* choice = qobject_cast<QComboBox*>(field)) {
+        if (choice->isEditable())
+            choice->setEditText(value);
+        else if (choice->findText(value) < 0)
+            return QString("there is no choice \"%1\"").arg(value);
+        else
+            choice->setCurrentText(value);
+    } else if (auto* line = qobject_cast<QLineEdit*>(field)) {
+        line->setText(value);
+        line->setModified(true);
+    }
+    return QString();
+}
+
+QString Tour::screenshot(const QString& file)
+{
+    QPixmap picture = window_.grab();
+    if (QDialog* dialog = openDialog()) {
+        QPainter painter(&picture);
+        painter.fillRect(picture.rect(), QColor(0, 0, 0, 70));
+        const QPoint place((picture.width() - dialog->width()) / 2,
+                           (picture.height() - dialog->height()) / 2);
+        painter.drawPixmap(place, dialog->grab());
+    }
+    return picture.save(file, "PNG") ? QString() : QString("%1 cannot be written").arg(file);
+}
+
+QString Tour::expect(const QString& text)
+{
+    for (const QString& shown : visibleTexts()) {
+        if (shown.contains(text))
+            return QString();
+    }
+    return QString("\"%1\" is not to be seen").arg(text);
+}
+
+QStringList Tour::visibleTexts() const
+{
+    QStringList texts;
+    QWidget* top = openDialog();
+    if (!top)
+        top = &window_;
+    for (QLabel* label : top->findChildren<QLabel*>()) {
+        if (label->isVisible())
+            texts.append(label->text());
+    }
+    for (QAbstractItemView* view : top->findChildren<QAbstractItemView*>()) {
+        for (int row = 0; view->isVisible() && row < view->model()->rowCount(); ++row) {
+            for (int column = 0; column < view->model()->columnCount(); ++column)
+                texts.append(view->model()->index(row, column).data().toString());
+        }
+    }
+    if (window_.web().isVisible())
+        texts.append(window_.web().page()->mainFrame()->toPlainText());
+    return texts;
+}

@@ -1,0 +1,78 @@
+#ifndef EXAMPLES_KIOSK_TOUR_H
+#define EXAMPLES_KIOSK_TOUR_H
+
+#include <QtCore/QObject>
+#include <QtCore/QStringList>
+#include <QtCore/QTimer>
+
+class BrowserWindow;
+class QDialog;
+
+/**
+ * Drives the browser through the steps of a text file, one a line, each beginning when the one before is done
+ * and the page is there. It uses what a user would use: addresses, clicks, keys, the dialogs.
+ *
+ *     open URL                 as typed into the address bar
+ *     click SELECTOR           the first element of a CSS selector
+ *     type SELECTOR TEXT       clicks it and types
+ *     press KEYS               a shortcut of the window, such as Ctrl+D
+ *     bookmark                 the page
+ *     choose TEXT              a bookmark or a visit, by its title
+ *     search TEXT              on the history page
+ *     login USER PASSWORD      answers the question for a login
+ *     set NAME VALUE           a field of the settings, which press Ctrl+, opens; yes and no for a switch
+ *     save                     the settings
+ *     cancel                   any dialog
+ *     log out
+ *     expect TEXT              fails unless it is to be seen in the page or the dialog
+ *     message TEXT             fails unless it is in the message line
+ *     screenshot FILE          a PNG of the window
+ *     wait MS                  so many milliseconds
+ *     # ...                    a comment
+ *
+ * The end of the file closes the window.
+ */
+class Tour : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Tour(BrowserWindow& window);
+
+    /// @return why the file cannot be read; empty when it was
+    QString read(const QString& path);
+
+    /// Begins; the window is to be shown by then.
+    void start();
+
+    bool hasFailed() const { return hasFailed_; }
+
+private:
+    void poll();
+    bool isIdle() const;
+
+    // A step returns what is wrong, and nothing when it could be done.
+    QString run(const QString& step);
+    QString click(const QString& selector);
+    QString type(const QString& arguments);
+    QString press(const QString& keys);
+    QString choose(const QString& text);
+    QString logIn(const QString& arguments);
+    QString set(const QString& arguments);
+    QString screenshot(const QString& file);
+    QString expect(const QString& text);
+    QStringList visibleTexts() const;
+    void fail(const QString& problem);
+
+    BrowserWindow& window_;
+    QString path_;
+    QStringList steps_;
+    int next_ = 0;
+    int idlePolls_ = 0;
+    int polls_ = 0;
+    int waitPolls_ = 0; ///< before the next step
+    bool hasFailed_ = false;
+    QTimer timer_;
+};
+
+#endif
