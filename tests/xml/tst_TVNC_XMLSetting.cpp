@@ -7,6 +7,7 @@
 #include <tlvlib/xml/TVNC_XMLSetting.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QPointer>
 
 /// The base has no virtual destructor: only a final class of it may be deleted.
 class Setting final : public TVNC_XMLSetting
@@ -52,6 +53,14 @@ private slots:
     void deletingAllNodesReplacesTheRoot();
     void deletingAllSettingsEmptiesTheRoot();
     void deletingAllSettingsIsLinear();
+    void recordThatGoesBeforeItsTurnIsDeletedOnce();
+    void recordThatIsPutElsewhereGoesAllTheSame();
+    void recordsGoAlsoWhenMemoryIsShort();
+
+    void lookUpFindsTheFirstBearerOfANumber_data();
+    void lookUpFindsTheFirstBearerOfANumber();
+    void lookUpSeesChangesThroughEarlierReferences();
+    void lookUpByAnotherNameIsIndependent();
 
     void rootIsCreatedAnew();
     void grandchildIsTheFirstOfTheFirst();
@@ -451,6 +460,124 @@ void tst_TVNC_XMLSetting::deletingAllSettingsIsLinear()
     fill(300000);
     setting_->deleteAllSetting();
     QCOMPARE(setting_->getXMLNodeCnt(), 0);
+}
+
+void tst_TVNC_XMLSetting::recordThatGoesBeforeItsTurnIsDeletedOnce()
+{
+    fillNumbered(3);
+    QPointer<TVNC_XMLNode> first = root()->getXMLNodeChildByID(0, id_);
+    QPointer<TVNC_XMLNode> second = root()->getXMLNodeChildByID(1, id_);
+    setting_->deleteAllSetting();
+    delete second.data();
+    QVERIFY(!first.isNull());
+    releaseDeferred();
+    QVERIFY(first.isNull());
+}
+
+void tst_TVNC_XMLSetting::recordThatIsPutElsewhereGoesAllTheSame()
+{
+    fillNumbered(3);
+    QPointer<TVNC_XMLNode> record = root()->getXMLNodeChildByID(1, id_);
+    setting_->deleteAllSetting();
+    TVNC_XMLNode other(nullptr, 0);
+    char c_last = 0;
+    other.addXMLNode(record.data(), c_last);
+    QCOMPARE(record->getXMLNodeParent(), &other);
+    releaseDeferred();
+    QVERIFY(record.isNull());
+    QCOMPARE(describe(&other), QString());
+}
+
+void tst_TVNC_XMLSetting::recordsGoAlsoWhenMemoryIsShort()
+{
+    fillNumbered(2);
+    QPointer<TVNC_XMLNode> first = root()->getXMLNodeChildByID(0, id_);
+    QPointer<TVNC_XMLNode> second = root()->getXMLNodeChildByID(1, id_);
+    failingNode = 1;
+    setting_->deleteAllSetting();
+    QCOMPARE(failingNode, 0);
+    QVERIFY(!first.isNull() && !second.isNull() && !first->getXMLNodeParent());
+    releaseDeferred();
+    QVERIFY(first.isNull() && second.isNull());
+}
+
+// Numbered lists are looked up by position. Whatever changes the numbers behind the setting's back must still
+// be seen: every row does so to three records, after which number 2 is where the row says; -1 is nowhere.
+void tst_TVNC_XMLSetting::lookUpFindsTheFirstBearerOfANumber_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<int>("position");
+    QTest::newRow("none") << utf8("none") << 2;
+    QTest::newRow("attributes of a record") << utf8("attributes") << 0;
+    QTest::newRow("set of a record") << utf8("set") << 0;
+    QTest::newRow("record in front") << utf8("front") << 0;
+    QTest::newRow("record behind") << utf8("behind") << 2;
+    QTest::newRow("record gone") << utf8("gone") << 1;
+    QTest::newRow("this record gone") << utf8("this gone") << -1;
+    QTest::newRow("order") << utf8("order") << 1;
+    QTest::newRow("list") << utf8("list") << -1;
+}
+
+void tst_TVNC_XMLSetting::lookUpFindsTheFirstBearerOfANumber()
+{
+    QFETCH(QString, change);
+    QFETCH(int, position);
+    fillNumbered(3);
+    QXmlStreamAttributes two;
+    two.append(id_, utf8("2"));
+    TVNC_XMLNode* const pc_first = root()->getXMLNodeChildByID(0, id_);
+    if (change == utf8("attributes"))
+        pc_first->getAttribute() = two;
+    else if (change == utf8("set"))
+        pc_first->setAttribute(two);
+    else if (change == utf8("front") || change == utf8("behind"))
+        (new TVNC_XMLNode(root(), change == utf8("front") ? 1 : 0))->setAttribute(two);
+    else if (change == utf8("gone"))
+        delete pc_first;
+    else if (change == utf8("this gone"))
+        delete root()->getXMLNodeChildByID(2, id_);
+    else if (change == utf8("order"))
+        root()->getXMLNodeChildren().move(2, 1);
+    else if (change == utf8("list"))
+        delete root()->getXMLNodeChildren().takeLast();
+    TVNC_XMLNode* const pc_found = root()->getXMLNodeChildByID(2, id_);
+    QCOMPARE(pc_found ? static_cast<int>(root()->getXMLNodeChildren().indexOf(pc_found)) : -1, position);
+    // Numbered again, they are in order.
+    setting_->setIDforChildren(id_);
+    QCOMPARE(root()->getXMLNodeChildByID(1, id_), root()->getXMLNodeChildren().at(1));
+    QString name = utf8("r");
+    QVERIFY(setting_->getXMLRootNodeChildCntByName(id_, name) >= 2);
+}
+
+void tst_TVNC_XMLSetting::lookUpSeesChangesThroughEarlierReferences()
+{
+    fill(3);
+    QXmlStreamAttributes& attributes = root()->getXMLNodeChildren().at(0)->getAttribute();
+    setting_->setIDforChildren(id_);
+    TVNC_XMLNode* const pc_first = root()->getXMLNodeChildByID(0, id_);
+    QVERIFY(root()->getXMLNodeChildByID(2, id_) != pc_first);
+    attributes.clear();
+    attributes.append(id_, utf8("002"));
+    QCOMPARE(root()->getXMLNodeChildByID(2, id_), pc_first);
+
+    setting_->createXMLRootNode();
+    fill(3);
+    QList<TVNC_XMLNode*>& children = root()->getXMLNodeChildren();
+    setting_->setIDforChildren(id_);
+    TVNC_XMLNode* const pc_third = root()->getXMLNodeChildByID(2, id_);
+    children.move(2, 0);
+    QCOMPARE(root()->getXMLNodeChildByID(2, id_), pc_third);
+    QCOMPARE(root()->getXMLNodeChildByID(0, id_), children.at(1));
+}
+
+void tst_TVNC_XMLSetting::lookUpByAnotherNameIsIndependent()
+{
+    fillNumbered(3);
+    QString other = utf8("no");
+    QVERIFY(!root()->getXMLNodeChildByID(1, other));
+    setting_->setIDforChildren(other);
+    QVERIFY(!root()->getXMLNodeChildByID(1, id_));
+    QCOMPARE(root()->getXMLNodeChildByID(1, other), root()->getXMLNodeChildren().at(1));
 }
 
 void tst_TVNC_XMLSetting::rootIsCreatedAnew()

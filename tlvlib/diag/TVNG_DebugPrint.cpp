@@ -43,7 +43,10 @@ void writeToSystemLog(const char* fmt, va_list arguments)
 {
     char buffer[SYSTEM_LOG_SIZE + 1];
     std::memset(buffer, 0, sizeof buffer);
-    std::vsnprintf(buffer, SYSTEM_LOG_SIZE, fmt, arguments);
+    if (std::strchr(fmt, '%'))
+        std::vsnprintf(buffer, SYSTEM_LOG_SIZE, fmt, arguments);
+    else // most messages are a text and nothing else
+        std::memcpy(buffer, fmt, strnlen(fmt, SYSTEM_LOG_SIZE - 1));
     unsigned short us_id = 0xFFFF;
     LIBF_WriteSystemLog(1, 1, 255, buffer, &us_id);
 }

@@ -5,6 +5,7 @@
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_quickSort.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
@@ -71,9 +72,65 @@ void setFieldText(TVNC_XMLNode& record, QString& name, QString text)
         pc_field->setText(text);
 }
 
-bool isNewer(const TVNS_History* pc_visit, const TVNS_History* pc_other)
+/// A record on its way through the sort.
+struct Visit
 {
-    return *pc_visit < *pc_other;
+    TVNC_XMLNode* pc_record;
+    QDate date;
+    QTime time;
+};
+
+/// The order of TVNS_History's operator<, without the time zone that a QDateTime finds out about.
+bool isNewer(const Visit* pc_visit, const Visit* pc_other)
+{
+    return pc_visit->date != pc_other->date ? pc_visit->date > pc_other->date
+                                            : pc_visit->time > pc_other->time;
+}
+
+Visit visitOf(TVNC_XMLNode& record)
+{
+    Visit visit = {&record, QDate(), QTime()};
+    TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(names().dateTime);
+    if (!pc_dateTime)
+        return visit;
+    const QString& text = pc_dateTime->getText();
+    if (!TVNG_clockParts(text, names().dateTimeFormat, visit.date, visit.time)) {
+        const QDateTime dateTime = TVNG_clockTime(text, names().dateTimeFormat);
+        visit.date = dateTime.date();
+        visit.time = dateTime.time();
+    }
+    return visit;
+}
+
+/// Whether an element is of this name and has nothing but a text.
+bool isField(TVNC_XMLNode* pc_node, const QString& name)
+{
+    return pc_node && TVNC_NodeAccess::name(*pc_node) == name &&
+           TVNC_NodeAccess::children(*pc_node).isEmpty() && TVNC_NodeAccess::attributes(*pc_node).isEmpty();
+}
+
+/// Whether a record is what addVisit() would make of it, but for text types and the form of the time.
+bool isPlain(TVNC_XMLNode& record)
+{
+    const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(record);
+    return TVNC_NodeAccess::name(record) == names().pageInfo && TVNC_NodeAccess::text(record).isEmpty() &&
+           fields.size() == 3 && isField(fields.at(0), names().title) && isField(fields.at(1), names().url) &&
+           isField(fields.at(2), names().dateTime);
+}
+
+/// Puts a plain record back at the front of the root, as addVisit() would make it anew.
+void putBack(TVNC_XMLNode& root, const Visit& visit)
+{
+    const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(*visit.pc_record);
+    for (int i = 0; i < fields.size(); ++i)
+        fields.at(i)->setTextType(0);
+    QDate date;
+    QTime time;
+    QString& text = TVNC_NodeAccess::text(*fields.at(2));
+    if (!TVNG_clockParts(text, names().dateTimeFormat, date, time))
+        text = TVNG_clockText(TVNG_clockTime(text, names().dateTimeFormat), names().dateTimeFormat);
+    char c_prepend = 1;
+    root.addXMLNode(visit.pc_record, c_prepend);
 }
 
 void logGetHistory()
@@ -84,6 +141,58 @@ void logGetHistory()
 void logSetHistory()
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::setHistory]");
+}
+
+// To the outside, this reads every position with getHistory() and puts every visit back with setHistory(),
+// and the log says so. Both would search or number the whole list each time; what they do to a record is done
+// here without that. Records that were just read from the file, which nobody can know yet, are put back
+// themselves instead of copies of them.
+void sort(TVNC_XMLSetting& history, bool b_fresh)
+{
+    TVNG_DebugPrint(3, "[TVNC_HistorySetting::sortHistory]");
+    if (!history.getXMLRootNode())
+        return;
+
+    const QVector<TVNC_XMLNode*> records = TVNG_recordsByNumber(history, history.getXMLNodeCnt());
+    QVector<Visit> visits;
+    visits.reserve(records.size());
+    for (int i = 0; i < records.size(); ++i) {
+        logGetHistory();
+        if (records.at(i))
+            visits.append(visitOf(*records.at(i)));
+    }
+    QVector<const Visit*> sorted;
+    sorted.reserve(visits.size());
+    for (int i = 0; i < visits.size(); ++i)
+        sorted.append(&visits.at(i));
+    TVNG_quickSort(sorted.begin(), sorted.end(), isNewer);
+
+    QList<TVNC_XMLNode*> fresh;
+    if (b_fresh)
+        fresh = TVNC_NodeAccess::takeChildren(*history.getXMLRootNode());
+    history.deleteAllSetting(); // the records live on until the event loop
+    // Null records, which only a program can have put there, stay and are logged at each numbering.
+    const bool b_numberEach = history.getXMLNodeCnt() > 0;
+    for (int i = static_cast<int>(sorted.size()) - 1; i >= 0; --i) {
+        logSetHistory();
+        TVNC_XMLNode* pc_record = sorted.at(i)->pc_record;
+        if (b_fresh && isPlain(*pc_record)) {
+            putBack(*history.getXMLRootNode(), *sorted.at(i));
+        } else {
+            TVNS_History visit;
+            readVisit(*pc_record, visit);
+            pc_record = addVisit(history, visit);
+        }
+        if (!pc_record)
+            continue;
+        if (b_numberEach)
+            history.setIDforChildren(TVNG_idName());
+        else if (i >= TVNC_RecordNumbers::LIMIT) // it keeps the last number that it had on its way back
+            TVNC_RecordNumbers(TVNG_idName()).give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
+    }
+    for (int i = 0; i < fresh.size(); ++i)
+        TVNG_releaseDetached(fresh.at(i));
+    history.setIDforChildren(TVNG_idName());
 }
 
 } // namespace
@@ -121,7 +230,7 @@ void TVNC_HistorySetting::loadHistory(QString* dir, int si_loadMax)
     QString path = *dir + names().file;
     load(path);
     setIDforChildren(TVNG_idName());
-    sortHistory();
+    sort(*this, true);
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::loadHistory] end");
 }
 
@@ -224,44 +333,7 @@ void TVNC_HistorySetting::deleteHistory(int si_id)
     setIDforChildren(TVNG_idName());
 }
 
-// To the outside, this reads every position with getHistory() and puts every visit back with setHistory(),
-// and the log says so. Both would search or number the whole list each time; what they do to a record is done
-// here without that.
 void TVNC_HistorySetting::sortHistory()
 {
-    TVNG_DebugPrint(3, "[TVNC_HistorySetting::sortHistory]");
-    if (!getXMLRootNode())
-        return;
-
-    const QVector<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getXMLNodeCnt());
-    QVector<TVNS_History> visits;
-    visits.reserve(records.size());
-    for (int i = 0; i < records.size(); ++i) {
-        logGetHistory();
-        if (!records.at(i))
-            continue;
-        visits.append(TVNS_History());
-        readVisit(*records.at(i), visits.last());
-    }
-
-    QVector<const TVNS_History*> sorted;
-    sorted.reserve(visits.size());
-    for (int i = 0; i < visits.size(); ++i)
-        sorted.append(&visits.at(i));
-    TVNG_quickSort(sorted.begin(), sorted.end(), isNewer);
-
-    deleteAllSetting();
-    // Null records, which only a program can have put there, stay and are logged at each numbering.
-    const bool b_numberEach = getXMLNodeCnt() > 0;
-    for (int i = static_cast<int>(sorted.size()) - 1; i >= 0; --i) {
-        logSetHistory();
-        TVNC_XMLNode* pc_record = addVisit(*this, *sorted.at(i));
-        if (!pc_record)
-            continue;
-        if (b_numberEach)
-            setIDforChildren(TVNG_idName());
-        else if (i >= TVNC_RecordNumbers::LIMIT) // it keeps the last number that it had on its way back
-            TVNC_RecordNumbers(TVNG_idName()).give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
-    }
-    setIDforChildren(TVNG_idName());
+    sort(*this, false);
 }

@@ -27,26 +27,57 @@ bool hasForm(const QString& text, const QString& format)
     return true;
 }
 
+/// Puts a number's digits into a text.
+void putDigits(QString& text, int si_from, int si_count, int si_number)
+{
+    QChar* const pc_text = text.data() + si_from;
+    for (int i = si_count - 1; i >= 0; --i) {
+        pc_text[i] = QLatin1Char(static_cast<char>('0' + si_number % 10));
+        si_number /= 10;
+    }
+}
+
 } // namespace
+
+bool TVNG_clockParts(const QString& text, const QString& format, QDate& date, QTime& time)
+{
+    // Years outside the range that every Qt reads have what meaning Qt gives them.
+    if (!hasForm(text, format))
+        return false;
+    const int si_year = digitsAt(text, 0, 4);
+    date = QDate(si_year, digitsAt(text, 5, 2), digitsAt(text, 8, 2));
+    const int si_second = text.size() > 16 ? digitsAt(text, 17, 2) : 0;
+    time = QTime(digitsAt(text, 11, 2), digitsAt(text, 14, 2), si_second);
+    return si_year >= 1000 && si_year <= 7999 && date.isValid() && time.isValid();
+}
 
 QString TVNG_clockText(const QDateTime& dateTime, const QString& format)
 {
+    const QDate date = dateTime.date();
+    const QTime time = dateTime.time();
+    // Qt takes a hundred times as long for the same text.
+    if (date.isValid() && time.isValid() && date.year() >= 1000 && date.year() <= 7999) {
+        QString text = format;
+        putDigits(text, 0, 4, date.year());
+        putDigits(text, 5, 2, date.month());
+        putDigits(text, 8, 2, date.day());
+        putDigits(text, 11, 2, time.hour());
+        putDigits(text, 14, 2, time.minute());
+        if (text.size() > 16)
+            putDigits(text, 17, 2, time.second());
+        return text;
+    }
     // In UTC no time is skipped: asked for its text itself, a QDateTime of Qt 5 with a skipped time has none.
-    return QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).toString(format);
+    return QDateTime(date, time, Qt::UTC).toString(format);
 }
 
 QDateTime TVNG_clockTime(const QString& text, const QString& format)
 {
     // Plain texts are read here, because Qt 5's fromString() refuses the times that a daylight-saving change
-    // skips (and takes its time over the others). Years outside the range that every Qt reads, and every
-    // other text, have what meaning Qt gives them.
-    if (hasForm(text, format)) {
-        const int si_year = digitsAt(text, 0, 4);
-        const QDate date(si_year, digitsAt(text, 5, 2), digitsAt(text, 8, 2));
-        const int si_second = text.size() > 16 ? digitsAt(text, 17, 2) : 0;
-        const QTime time(digitsAt(text, 11, 2), digitsAt(text, 14, 2), si_second);
-        if (si_year >= 1000 && si_year <= 7999 && date.isValid() && time.isValid())
-            return QDateTime(date, time);
-    }
+    // skips (and takes its time over the others).
+    QDate date;
+    QTime time;
+    if (TVNG_clockParts(text, format, date, time))
+        return QDateTime(date, time);
     return QDateTime::fromString(text, format);
 }

@@ -11,6 +11,13 @@
  * not installed.
  */
 
+/**
+ * The date and the time of day in a plain text, without what a time zone would make of them.
+ *
+ * @return false for a text of any other form; TVNG_clockTime() tells what it means, if anything
+ */
+bool TVNG_clockParts(const QString& text, const QString& format, QDate& date, QTime& time);
+
 /// The text of a time as it stands, whatever its zone; empty without a valid date and time.
 QString TVNG_clockText(const QDateTime& dateTime, const QString& format);
 

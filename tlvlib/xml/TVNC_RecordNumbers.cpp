@@ -1,7 +1,8 @@
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
+#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/xml/TVNC_XMLNode.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 
 #include <QtCore/QMutex>
 
@@ -68,22 +69,31 @@ TVNC_RecordNumbers::~TVNC_RecordNumbers()
     sets.mutex.unlock();
 }
 
+QString& TVNC_RecordNumbers::usualName()
+{
+    // Never destroyed, so that it outlives the stores.
+    static QString* const pc_name = new QString(QEXC_TextCodec::fromSJIS("id"));
+    return *pc_name;
+}
+
 void TVNC_RecordNumbers::give(TVNC_XMLNode& record, int si_position)
 {
-    QXmlStreamAttributes& shared = sets.sets[si_position];
-    const QXmlStreamAttributes& own = record.getAttribute();
-    if (!shared.isEmpty() && own.constData() == shared.constData())
+    QXmlStreamAttributes& set = sets.sets[si_position];
+    QXmlStreamAttributes& own = TVNC_NodeAccess::attributes(record);
+    if (!set.isEmpty() && own.constData() == set.constData())
         return;
+    if (set.isEmpty() && isNumbered(own, sets.attributeName, Digits(si_position)))
+        set = own;
+    else
+        own = shared(si_position);
+}
 
-    if (shared.isEmpty()) {
-        const Digits number(si_position);
-        if (isNumbered(own, sets.attributeName, number)) {
-            shared = own;
-            return;
-        }
-        shared.append(sets.attributeName, number.toString());
-    }
-    record.setAttribute(shared);
+const QXmlStreamAttributes& TVNC_RecordNumbers::shared(int si_position)
+{
+    QXmlStreamAttributes& set = sets.sets[si_position];
+    if (set.isEmpty())
+        set.append(sets.attributeName, Digits(si_position).toString());
+    return set;
 }
 
 bool TVNC_RecordNumbers::read(const QXmlStreamAttributes& attributes, const QString& attributeName,

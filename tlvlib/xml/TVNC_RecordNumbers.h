@@ -22,11 +22,18 @@ public:
     /// How many records of a document can have a number.
     static const int LIMIT = 999;
 
+    /// The attribute name of every store, "id".
+    static QString& usualName();
+
     explicit TVNC_RecordNumbers(const QString& attributeName);
     ~TVNC_RecordNumbers();
 
-    /// Makes the number of @a si_position (0 to 998) the record's whole attribute set.
+    /// Makes the number of @a si_position (0 to 998) the record's whole attribute set. The mark of a numbered
+    /// list is the caller's to set; see TVNC_NodeAccess.
     void give(TVNC_XMLNode& record, int si_position);
+
+    /// The attribute set that consists of the number @a si_position (0 to 998).
+    const QXmlStreamAttributes& shared(int si_position);
 
     /**
      * Reads a number from an attribute set, without allocating anything for the numbers that this library

@@ -1,9 +1,11 @@
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
 TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
     : c_TextType(0)
+    , uc_State(0)
     // addXMLNode() sets the parent. Were it set here, addXMLNode() would search all of the parent's children
     // for the new node first, and building a list would cost the square of its length.
     , pc_Parent(nullptr)
@@ -43,16 +45,20 @@ TVNC_XMLNode::~TVNC_XMLNode()
 
 TVNC_XMLNode* TVNC_XMLNode::getXMLNodeParent()
 {
-    return pc_Parent;
+    return pc_Parent && !(pc_Parent->uc_State & HOLDS_DETACHED) ? pc_Parent : nullptr;
 }
 
 QList<TVNC_XMLNode*>& TVNC_XMLNode::getXMLNodeChildren()
 {
+    uc_State = EXPOSED_CHILDREN | (uc_State & EXPOSED_ATTRIBUTES);
     return lst_Children;
 }
 
 QXmlStreamAttributes& TVNC_XMLNode::getAttribute()
 {
+    uc_State |= EXPOSED_ATTRIBUTES;
+    if (pc_Parent)
+        TVNC_NodeAccess::setNumbered(*pc_Parent, false);
     return att_Attributes;
 }
 
@@ -88,6 +94,8 @@ void TVNC_XMLNode::setTextType(char c_textType)
 
 void TVNC_XMLNode::setAttribute(QXmlStreamAttributes& attributes)
 {
+    if (pc_Parent)
+        TVNC_NodeAccess::setNumbered(*pc_Parent, false);
     att_Attributes = attributes;
 }
 
@@ -95,9 +103,13 @@ void TVNC_XMLNode::addXMLNode(TVNC_XMLNode* pc_child, char& c_prepend)
 {
     if (!pc_child)
         return;
-    if (pc_child->pc_Parent)
-        pc_child->pc_Parent->removeXMLNode(pc_child);
+    if (TVNC_XMLNode* pc_earlier = pc_child->pc_Parent) {
+        pc_earlier->removeXMLNode(pc_child);
+        if (pc_earlier->uc_State & HOLDS_DETACHED) // it is to be deleted all the same
+            pc_child->deleteLater();
+    }
     pc_child->pc_Parent = this;
+    TVNC_NodeAccess::setNumbered(*this, false);
     if (c_prepend == 0)
         lst_Children.append(pc_child);
     else
@@ -109,6 +121,7 @@ void TVNC_XMLNode::removeXMLNode(TVNC_XMLNode* pc_child)
     if (!pc_child)
         return;
     pc_child->pc_Parent = nullptr;
+    TVNC_NodeAccess::setNumbered(*this, false);
     lst_Children.removeAll(pc_child);
 }
 
@@ -145,6 +158,9 @@ QList<TVNC_XMLNode*> TVNC_XMLNode::getXMLNodeChildrenByName(QString& name)
 TVNC_XMLNode* TVNC_XMLNode::getXMLNodeChildByID(int si_id, QString& attributeName)
 {
     const QList<TVNC_XMLNode*>& children = lst_Children;
+    if (TVNC_NodeAccess::isNumbered(*this) && si_id >= 0 && si_id < TVNC_RecordNumbers::LIMIT &&
+        attributeName == TVNC_RecordNumbers::usualName())
+        return si_id < children.size() ? children.at(si_id) : nullptr;
     for (int i = 0; i < children.size(); ++i) {
         TVNC_XMLNode* pc_child = children.at(i);
         int si_number = 0;

@@ -111,7 +111,11 @@ public:
 private:
     Q_DISABLE_COPY(TVNC_XMLNode)
 
+    friend struct TVNC_NodeAccess;
+    enum State { NUMBERED = 1, EXPOSED_CHILDREN = 2, EXPOSED_ATTRIBUTES = 4, HOLDS_DETACHED = 8 };
+
     char c_TextType;
+    unsigned char uc_State; ///< in what was padding, so that the layout stays what it was
     TVNC_XMLNode* pc_Parent;
     QList<TVNC_XMLNode*> lst_Children;
     QXmlStreamAttributes att_Attributes;

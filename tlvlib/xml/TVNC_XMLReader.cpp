@@ -2,9 +2,11 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/xml/TVNC_CanonicalReader.h"
 #include "tlvlib/xml/TVNC_XMLInput.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
+#include "tlvlib/xml/TVNG_readFile.h"
 
 #include <QtCore/QFile>
 
@@ -84,7 +86,7 @@ TVNC_XMLReader::TVNC_XMLReader() {}
 
 TVNC_XMLReader::~TVNC_XMLReader() {}
 
-TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
+TVNC_XMLNode* TVNG_readFile(QString& path, TVNC_XMLReader* pc_reader)
 {
     QFile file(path);
     if (!file.exists()) {
@@ -92,12 +94,21 @@ TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
     } else if (!file.open(QIODevice::ReadOnly)) {
         TVNG_DebugPrint(2, "TVNC_XMLReader::read file open error!");
     } else {
-        TVNC_XMLNode* pc_root = read(file);
+        TVNC_XMLNode* pc_root = pc_reader ? nullptr : TVNC_CanonicalReader::read(file);
+        if (!pc_root) {
+            TVNC_XMLReader reader;
+            pc_root = (pc_reader ? pc_reader : &reader)->read(file);
+        }
         file.close();
         if (pc_root)
             return pc_root;
     }
     return new TVNC_XMLNode(nullptr, 0);
+}
+
+TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
+{
+    return TVNG_readFile(path, this);
 }
 
 TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)

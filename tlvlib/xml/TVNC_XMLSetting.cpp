@@ -2,11 +2,11 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
-#include "tlvlib/xml/TVNC_XMLNode.h"
-#include "tlvlib/xml/TVNC_XMLReader.h"
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
+#include "tlvlib/xml/TVNG_readFile.h"
 
 #include <QtCore/QBitArray>
 
@@ -30,8 +30,7 @@ void TVNC_XMLSetting::load(QString& path)
         pc_XMLRootNode->deleteLater();
     // Here and in save(), the texts name the bookmarks whichever store is at work. Log filters rely on them.
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] start");
-    TVNC_XMLReader reader;
-    pc_XMLRootNode = reader.read(path);
+    pc_XMLRootNode = TVNG_readFile(path, nullptr);
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] end");
 }
 
@@ -51,20 +50,28 @@ int TVNC_XMLSetting::getXMLRootNodeChildCntByName(QString& attributeName, QStrin
 {
     if (!pc_XMLRootNode)
         return 0;
-    const QList<TVNC_XMLNode*>& children = pc_XMLRootNode->getXMLNodeChildren();
+    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*pc_XMLRootNode);
     const int si_size = static_cast<int>(children.size());
+    if (si_size <= TVNC_RecordNumbers::LIMIT && TVNC_NodeAccess::isNumbered(*pc_XMLRootNode) &&
+        attributeName == TVNC_RecordNumbers::usualName()) {
+        int si_named = 0;
+        for (int i = 0; i < si_size; ++i)
+            si_named += TVNC_NodeAccess::name(*children.at(i)) == name ? 1 : 0;
+        return si_named;
+    }
     // Only a number's first bearer counts, as in a look-up by number.
     QBitArray taken(si_size);
     int si_count = 0;
     for (int i = 0; i < si_size; ++i) {
         TVNC_XMLNode* pc_child = children.at(i);
         int si_number = 0;
-        if (!pc_child || !TVNC_RecordNumbers::read(pc_child->getAttribute(), attributeName, si_number))
+        if (!pc_child ||
+            !TVNC_RecordNumbers::read(TVNC_NodeAccess::attributes(*pc_child), attributeName, si_number))
             continue;
         if (si_number < 0 || si_number >= si_size || taken.testBit(si_number))
             continue;
         taken.setBit(si_number);
-        if (pc_child->getName() == name)
+        if (TVNC_NodeAccess::name(*pc_child) == name)
             ++si_count;
     }
     return si_count;
@@ -74,18 +81,24 @@ void TVNC_XMLSetting::setIDforChildren(QString& attributeName)
 {
     if (!pc_XMLRootNode)
         return;
-    const QList<TVNC_XMLNode*>& children = pc_XMLRootNode->getXMLNodeChildren();
+    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*pc_XMLRootNode);
     int si_size = static_cast<int>(children.size());
     if (si_size > TVNC_RecordNumbers::LIMIT)
         si_size = TVNC_RecordNumbers::LIMIT;
     TVNC_RecordNumbers numbers(attributeName);
+    bool b_numbered = attributeName == TVNC_RecordNumbers::usualName();
     for (int i = 0; i < si_size; ++i) {
-        if (TVNC_XMLNode* pc_child = children.at(i))
-            numbers.give(*pc_child, i);
-        else
+        TVNC_XMLNode* pc_child = children.at(i);
+        if (!pc_child) {
+            b_numbered = false;
             TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??",
                             TVNG_low32(pc_XMLRootNode));
+            continue;
+        }
+        numbers.give(*pc_child, i);
+        b_numbered = b_numbered && !TVNC_NodeAccess::hasExposedAttributes(*pc_child);
     }
+    TVNC_NodeAccess::setNumbered(*pc_XMLRootNode, b_numbered);
 }
 
 void TVNC_XMLSetting::deleteXMLNodeByID(int si_id, QString& attributeName)
@@ -112,23 +125,17 @@ void TVNC_XMLSetting::deleteAllSetting()
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteRootChildren] 0x%X", TVNG_low32(pc_XMLRootNode));
     if (!pc_XMLRootNode)
         return;
-    // Taking the whole list first makes each removal below independent of the number of records.
-    QList<TVNC_XMLNode*>& children = pc_XMLRootNode->getXMLNodeChildren();
-    const QList<TVNC_XMLNode*> removed = children;
-    children.clear();
-    int si_nulls = 0;
+    const QList<TVNC_XMLNode*> removed = TVNC_NodeAccess::takeChildren(*pc_XMLRootNode);
+    if (removed.isEmpty())
+        return;
     for (int i = 0; i < removed.size(); ++i) {
-        if (TVNC_XMLNode* pc_child = removed.at(i)) {
-            pc_XMLRootNode->removeXMLNode(pc_child);
-            pc_child->deleteLater();
-        } else {
-            TVNG_DebugPrint(1, "[TVNC_XMLSetting::deleteRootChildren] 0x%X Why Pass??",
-                            TVNG_low32(pc_XMLRootNode));
-            ++si_nulls;
-        }
+        if (removed.at(i))
+            continue;
+        TVNG_DebugPrint(1, "[TVNC_XMLSetting::deleteRootChildren] 0x%X Why Pass??",
+                        TVNG_low32(pc_XMLRootNode));
+        TVNC_NodeAccess::children(*pc_XMLRootNode).append(nullptr);
     }
-    for (; si_nulls > 0; --si_nulls)
-        children.append(nullptr);
+    TVNC_NodeAccess::deleteLater(removed, TVNG_newXMLNode(nullptr, 0));
 }
 
 TVNC_XMLNode* TVNC_XMLSetting::addXMLChild(TVNC_XMLNode* pc_parent, QString& name, QString& text,
@@ -181,5 +188,5 @@ TVNC_XMLNode* TVNC_XMLSetting::setElement(TVNC_XMLNode* pc_parent, QString name,
 
 int TVNC_XMLSetting::getXMLNodeCnt()
 {
-    return pc_XMLRootNode ? static_cast<int>(pc_XMLRootNode->getXMLNodeChildren().size()) : 0;
+    return pc_XMLRootNode ? static_cast<int>(TVNC_NodeAccess::children(*pc_XMLRootNode).size()) : 0;
 }

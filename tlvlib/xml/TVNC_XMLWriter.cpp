@@ -1,8 +1,8 @@
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_XMLCharacters.h"
-#include "tlvlib/xml/TVNC_XMLNode.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QVector>
@@ -28,7 +28,7 @@ public:
             return false;
         while (!open_.isEmpty()) {
             Element& element = open_.last();
-            const QList<TVNC_XMLNode*>& children = element.pc_node->getXMLNodeChildren();
+            const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*element.pc_node);
             if (element.si_next == children.size()) {
                 end();
                 continue;
@@ -65,7 +65,7 @@ private:
         open_.append(element);
         format();
         writer_.writeStartElement(pc_node->getName());
-        writeAttributes(pc_node->getAttribute());
+        writeAttributes(TVNC_NodeAccess::attributes(*pc_node));
         writeText(pc_node);
         return true;
     }

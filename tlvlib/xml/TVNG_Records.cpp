@@ -1,13 +1,12 @@
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
 QString& TVNG_idName()
 {
-    // Never destroyed, so that it outlives the stores.
-    static QString* const pc_name = new QString(QEXC_TextCodec::fromSJIS("id"));
-    return *pc_name;
+    return TVNC_RecordNumbers::usualName();
 }
 
 void TVNG_nameRoot(TVNC_XMLNode* pc_root, QString& name)
@@ -53,11 +52,19 @@ QVector<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_cou
     TVNC_XMLNode* pc_root = setting.getXMLRootNode();
     if (!pc_root)
         return records;
-    const QList<TVNC_XMLNode*>& children = pc_root->getXMLNodeChildren();
+    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*pc_root);
+    if (TVNC_NodeAccess::isNumbered(*pc_root)) {
+        const int si_numbered = qMin(static_cast<int>(children.size()), TVNC_RecordNumbers::LIMIT);
+        for (int i = 0; i < si_numbered && i < si_count; ++i)
+            records[i] = children.at(i);
+        if (si_count <= si_numbered)
+            return records;
+    }
     for (int i = 0; i < children.size(); ++i) {
         TVNC_XMLNode* pc_child = children.at(i);
         int si_number = 0;
-        if (!pc_child || !TVNC_RecordNumbers::read(pc_child->getAttribute(), TVNG_idName(), si_number))
+        if (!pc_child ||
+            !TVNC_RecordNumbers::read(TVNC_NodeAccess::attributes(*pc_child), TVNG_idName(), si_number))
             continue;
         if (si_number >= 0 && si_number < si_count && !records.at(si_number))
             records[si_number] = pc_child;

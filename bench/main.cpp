@@ -1,0 +1,46 @@
+/*
+ * Measures the library against the limit that its file format sets and against what else a browser could use.
+ *
+ *     tlvlib_bench JSON_FILE [options of Google Benchmark]
+ */
+
+#include "bench/Rows.h"
+#include "bench/Table.h"
+#include "platform/liblog.h"
+
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QGuiApplication>
+
+#include <cstdio>
+
+// The platform's log takes no time here, and the library's own part of it does.
+int LIBF_WriteSystemLog(int, int, int, const char*, unsigned short*)
+{
+    return 0;
+}
+int LIBF_SetSignalHandler01(int)
+{
+    return 0;
+}
+int LIBF_SetApiSignalInfoNonSave(int)
+{
+    return 0;
+}
+int LIBF_AttachMemory()
+{
+    return 0;
+}
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    const QTemporaryDir scratch;
+    if (argc < 2 || !scratch.isValid()) {
+        std::fprintf(stderr, "usage: tlvlib_bench JSON_FILE [options of Google Benchmark]\n");
+        return 2;
+    }
+    const QString dir = scratch.path() + '/';
+    addLoadAndSave(dir);
+    return runTable(argc - 1, argv + 1, argv[1]);
+}

@@ -1,0 +1,419 @@
+#include "tlvlib/xml/TVNC_CanonicalReader.h"
+
+#include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
+#include "tlvlib/xml/TVNG_newXMLNode.h"
+
+#include <QtCore/QScopedPointer>
+#include <QtCore/QString>
+
+#include <cstring>
+
+namespace {
+
+const char DECLARATION[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const size_t DECLARATION_SIZE = sizeof DECLARATION - 1;
+
+/// Larger documents, which no store writes, are read piece by piece.
+const qint64 MAX_SIZE = 64 * 1024 * 1024;
+
+const char CHARACTER_DATA = 0;
+const char CDATA_SECTION = 1;
+
+bool isNameStart(char c_byte)
+{
+    return (c_byte >= 'a' && c_byte <= 'z') || (c_byte >= 'A' && c_byte <= 'Z') || c_byte == '_';
+}
+
+bool isNameByte(char c_byte)
+{
+    return isNameStart(c_byte) || (c_byte >= '0' && c_byte <= '9') || c_byte == '-' || c_byte == '.';
+}
+
+bool isBlank(char c_byte)
+{
+    return c_byte == ' ' || c_byte == '\n' || c_byte == '\t';
+}
+
+/// Some of the document's bytes.
+struct Span
+{
+    Span() : pc_begin(nullptr), pc_end(nullptr) {}
+    Span(const char* pc_from, const char* pc_to) : pc_begin(pc_from), pc_end(pc_to) {}
+
+    int size() const { return static_cast<int>(pc_end - pc_begin); }
+    bool equals(const QString& text) const
+    {
+        if (text.size() != size())
+            return false;
+        const QChar* const pc_text = text.constData();
+        for (int i = 0; i < size(); ++i) {
+            if (pc_text[i].unicode() != static_cast<uchar>(pc_begin[i]))
+                return false;
+        }
+        return true;
+    }
+
+    const char* pc_begin;
+    const char* pc_end;
+};
+
+/// The text of checked bytes, without room for more.
+QString textOf(const Span& bytes)
+{
+    QString text = QString::fromUtf8(bytes.pc_begin, bytes.size());
+    if (text.size() < bytes.size())
+        text.squeeze();
+    return text;
+}
+
+/// Gives every "pageInfo" and "title" of a document the same shared string. Of two names that fall into the
+/// same slot only the later one is remembered.
+class NamePool
+{
+public:
+    QString& shared(const Span& name)
+    {
+        QString& slot =
+            slots_[(static_cast<unsigned int>(name.size()) * 7u + static_cast<uchar>(*name.pc_begin) * 31u +
+                    static_cast<uchar>(name.pc_end[-1])) %
+                   SLOTS];
+        if (!name.equals(slot))
+            slot = QString::fromLatin1(name.pc_begin, name.size());
+        return slot;
+    }
+
+private:
+    static const unsigned int SLOTS = 32;
+    QString slots_[SLOTS];
+};
+
+/**
+ * One pass over the bytes. Every function returns false at the first thing that is not of the form.
+ */
+class Parser
+{
+public:
+    Parser(const char* pc_first, const char* pc_last)
+        : pc_pos(pc_first), pc_end(pc_last), numbers_(TVNC_RecordNumbers::usualName())
+    {
+    }
+
+    /// Null when the document is not of the form, or memory ran out.
+    TVNC_XMLNode* parse()
+    {
+        if (size() < DECLARATION_SIZE || std::memcmp(pc_pos, DECLARATION, DECLARATION_SIZE) != 0)
+            return nullptr;
+        pc_pos += DECLARATION_SIZE;
+        skipBlanks();
+        QScopedPointer<TVNC_XMLNode> root(startTag(nullptr));
+        if (!root)
+            return nullptr;
+        for (TVNC_XMLNode* pc_node = b_tagEnded_ ? nullptr : root.data(); pc_node;) {
+            if (pc_pos == pc_end)
+                return nullptr;
+            if (*pc_pos != '<') {
+                if (!characterData(*pc_node))
+                    return nullptr;
+            } else if (pc_pos + 1 != pc_end && pc_pos[1] == '/') {
+                if (!endTag(*pc_node))
+                    return nullptr;
+                pc_node = pc_node == root.data() ? nullptr : pc_node->getXMLNodeParent();
+            } else if (pc_pos + 1 != pc_end && pc_pos[1] == '!') {
+                if (!cdataSection(*pc_node))
+                    return nullptr;
+            } else {
+                TVNC_XMLNode* const pc_child = startTag(pc_node);
+                if (!pc_child)
+                    return nullptr;
+                if (!b_tagEnded_)
+                    pc_node = pc_child;
+            }
+        }
+        skipBlanks();
+        return pc_pos == pc_end ? root.take() : nullptr;
+    }
+
+private:
+    size_t size() const { return static_cast<size_t>(pc_end - pc_pos); }
+
+    void skipBlanks()
+    {
+        while (pc_pos != pc_end && isBlank(*pc_pos))
+            ++pc_pos;
+    }
+
+    bool skip(char c_byte)
+    {
+        if (pc_pos == pc_end || *pc_pos != c_byte)
+            return false;
+        ++pc_pos;
+        return true;
+    }
+
+    bool name(Span& name)
+    {
+        if (pc_pos == pc_end || !isNameStart(*pc_pos))
+            return false;
+        name.pc_begin = pc_pos;
+        while (pc_pos != pc_end && isNameByte(*pc_pos))
+            ++pc_pos;
+        name.pc_end = pc_pos;
+        return true;
+    }
+
+    /// Null for a tag of another form, and when memory ran out. b_tagEnded_ tells whether the element is
+    /// empty.
+    TVNC_XMLNode* startTag(TVNC_XMLNode* pc_parent)
+    {
+        Span element;
+        if (!skip('<') || !name(element))
+            return nullptr;
+        TVNC_XMLNode* const pc_node = TVNG_newXMLNode(pc_parent, 0);
+        if (!pc_node)
+            return nullptr;
+        TVNC_NodeAccess::name(*pc_node) = names_.shared(element);
+        if (finishStartTag(*pc_node))
+            return pc_node;
+        if (!pc_parent)
+            delete pc_node;
+        return nullptr;
+    }
+
+    bool finishStartTag(TVNC_XMLNode& node)
+    {
+        while (skip(' ')) {
+            Span attribute;
+            Span value;
+            if (!name(attribute) || !skip('=') || !skip('"') || !attributeValue(value))
+                return false;
+            // Namespaces are the general reader's, and so is an attribute that comes twice.
+            if (attribute.size() >= 3 && std::memcmp(attribute.pc_begin, "xml", 3) == 0)
+                return false;
+            QXmlStreamAttributes& attributes = TVNC_NodeAccess::attributes(node);
+            for (int i = 0; i < attributes.size(); ++i) {
+                if (attributes.at(i).qualifiedName() == names_.shared(attribute))
+                    return false;
+            }
+            if (!attributes.isEmpty() || !giveNumber(node, attribute, value))
+                attributes.append(names_.shared(attribute), textOf(value));
+        }
+        b_tagEnded_ = skip('/');
+        return skip('>');
+    }
+
+    /// An attribute that is a record's number, and the only one so far, has a shared set.
+    bool giveNumber(TVNC_XMLNode& node, const Span& attribute, const Span& value)
+    {
+        if (value.size() != 3 || !attribute.equals(TVNC_RecordNumbers::usualName()))
+            return false;
+        int si_number = 0;
+        for (int i = 0; i < 3; ++i) {
+            const int si_digit = value.pc_begin[i] - '0';
+            if (si_digit < 0 || si_digit > 9)
+                return false;
+            si_number = si_number * 10 + si_digit;
+        }
+        if (si_number >= TVNC_RecordNumbers::LIMIT)
+            return false;
+        TVNC_NodeAccess::attributes(node) = numbers_.shared(si_number);
+        return true;
+    }
+
+    bool attributeValue(Span& value)
+    {
+        value.pc_begin = pc_pos;
+        while (pc_pos != pc_end) {
+            const uchar uc_byte = static_cast<uchar>(*pc_pos);
+            if (uc_byte == '"') {
+                value.pc_end = pc_pos++;
+                return true;
+            }
+            if (uc_byte < 0x20 || uc_byte == '<' || uc_byte == '&')
+                return false;
+            if (uc_byte < 0x80)
+                ++pc_pos;
+            else if (!multibyte())
+                return false;
+        }
+        return false;
+    }
+
+    bool endTag(TVNC_XMLNode& node)
+    {
+        pc_pos += 2;
+        const QString& expected = TVNC_NodeAccess::name(node);
+        if (size() <= static_cast<size_t>(expected.size()) ||
+            !Span(pc_pos, pc_pos + expected.size()).equals(expected))
+            return false;
+        pc_pos += expected.size();
+        return skip('>');
+    }
+
+    /// Everything up to the next tag. The first text of an element that is not blank is its text.
+    bool characterData(TVNC_XMLNode& node)
+    {
+        const char* const pc_begin = pc_pos;
+        bool b_blank = true;
+        bool b_entities = false;
+        while (pc_pos != pc_end && *pc_pos != '<') {
+            const uchar uc_byte = static_cast<uchar>(*pc_pos);
+            if (uc_byte >= 0x80) {
+                if (!multibyte())
+                    return false;
+                b_blank = false;
+                continue;
+            }
+            if (uc_byte > 0x20) {
+                // "]]>" must not stand in a text, and ">" alone need not.
+                if (uc_byte == '>')
+                    return false;
+                b_entities = b_entities || uc_byte == '&';
+                b_blank = false;
+            } else if (!isBlank(*pc_pos)) {
+                return false;
+            }
+            ++pc_pos;
+        }
+        QString& text = TVNC_NodeAccess::text(node);
+        if (b_blank || (!b_entities && !text.isEmpty()))
+            return true;
+        QString found;
+        if (!b_entities)
+            found = textOf(Span(pc_begin, pc_pos));
+        else if (!resolve(pc_begin, pc_pos, found))
+            return false;
+        if (text.isEmpty()) {
+            text = found;
+            node.setTextType(CHARACTER_DATA);
+        }
+        return true;
+    }
+
+    /// Replaces the named entities.
+    static bool resolve(const char* pc_from, const char* pc_to, QString& text)
+    {
+        QByteArray bytes;
+        bytes.reserve(static_cast<int>(pc_to - pc_from));
+        while (pc_from != pc_to) {
+            const void* const pc_found = std::memchr(pc_from, '&', static_cast<size_t>(pc_to - pc_from));
+            const char* const pc_entity = pc_found ? static_cast<const char*>(pc_found) : pc_to;
+            bytes.append(pc_from, static_cast<int>(pc_entity - pc_from));
+            pc_from = pc_entity;
+            if (pc_from == pc_to)
+                break;
+            static const struct
+            {
+                const char* pc_name;
+                char c_meaning;
+            } ENTITIES[] = {{"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
+            bool b_known = false;
+            for (size_t i = 0; i < sizeof ENTITIES / sizeof ENTITIES[0] && !b_known; ++i) {
+                const size_t length = std::strlen(ENTITIES[i].pc_name);
+                b_known = static_cast<size_t>(pc_to - pc_from) >= length &&
+                          std::memcmp(pc_from, ENTITIES[i].pc_name, length) == 0;
+                if (b_known) {
+                    bytes.append(ENTITIES[i].c_meaning);
+                    pc_from += length;
+                }
+            }
+            if (!b_known)
+                return false;
+        }
+        text = textOf(Span(bytes.constData(), bytes.constData() + bytes.size()));
+        return true;
+    }
+
+    bool cdataSection(TVNC_XMLNode& node)
+    {
+        static const char START[] = "<![CDATA[";
+        const size_t start = sizeof START - 1;
+        if (size() < start || std::memcmp(pc_pos, START, start) != 0)
+            return false;
+        pc_pos += start;
+        const char* const pc_begin = pc_pos;
+        bool b_blank = true;
+        for (;;) {
+            if (size() < 3)
+                return false;
+            const uchar uc_byte = static_cast<uchar>(*pc_pos);
+            if (uc_byte >= 0x80) {
+                if (!multibyte())
+                    return false;
+                b_blank = false;
+                continue;
+            }
+            if (uc_byte == ']' && pc_pos[1] == ']' && pc_pos[2] == '>')
+                break;
+            if (uc_byte > 0x20)
+                b_blank = false;
+            else if (!isBlank(*pc_pos))
+                return false;
+            ++pc_pos;
+        }
+        if (b_blank)
+            return false;
+        QString& text = TVNC_NodeAccess::text(node);
+        if (text.isEmpty()) {
+            text = textOf(Span(pc_begin, pc_pos));
+            node.setTextType(CDATA_SECTION);
+        }
+        pc_pos += 3;
+        return true;
+    }
+
+    /// Moves over a character of more than one byte.
+    bool multibyte()
+    {
+        const uchar* const b = reinterpret_cast<const uchar*>(pc_pos);
+        const size_t left = size();
+        const auto isTail = [](uchar uc_byte) { return (uc_byte & 0xC0) == 0x80; };
+        if (b[0] >= 0xC2 && b[0] <= 0xDF && left >= 2 && isTail(b[1])) {
+            pc_pos += 2;
+            return true;
+        }
+        if (b[0] >= 0xE0 && b[0] <= 0xEF && left >= 3 && isTail(b[1]) && isTail(b[2])) {
+            if ((b[0] == 0xE0 && b[1] < 0xA0) || (b[0] == 0xED && b[1] > 0x9F))
+                return false; // too long a form; a surrogate
+            if (b[0] == 0xEF && ((b[1] == 0xBF && b[2] >= 0xBE) || (b[1] == 0xBB && b[2] == 0xBF) ||
+                                 (b[1] == 0xB7 && b[2] >= 0x90 && b[2] <= 0xAF)))
+                return false; // noncharacters; a byte order mark
+            pc_pos += 3;
+            return true;
+        }
+        if (b[0] >= 0xF0 && b[0] <= 0xF4 && left >= 4 && isTail(b[1]) && isTail(b[2]) && isTail(b[3])) {
+            if ((b[0] == 0xF0 && b[1] < 0x90) || (b[0] == 0xF4 && b[1] > 0x8F))
+                return false;
+            if ((b[1] & 0x0F) == 0x0F && b[2] == 0xBF && b[3] >= 0xBE)
+                return false; // the last two of a plane
+            pc_pos += 4;
+            return true;
+        }
+        return false;
+    }
+
+    const char* pc_pos;
+    const char* const pc_end;
+    bool b_tagEnded_ = false;
+    NamePool names_;
+    TVNC_RecordNumbers numbers_;
+};
+
+} // namespace
+
+TVNC_XMLNode* TVNC_CanonicalReader::read(QIODevice& device)
+{
+    if (device.isSequential())
+        return nullptr;
+    const qint64 size = device.size();
+    if (size < static_cast<qint64>(DECLARATION_SIZE) || size > MAX_SIZE)
+        return nullptr;
+    // One more byte: a file that grows meanwhile is read in the other way.
+    const QByteArray bytes = device.read(size + 1);
+    TVNC_XMLNode* pc_root = nullptr;
+    if (bytes.size() == size)
+        pc_root = Parser(bytes.constData(), bytes.constData() + bytes.size()).parse();
+    if (!pc_root)
+        device.seek(0);
+    return pc_root;
+}
