@@ -2,6 +2,7 @@
 
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
+#include "tlvlib/xml/TVNG_canonicalForm.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
 
 #include <QtCore/QScopedPointer>
@@ -11,7 +12,7 @@
 
 namespace {
 
-const char DECLARATION[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const char DECLARATION[] = TVNG_XML_DECLARATION "\n";
 const size_t DECLARATION_SIZE = sizeof DECLARATION - 1;
 
 /// Larger documents, which no store writes, are read piece by piece.
@@ -19,16 +20,6 @@ const qint64 MAX_SIZE = 64 * 1024 * 1024;
 
 const char CHARACTER_DATA = 0;
 const char CDATA_SECTION = 1;
-
-bool isNameStart(char c_byte)
-{
-    return (c_byte >= 'a' && c_byte <= 'z') || (c_byte >= 'A' && c_byte <= 'Z') || c_byte == '_';
-}
-
-bool isNameByte(char c_byte)
-{
-    return isNameStart(c_byte) || (c_byte >= '0' && c_byte <= '9') || c_byte == '-' || c_byte == '.';
-}
 
 bool isBlank(char c_byte)
 {
@@ -153,10 +144,10 @@ private:
 
     bool name(Span& name)
     {
-        if (pc_pos == pc_end || !isNameStart(*pc_pos))
+        if (pc_pos == pc_end || !TVNG_isNameStart(static_cast<uchar>(*pc_pos)))
             return false;
         name.pc_begin = pc_pos;
-        while (pc_pos != pc_end && isNameByte(*pc_pos))
+        while (pc_pos != pc_end && TVNG_isNameCharacter(static_cast<uchar>(*pc_pos)))
             ++pc_pos;
         name.pc_end = pc_pos;
         return true;

@@ -5,8 +5,8 @@
 #include "tlvlib/xml/TVNC_CanonicalReader.h"
 #include "tlvlib/xml/TVNC_XMLInput.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
+#include "tlvlib/xml/TVNG_files.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
-#include "tlvlib/xml/TVNG_readFile.h"
 
 #include <QtCore/QFile>
 

@@ -4,9 +4,8 @@
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
-#include "tlvlib/xml/TVNC_XMLWriter.h"
+#include "tlvlib/xml/TVNG_files.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
-#include "tlvlib/xml/TVNG_readFile.h"
 
 #include <QtCore/QBitArray>
 
@@ -41,8 +40,7 @@ void TVNC_XMLSetting::save(QString& path)
         return;
     }
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::save] start");
-    TVNC_XMLWriter writer;
-    writer.write(path, pc_XMLRootNode);
+    TVNG_writeFile(path, pc_XMLRootNode, nullptr);
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::saveBookmark] end");
 }
 

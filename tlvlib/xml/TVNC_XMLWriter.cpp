@@ -1,8 +1,10 @@
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/xml/TVNC_CanonicalWriter.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_XMLCharacters.h"
+#include "tlvlib/xml/TVNG_files.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QVector>
@@ -120,7 +122,7 @@ TVNC_XMLWriter::TVNC_XMLWriter()
 
 TVNC_XMLWriter::~TVNC_XMLWriter() {}
 
-bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
+bool TVNG_writeFile(QString& path, TVNC_XMLNode* pc_root, TVNC_XMLWriter* pc_writer)
 {
     if (!pc_root)
         return false;
@@ -129,10 +131,21 @@ bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
         TVNG_DebugPrint(2, "TVNC_XMLWriter::write file open error!");
         return false;
     }
-    const bool b_written = write(file, pc_root);
+    if (!pc_writer && TVNC_CanonicalWriter::takes(*pc_root)) {
+        TVNC_CanonicalWriter::write(file, *pc_root);
+        return true;
+    }
+    TVNC_XMLWriter writer;
+    TVNC_XMLWriter& used = pc_writer ? *pc_writer : writer;
+    const bool b_written = used.write(file, pc_root);
     file.close();
-    setDevice(nullptr);
+    used.setDevice(nullptr);
     return b_written;
+}
+
+bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
+{
+    return TVNG_writeFile(path, pc_root, this);
 }
 
 bool TVNC_XMLWriter::write(QIODevice& device, TVNC_XMLNode* pc_root)
