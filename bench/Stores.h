@@ -17,6 +17,10 @@ void release();
 void fillStore(const Format& format, QString dir, const Records& records);
 
 void loadStore(const Format& format, QString dir);
+
+/// Loads a store unless it was last loaded or filled from this directory.
+void holdStore(const Format& format, const QString& dir);
+
 void saveStore(const Format& format, QString dir);
 
 /// All records, one by one, as the store hands them out.

@@ -41,6 +41,11 @@ int main(int argc, char** argv)
         return 2;
     }
     const QString dir = scratch.path() + '/';
+    addGrowth(dir); // first, on a heap that nothing has been done to
     addLoadAndSave(dir);
+    addChanges(dir);
+    addThumbnails(dir);
+    addMemory(dir);
+    addLogging();
     return runTable(argc - 1, argv + 1, argv[1]);
 }

@@ -5,6 +5,7 @@
 
 #include <tlvlib/xml/TVNC_XMLReader.h>
 #include <tlvlib/xml/TVNC_XMLSetting.h>
+#include <tlvlib/xml/TVNC_XMLWriter.h>
 
 /// The base has no virtual destructor: only a final class of it may be deleted.
 class Setting final : public TVNC_XMLSetting
@@ -28,7 +29,11 @@ private slots:
     void sameTreeOfMutatedDocuments_data();
     void sameTreeOfMutatedDocuments();
     void numbersOfOneDocumentAreNotThoseOfAnother();
-    void growingFileIsReadToItsEnd();
+    void sameTreeAcrossPieces_data();
+    void sameTreeAcrossPieces();
+    void longDocumentsAreReadToTheirEnd();
+    void longSectionIsATextLikeAnyOther_data();
+    void longSectionIsATextLikeAnyOther();
     void memoryThatRunsOutIsNoEndOfTheDocument();
 
 private:
@@ -205,9 +210,30 @@ void tst_TVNC_CanonicalReader::numbersOfOneDocumentAreNotThoseOfAnother()
     QCOMPARE(loaded(), utf8("a(b{id=000},b{id=001})"));
 }
 
-void tst_TVNC_CanonicalReader::growingFileIsReadToItsEnd()
+void tst_TVNC_CanonicalReader::sameTreeAcrossPieces_data()
 {
-    // A pipe has no size; it is read all the same.
+    QTest::addColumn<QByteArray>("part");
+    QTest::newRow("record") << QByteArray("\n    <b id=\"001\">x &amp; y</b>");
+    QTest::newRow("UTF-8") << QByteArray("<b>\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80</b>");
+    QTest::newRow("CDATA") << QByteArray("<b><![CDATA[x]]]]></b>");
+    QTest::newRow("empty") << QByteArray("<bcdef g=\"h\"/>");
+}
+
+// Pieces of the file end everywhere in the part, one byte further each time.
+void tst_TVNC_CanonicalReader::sameTreeAcrossPieces()
+{
+    QFETCH(QByteArray, part);
+    for (int si_shift = 0; si_shift <= part.size() + 4; ++si_shift) {
+        const QByteArray head("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a><t>");
+        const int si_filling = 65536 - static_cast<int>(head.size()) - 4 - si_shift;
+        writeFile(path(), head + QByteArray(si_filling, 'x') + "</t>" + part + part + "</a>\n");
+        QCOMPARE(loaded(), read());
+        QVERIFY(loaded().size() > 65000);
+    }
+}
+
+void tst_TVNC_CanonicalReader::longDocumentsAreReadToTheirEnd()
+{
     QByteArray big("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>");
     for (int i = 0; i < 20000; ++i)
         big += "<b>text</b>";
@@ -217,9 +243,78 @@ void tst_TVNC_CanonicalReader::growingFileIsReadToItsEnd()
     QString file = path();
     setting.load(file);
     QCOMPARE(setting.getXMLNodeCnt(), 20000);
-    QString zero = utf8("/dev/zero");
+    const int si_lengths[] = {65535, 65536, 200000, 3000000};
+    for (size_t i = 0; i < sizeof si_lengths / sizeof si_lengths[0]; ++i) {
+        writeFile(path(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a><b>" +
+                              QByteArray(si_lengths[i], 'x') + "</b><c>y</c></a>");
+        setting.load(file);
+        QCOMPARE(static_cast<int>(setting.getXMLRootNode()->getXMLNodeChildren().at(0)->getText().size()),
+                 si_lengths[i]);
+        QCOMPARE(setting.getXMLNodeCnt(), 2);
+    }
+    QString zero = utf8("/dev/zero"); // has no size and no end
     setting.load(zero);
     QCOMPARE(setting.getXMLNodeCnt(), 0);
+}
+
+void tst_TVNC_CanonicalReader::longSectionIsATextLikeAnyOther_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (int si_size = 1022; si_size <= 1027; ++si_size)
+        QTest::newRow(qPrintable(QString::number(si_size))) << QByteArray(si_size, 'x');
+    QTest::newRow("greater than") << QByteArray(2000, 'x') + "]>" + QByteArray(99, '>');
+    QTest::newRow("line breaks") << QByteArray("x\n\t").repeated(700);
+    QTest::newRow("UTF-8") << QByteArray(2000, 'x') + "\xE6\x97\xA5";
+    QTest::newRow("blank at both ends") << ' ' + QByteArray(2000, 'x') + '\n';
+}
+
+// Long sections of ASCII are kept in half the room until somebody asks for them.
+void tst_TVNC_CanonicalReader::longSectionIsATextLikeAnyOther()
+{
+    QFETCH(QByteArray, text);
+    const QByteArray document("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n    <b><![CDATA[" + text +
+                              "]]></b>\n</a>\n");
+    writeFile(path(), document);
+    QString file = path();
+    Setting setting;
+    setting.load(file);
+    // Saved before and after it was looked at, and in the writer's way.
+    QString copy = dir_->path() + utf8("copy.xml");
+    setting.save(copy);
+    QCOMPARE(readFile(copy), document);
+    TVNC_XMLNode* pc_node = setting.getXMLRootNode()->getXMLNodeChildren().at(0);
+    QCOMPARE(pc_node->getText(), QString::fromUtf8(text));
+    QCOMPARE(pc_node->getTextType(), char(1));
+    setting.save(copy);
+    QCOMPARE(readFile(copy), document);
+
+    setting.load(file);
+    TVNC_XMLWriter writer;
+    writer.write(copy, setting.getXMLRootNode());
+    QCOMPARE(readFile(copy), document);
+
+    // Changed without being looked at.
+    setting.load(file);
+    pc_node = setting.getXMLRootNode()->getXMLNodeChildren().at(0);
+    pc_node->setTextType(0);
+    setting.save(copy);
+    setting.load(copy);
+    QCOMPARE(setting.getXMLRootNode()->getXMLNodeChildren().at(0)->getText(), QString::fromUtf8(text));
+    setting.load(file);
+    QString other = utf8("other");
+    pc_node = setting.getXMLRootNode()->getXMLNodeChildren().at(0);
+    pc_node->setText(other);
+    QCOMPARE(pc_node->getText(), other);
+    setting.load(file);
+    pc_node = setting.getXMLRootNode()->getXMLNodeChildren().at(0);
+    pc_node->getText().append(QLatin1Char('!'));
+    QCOMPARE(pc_node->getText(), QString::fromUtf8(text) + QLatin1Char('!'));
+    setting.load(file);
+    pc_node = setting.getXMLRootNode()->getXMLNodeChildren().at(0);
+    makeNode(pc_node, "c");
+    setting.save(copy);
+    writer.write(file, setting.getXMLRootNode());
+    QCOMPARE(readFile(copy), readFile(file));
 }
 
 void tst_TVNC_CanonicalReader::memoryThatRunsOutIsNoEndOfTheDocument()

@@ -59,7 +59,13 @@ const char THUMBNAIL = 2;
 
 QString makeThumbFilePath(QString& path, QString& dir)
 {
-    return dir + names().thumbnailDirectory + path;
+    // In one piece: there may be a thousand, and each stays in memory.
+    QString full;
+    full.reserve(dir.size() + names().thumbnailDirectory.size() + path.size());
+    full += dir;
+    full += names().thumbnailDirectory;
+    full += path;
+    return full;
 }
 
 QString trimThumbFilePath(QString& path, QString&)
@@ -70,9 +76,17 @@ QString trimThumbFilePath(QString& path, QString&)
 /// The number in the name of a picture; 0 when there is none.
 int numberOf(const QString& path)
 {
-    QString digits = path.right(THUMBNAIL_NAME_LENGTH);
-    digits.chop(THUMBNAIL_EXTENSION_LENGTH);
-    return digits.toInt();
+    const int si_from = qMax(0, static_cast<int>(path.size()) - THUMBNAIL_NAME_LENGTH);
+    const int si_count = static_cast<int>(path.size()) - si_from - THUMBNAIL_EXTENSION_LENGTH;
+    // Six digits, as this store writes them, take no memory and no locale. What else is a number, Qt tells.
+    int si_number = 0;
+    for (int i = 0; i < si_count; ++i) {
+        const int si_digit = path.at(si_from + i).unicode() - '0';
+        if (si_digit < 0 || si_digit > 9)
+            return path.mid(si_from, si_count).toInt();
+        si_number = si_number * 10 + si_digit;
+    }
+    return si_number;
 }
 
 } // namespace

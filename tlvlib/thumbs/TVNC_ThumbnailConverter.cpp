@@ -3,7 +3,7 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/xml/TVNC_XMLNode.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 
 #include <QtCore/QFile>
 
@@ -118,8 +118,12 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
         QString path = pngDir + name;
         QByteArray base64;
         encode_base64(path, base64);
-        QString text = TVNG_fromCString(base64.constData());
-        setThumbnail(text, name, pc_root);
+        const QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
+        const int si_before = static_cast<int>(images.size());
+        setThumbnail(noText, name, pc_root);
+        if (images.size() > si_before && !base64.isEmpty())
+            TVNC_NodeAccess::setPackedText(*images.last(), base64.constData(),
+                                           static_cast<int>(base64.size()));
     }
     TVNC_XMLSetting::save(xmlPath);
     TVNC_XMLSetting::deleteAllXMLNode();
@@ -137,7 +141,7 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
     TVNC_XMLNode* pc_root = TVNC_XMLSetting::getXMLRootNode();
     if (!pc_root)
         return;
-    const QList<TVNC_XMLNode*>& images = pc_root->getXMLNodeChildren();
+    const QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
     for (int i = 0; i < images.size(); ++i) {
         TVNC_XMLNode* pc_image = images.at(i);
         if (!pc_image) {
@@ -146,8 +150,11 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
         }
         if (pc_image->getName() != names().image || pc_image->getTextType() != CDATA_SECTION)
             continue;
-        QByteArray base64 = pc_image->getText().toUtf8();
-        QString path = pngDir + pc_image->getAttribute().value(names().src).toString();
+        // A picture's text is packed, unless it is very small or something else.
+        QByteArray base64 = TVNC_NodeAccess::packedText(*pc_image);
+        if (base64.isNull())
+            base64 = pc_image->getText().toUtf8();
+        QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();
         decode_base64(base64, path);
     }
     TVNC_XMLSetting::deleteAllXMLNode();

@@ -15,8 +15,11 @@ namespace {
 const char DECLARATION[] = TVNG_XML_DECLARATION "\n";
 const size_t DECLARATION_SIZE = sizeof DECLARATION - 1;
 
-/// Larger documents, which no store writes, are read piece by piece.
-const qint64 MAX_SIZE = 64 * 1024 * 1024;
+/// Bytes that are read at a time; more for a text that is longer.
+const int PIECE_SIZE = 64 * 1024;
+
+/// CDATA sections from this size on are kept packed.
+const int PACKED_SIZE = 1024;
 
 const char CHARACTER_DATA = 0;
 const char CDATA_SECTION = 1;
@@ -50,12 +53,39 @@ struct Span
 };
 
 /// The text of checked bytes, without room for more.
-QString textOf(const Span& bytes)
+QString textOf(const Span& bytes, bool b_ascii)
 {
+    if (b_ascii)
+        return QString::fromLatin1(bytes.pc_begin, bytes.size());
     QString text = QString::fromUtf8(bytes.pc_begin, bytes.size());
-    if (text.size() < bytes.size())
-        text.squeeze();
+    text.squeeze();
     return text;
+}
+
+/// How many bytes from the front are ASCII that needs no second look: no markup, no control characters.
+size_t plainRun(const char* pc_bytes, size_t size)
+{
+    size_t i = 0;
+    while (i < size) {
+        const uchar uc_byte = static_cast<uchar>(pc_bytes[i]);
+        if (uc_byte < 0x20 || uc_byte >= 0x80 || uc_byte == '<' || uc_byte == '&' || uc_byte == '>')
+            break;
+        ++i;
+    }
+    return i;
+}
+
+/// The same inside a CDATA section, up to a bracket.
+size_t plainCdataRun(const char* pc_bytes, size_t size)
+{
+    size_t i = 0;
+    while (i < size) {
+        const uchar uc_byte = static_cast<uchar>(pc_bytes[i]);
+        if (uc_byte < 0x20 || uc_byte >= 0x80 || uc_byte == ']')
+            break;
+        ++i;
+    }
+    return i;
 }
 
 /// Gives every "pageInfo" and "title" of a document the same shared string. Of two names that fall into the
@@ -80,14 +110,19 @@ private:
 };
 
 /**
- * One pass over the bytes. Every function returns false at the first thing that is not of the form.
+ * One pass over the bytes. Every function returns false at the first thing that is not of the form, and when
+ * the bytes read so far are not enough to tell. In that case b_short_ is set, nothing has been done, and the
+ * function is called again with more bytes, from the same place.
  */
 class Parser
 {
 public:
-    Parser(const char* pc_first, const char* pc_last)
-        : pc_pos(pc_first), pc_end(pc_last), numbers_(TVNC_RecordNumbers::usualName())
+    explicit Parser(QIODevice& device) : device_(device), numbers_(TVNC_RecordNumbers::usualName())
     {
+        buffer_.resize(PIECE_SIZE);
+        pc_pos = buffer_.data();
+        pc_end = pc_pos;
+        readMore(pc_pos);
     }
 
     /// Null when the document is not of the form, or memory ran out.
@@ -97,36 +132,71 @@ public:
             return nullptr;
         pc_pos += DECLARATION_SIZE;
         skipBlanks();
-        QScopedPointer<TVNC_XMLNode> root(startTag(nullptr));
-        if (!root)
-            return nullptr;
-        for (TVNC_XMLNode* pc_node = b_tagEnded_ ? nullptr : root.data(); pc_node;) {
-            if (pc_pos == pc_end)
+        QScopedPointer<TVNC_XMLNode> root;
+        TVNC_XMLNode* pc_node = nullptr; // the element that is open
+        do {
+            const char* const pc_token = pc_pos;
+            b_short_ = false;
+            if (token(root, pc_node))
+                continue;
+            if (!b_short_ || !readMore(pc_token))
                 return nullptr;
-            if (*pc_pos != '<') {
-                if (!characterData(*pc_node))
-                    return nullptr;
-            } else if (pc_pos + 1 != pc_end && pc_pos[1] == '/') {
-                if (!endTag(*pc_node))
-                    return nullptr;
-                pc_node = pc_node == root.data() ? nullptr : pc_node->getXMLNodeParent();
-            } else if (pc_pos + 1 != pc_end && pc_pos[1] == '!') {
-                if (!cdataSection(*pc_node))
-                    return nullptr;
-            } else {
-                TVNC_XMLNode* const pc_child = startTag(pc_node);
-                if (!pc_child)
-                    return nullptr;
-                if (!b_tagEnded_)
-                    pc_node = pc_child;
-            }
-        }
+        } while (!root || pc_node);
         skipBlanks();
+        while (pc_pos == pc_end && readMore(pc_pos))
+            skipBlanks();
         return pc_pos == pc_end ? root.take() : nullptr;
     }
 
 private:
     size_t size() const { return static_cast<size_t>(pc_end - pc_pos); }
+
+    /// Goes back to a place and reads on behind what is there. False at the end of the device.
+    bool readMore(const char* pc_from)
+    {
+        const int si_kept = static_cast<int>(pc_end - pc_from);
+        const int si_from = static_cast<int>(pc_from - buffer_.constData());
+        if (si_kept == buffer_.size())
+            buffer_.resize(2 * si_kept);
+        char* const pc_buffer = buffer_.data();
+        std::memmove(pc_buffer, pc_buffer + si_from, static_cast<size_t>(si_kept));
+        const qint64 count = device_.read(pc_buffer + si_kept, buffer_.size() - si_kept);
+        pc_pos = pc_buffer;
+        pc_end = pc_buffer + si_kept + qMax(count, static_cast<qint64>(0));
+        return count > 0;
+    }
+
+    bool isShort()
+    {
+        b_short_ = true;
+        return false;
+    }
+
+    /// A tag, or a text between two tags.
+    bool token(QScopedPointer<TVNC_XMLNode>& root, TVNC_XMLNode*& pc_node)
+    {
+        if (size() < 2)
+            return isShort();
+        if (!root) {
+            root.reset(startTag(nullptr));
+            pc_node = b_tagEnded_ ? nullptr : root.data();
+            return !root.isNull();
+        }
+        if (*pc_pos != '<')
+            return characterData(*pc_node);
+        if (pc_pos[1] == '!')
+            return cdataSection(*pc_node);
+        if (pc_pos[1] == '/') {
+            if (!endTag(*pc_node))
+                return false;
+            pc_node = pc_node->getXMLNodeParent();
+            return true;
+        }
+        TVNC_XMLNode* const pc_child = startTag(pc_node);
+        if (pc_child && !b_tagEnded_)
+            pc_node = pc_child;
+        return pc_child != nullptr;
+    }
 
     void skipBlanks()
     {
@@ -136,7 +206,9 @@ private:
 
     bool skip(char c_byte)
     {
-        if (pc_pos == pc_end || *pc_pos != c_byte)
+        if (pc_pos == pc_end)
+            return isShort();
+        if (*pc_pos != c_byte)
             return false;
         ++pc_pos;
         return true;
@@ -144,7 +216,9 @@ private:
 
     bool name(Span& name)
     {
-        if (pc_pos == pc_end || !TVNG_isNameStart(static_cast<uchar>(*pc_pos)))
+        if (pc_pos == pc_end)
+            return isShort();
+        if (!TVNG_isNameStart(static_cast<uchar>(*pc_pos)))
             return false;
         name.pc_begin = pc_pos;
         while (pc_pos != pc_end && TVNG_isNameCharacter(static_cast<uchar>(*pc_pos)))
@@ -157,6 +231,11 @@ private:
     /// empty.
     TVNC_XMLNode* startTag(TVNC_XMLNode* pc_parent)
     {
+        // The whole tag, so that no node is made for nothing.
+        if (!std::memchr(pc_pos, '>', size())) {
+            isShort();
+            return nullptr;
+        }
         Span element;
         if (!skip('<') || !name(element))
             return nullptr;
@@ -166,8 +245,7 @@ private:
         TVNC_NodeAccess::name(*pc_node) = names_.shared(element);
         if (finishStartTag(*pc_node))
             return pc_node;
-        if (!pc_parent)
-            delete pc_node;
+        delete pc_node;
         return nullptr;
     }
 
@@ -187,7 +265,7 @@ private:
                     return false;
             }
             if (!attributes.isEmpty() || !giveNumber(node, attribute, value))
-                attributes.append(names_.shared(attribute), textOf(value));
+                attributes.append(names_.shared(attribute), textOf(value, false));
         }
         b_tagEnded_ = skip('/');
         return skip('>');
@@ -227,15 +305,16 @@ private:
             else if (!multibyte())
                 return false;
         }
-        return false;
+        return isShort();
     }
 
     bool endTag(TVNC_XMLNode& node)
     {
         pc_pos += 2;
         const QString& expected = TVNC_NodeAccess::name(node);
-        if (size() <= static_cast<size_t>(expected.size()) ||
-            !Span(pc_pos, pc_pos + expected.size()).equals(expected))
+        if (size() <= static_cast<size_t>(expected.size()))
+            return isShort();
+        if (!Span(pc_pos, pc_pos + expected.size()).equals(expected))
             return false;
         pc_pos += expected.size();
         return skip('>');
@@ -245,44 +324,42 @@ private:
     bool characterData(TVNC_XMLNode& node)
     {
         const char* const pc_begin = pc_pos;
-        bool b_blank = true;
+        skipBlanks(); // most often that is all: the indentation of the next tag
+        if (pc_pos != pc_end && *pc_pos == '<')
+            return true;
+        bool b_ascii = true;
         bool b_entities = false;
-        while (pc_pos != pc_end && *pc_pos != '<') {
+        for (;;) {
+            pc_pos += plainRun(pc_pos, size());
+            if (pc_pos == pc_end)
+                return isShort();
             const uchar uc_byte = static_cast<uchar>(*pc_pos);
+            if (uc_byte == '<')
+                break;
             if (uc_byte >= 0x80) {
+                b_ascii = false;
                 if (!multibyte())
                     return false;
-                b_blank = false;
                 continue;
             }
-            if (uc_byte > 0x20) {
-                // "]]>" must not stand in a text, and ">" alone need not.
-                if (uc_byte == '>')
-                    return false;
-                b_entities = b_entities || uc_byte == '&';
-                b_blank = false;
-            } else if (!isBlank(*pc_pos)) {
+            b_entities = b_entities || uc_byte == '&';
+            // "]]>" must not stand in a text, and ">" alone need not.
+            if (uc_byte != '&' && !isBlank(*pc_pos))
                 return false;
-            }
             ++pc_pos;
         }
-        QString& text = TVNC_NodeAccess::text(node);
-        if (b_blank || (!b_entities && !text.isEmpty()))
-            return true;
         QString found;
-        if (!b_entities)
-            found = textOf(Span(pc_begin, pc_pos));
-        else if (!resolve(pc_begin, pc_pos, found))
+        if (b_entities && !resolve(pc_begin, pc_pos, b_ascii, found))
             return false;
-        if (text.isEmpty()) {
-            text = found;
-            node.setTextType(CHARACTER_DATA);
-        }
+        if (TVNC_NodeAccess::hasText(node))
+            return true;
+        TVNC_NodeAccess::text(node) = b_entities ? found : textOf(Span(pc_begin, pc_pos), b_ascii);
+        node.setTextType(CHARACTER_DATA);
         return true;
     }
 
     /// Replaces the named entities.
-    static bool resolve(const char* pc_from, const char* pc_to, QString& text)
+    static bool resolve(const char* pc_from, const char* pc_to, bool b_ascii, QString& text)
     {
         QByteArray bytes;
         bytes.reserve(static_cast<int>(pc_to - pc_from));
@@ -311,7 +388,7 @@ private:
             if (!b_known)
                 return false;
         }
-        text = textOf(Span(bytes.constData(), bytes.constData() + bytes.size()));
+        text = textOf(Span(bytes.constData(), bytes.constData() + bytes.size()), b_ascii);
         return true;
     }
 
@@ -319,34 +396,42 @@ private:
     {
         static const char START[] = "<![CDATA[";
         const size_t start = sizeof START - 1;
-        if (size() < start || std::memcmp(pc_pos, START, start) != 0)
+        if (size() < start)
+            return isShort();
+        if (std::memcmp(pc_pos, START, start) != 0)
             return false;
         pc_pos += start;
         const char* const pc_begin = pc_pos;
-        bool b_blank = true;
+        bool b_ascii = true;
         for (;;) {
+            pc_pos += plainCdataRun(pc_pos, size());
             if (size() < 3)
-                return false;
-            const uchar uc_byte = static_cast<uchar>(*pc_pos);
-            if (uc_byte >= 0x80) {
+                return isShort();
+            if (static_cast<uchar>(*pc_pos) >= 0x80) {
+                b_ascii = false;
                 if (!multibyte())
                     return false;
-                b_blank = false;
                 continue;
             }
-            if (uc_byte == ']' && pc_pos[1] == ']' && pc_pos[2] == '>')
+            if (*pc_pos == ']' && pc_pos[1] == ']' && pc_pos[2] == '>')
                 break;
-            if (uc_byte > 0x20)
-                b_blank = false;
-            else if (!isBlank(*pc_pos))
+            if (*pc_pos != ']' && !isBlank(*pc_pos))
                 return false;
             ++pc_pos;
         }
-        if (b_blank)
-            return false;
-        QString& text = TVNC_NodeAccess::text(node);
-        if (text.isEmpty()) {
-            text = textOf(Span(pc_begin, pc_pos));
+        const char* pc_first = pc_begin;
+        while (pc_first != pc_pos && isBlank(*pc_first))
+            ++pc_first;
+        if (pc_first == pc_pos)
+            return false; // whether blanks are a text is the general reader's to say
+        const Span section(pc_begin, pc_pos);
+        if (TVNC_NodeAccess::hasText(node)) {
+            // The first one counts.
+        } else if (b_ascii && section.size() >= PACKED_SIZE) {
+            TVNC_NodeAccess::setPackedText(node, section.pc_begin, section.size());
+            node.setTextType(CDATA_SECTION);
+        } else {
+            TVNC_NodeAccess::text(node) = textOf(section, b_ascii);
             node.setTextType(CDATA_SECTION);
         }
         pc_pos += 3;
@@ -358,12 +443,14 @@ private:
     {
         const uchar* const b = reinterpret_cast<const uchar*>(pc_pos);
         const size_t left = size();
+        if (left < 4 && left < (b[0] < 0xE0 ? 2u : b[0] < 0xF0 ? 3u : 4u))
+            return isShort();
         const auto isTail = [](uchar uc_byte) { return (uc_byte & 0xC0) == 0x80; };
-        if (b[0] >= 0xC2 && b[0] <= 0xDF && left >= 2 && isTail(b[1])) {
+        if (b[0] >= 0xC2 && b[0] <= 0xDF && isTail(b[1])) {
             pc_pos += 2;
             return true;
         }
-        if (b[0] >= 0xE0 && b[0] <= 0xEF && left >= 3 && isTail(b[1]) && isTail(b[2])) {
+        if (b[0] >= 0xE0 && b[0] <= 0xEF && isTail(b[1]) && isTail(b[2])) {
             if ((b[0] == 0xE0 && b[1] < 0xA0) || (b[0] == 0xED && b[1] > 0x9F))
                 return false; // too long a form; a surrogate
             if (b[0] == 0xEF && ((b[1] == 0xBF && b[2] >= 0xBE) || (b[1] == 0xBB && b[2] == 0xBF) ||
@@ -372,7 +459,7 @@ private:
             pc_pos += 3;
             return true;
         }
-        if (b[0] >= 0xF0 && b[0] <= 0xF4 && left >= 4 && isTail(b[1]) && isTail(b[2]) && isTail(b[3])) {
+        if (b[0] >= 0xF0 && b[0] <= 0xF4 && isTail(b[1]) && isTail(b[2]) && isTail(b[3])) {
             if ((b[0] == 0xF0 && b[1] < 0x90) || (b[0] == 0xF4 && b[1] > 0x8F))
                 return false;
             if ((b[1] & 0x0F) == 0x0F && b[2] == 0xBF && b[3] >= 0xBE)
@@ -383,8 +470,11 @@ private:
         return false;
     }
 
-    const char* pc_pos;
-    const char* const pc_end;
+    QIODevice& device_;
+    QByteArray buffer_;
+    const char* pc_pos; ///< in the buffer
+    const char* pc_end; ///< behind what was read
+    bool b_short_ = false;
     bool b_tagEnded_ = false;
     NamePool names_;
     TVNC_RecordNumbers numbers_;
@@ -394,16 +484,9 @@ private:
 
 TVNC_XMLNode* TVNC_CanonicalReader::read(QIODevice& device)
 {
-    if (device.isSequential())
+    if (device.isSequential() || device.size() < static_cast<qint64>(DECLARATION_SIZE))
         return nullptr;
-    const qint64 size = device.size();
-    if (size < static_cast<qint64>(DECLARATION_SIZE) || size > MAX_SIZE)
-        return nullptr;
-    // One more byte: a file that grows meanwhile is read in the other way.
-    const QByteArray bytes = device.read(size + 1);
-    TVNC_XMLNode* pc_root = nullptr;
-    if (bytes.size() == size)
-        pc_root = Parser(bytes.constData(), bytes.constData() + bytes.size()).parse();
+    TVNC_XMLNode* const pc_root = Parser(device).parse();
     if (!pc_root)
         device.seek(0);
     return pc_root;

@@ -30,6 +30,14 @@ bool isName(const QString& name)
     return true;
 }
 
+/// Whether bytes of ASCII are written as they are in a CDATA section: neither control characters nor an end.
+bool isPlain(const QByteArray& ascii)
+{
+    if (std::memchr(ascii.constData(), '>', static_cast<size_t>(ascii.size())))
+        return false;
+    return TVNC_XMLCharacters::plainRun(ascii.constData(), static_cast<int>(ascii.size())) == ascii.size();
+}
+
 /// An element whose children are being gone through.
 struct Open
 {
@@ -94,26 +102,27 @@ public:
     {
         literal("<![CDATA[");
         const QChar* const pc_text = text.constData();
-        const int si_size = static_cast<int>(text.size());
-        for (int i = 0; i < si_size;) {
-            if (pc_text[i].unicode() >= 0x80) {
-                i += encodedRun(pc_text + i, si_size - i);
+        int si_from = 0;
+        for (int i = 0;; ++i) {
+            i = static_cast<int>(text.indexOf(QLatin1Char('>'), i));
+            if (i < 0)
+                break;
+            if (i < 2 || pc_text[i - 1] != QLatin1Char(']') || pc_text[i - 2] != QLatin1Char(']'))
                 continue;
-            }
-            int si_run = 0;
-            while (i + si_run < si_size && si_run < PIECE_SIZE && pc_text[i + si_run].unicode() < 0x80 &&
-                   !(pc_text[i + si_run] == QLatin1Char('>') && endsInBrackets(pc_text, i + si_run)))
-                ++si_run;
-            char* const pc_to = room(si_run);
-            for (int j = 0; j < si_run; ++j)
-                pc_to[j] = static_cast<char>(pc_text[i + j].unicode());
-            i += si_run;
-            flushIfFull();
-            if (i < si_size && pc_text[i] == QLatin1Char('>') && endsInBrackets(pc_text, i)) {
-                literal("]]><![CDATA[>");
-                ++i;
-            }
+            // Between the second bracket and the ">", so that neither section has the end in it.
+            encoded(pc_text + si_from, i - si_from);
+            literal("]]><![CDATA[");
+            si_from = i;
         }
+        encoded(pc_text + si_from, static_cast<int>(text.size()) - si_from);
+        literal("]]>");
+    }
+
+    /// A section of plain ASCII that has no end of a section in it.
+    void plainCdata(const QByteArray& ascii)
+    {
+        literal("<![CDATA[");
+        bytes(ascii);
         literal("]]>");
     }
 
@@ -124,13 +133,6 @@ public:
     }
 
 private:
-    /// Whether "]]" stands right before a position.
-    static bool endsInBrackets(const QChar* pc_text, int si_position)
-    {
-        return si_position >= 2 && pc_text[si_position - 1] == QLatin1Char(']') &&
-               pc_text[si_position - 2] == QLatin1Char(']');
-    }
-
     char* room(int si_size)
     {
         const int si_before = static_cast<int>(bytes_.size());
@@ -155,14 +157,31 @@ private:
         return si_run;
     }
 
-    /// Encodes characters from the front that are not ASCII, as Qt does. Returns how many units.
+    /// Encodes characters from the front that are not ASCII. Returns how many units.
     int encodedRun(const QChar* pc_text, int si_size)
     {
         int si_run = 0;
         while (si_run < si_size && pc_text[si_run].unicode() >= 0x80)
             ++si_run;
-        bytes_.append(QString::fromRawData(pc_text, si_run).toUtf8());
+        encoded(pc_text, si_run);
         return si_run;
+    }
+
+    /// Encodes characters as Qt does.
+    void encoded(const QChar* pc_text, int si_size)
+    {
+        bytes(QString::fromRawData(pc_text, si_size).toUtf8());
+    }
+
+    void bytes(const QByteArray& added)
+    {
+        if (added.size() < PIECE_SIZE / 4) {
+            bytes_.append(added);
+            flushIfFull();
+            return;
+        }
+        flush();
+        b_failed_ = b_failed_ || device_.write(added) != added.size();
     }
 
     void sign(char c_sign, bool b_attribute)
@@ -260,6 +279,14 @@ private:
             output_.newLine(static_cast<int>(open_.size()));
         writeStartTag(node);
         const char c_type = node.getTextType();
+        const QByteArray packed = TVNC_NodeAccess::packedText(node);
+        if (!packed.isNull() && c_type == CDATA_SECTION && TVNC_NodeAccess::children(node).isEmpty() &&
+            isPlain(packed)) {
+            output_.literal(">");
+            output_.plainCdata(packed);
+            writeEndTag(node);
+            return false;
+        }
         QString text;
         if (c_type == CHARACTER_DATA || c_type == CDATA_SECTION)
             text = TVNC_XMLCharacters::writable(TVNC_NodeAccess::text(node));

@@ -3,6 +3,10 @@
 
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
+#include <QtCore/QByteArray>
+
+#include <cstring>
+
 /**
  * The library's own way to the parts of a node. Internal to the library; not installed.
  *
@@ -18,7 +22,40 @@ struct TVNC_NodeAccess
     static QList<TVNC_XMLNode*>& children(TVNC_XMLNode& node) { return node.lst_Children; }
     static QXmlStreamAttributes& attributes(TVNC_XMLNode& node) { return node.att_Attributes; }
     static QString& name(TVNC_XMLNode& node) { return node.str_Name; }
-    static QString& text(TVNC_XMLNode& node) { return node.str_Text; }
+
+    static bool hasText(const TVNC_XMLNode& node) { return !node.str_Text.isEmpty(); }
+
+    /// The text; of a packed one, what it is then for good.
+    static QString& text(TVNC_XMLNode& node)
+    {
+        if (node.uc_State & TVNC_XMLNode::PACKED_TEXT) {
+            const QByteArray bytes = packedText(node);
+            QString text = QString::fromLatin1(bytes.constData(), static_cast<int>(bytes.size()));
+            node.setText(text);
+        }
+        return node.str_Text;
+    }
+
+    /**
+     * Long texts of ASCII, such as a picture's, are packed: two characters in the room of one, until somebody
+     * asks for the text. The room's first unit tells whether the last one is half full.
+     */
+    static void setPackedText(TVNC_XMLNode& node, const char* pc_ascii, int si_size)
+    {
+        QString room(1 + (si_size + 1) / 2, QChar(static_cast<ushort>(si_size % 2)));
+        std::memcpy(room.data() + 1, pc_ascii, static_cast<size_t>(si_size));
+        node.setText(room);
+        node.uc_State |= TVNC_XMLNode::PACKED_TEXT;
+    }
+
+    /// The bytes of a packed text, as long as the node keeps it; a null array for any other.
+    static QByteArray packedText(const TVNC_XMLNode& node)
+    {
+        if (!(node.uc_State & TVNC_XMLNode::PACKED_TEXT))
+            return QByteArray();
+        const int si_size = 2 * (static_cast<int>(node.str_Text.size()) - 1) - node.str_Text.at(0).unicode();
+        return QByteArray::fromRawData(reinterpret_cast<const char*>(node.str_Text.constData() + 1), si_size);
+    }
 
     /// Whether anybody may change the attributes without notice.
     static bool hasExposedAttributes(const TVNC_XMLNode& node)

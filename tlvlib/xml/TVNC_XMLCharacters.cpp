@@ -74,13 +74,38 @@ bool isNoncharacter(const uchar* pc_bytes, int si_length)
 
 } // namespace
 
+int TVNC_XMLCharacters::plainRun(const QChar* pc_text, int si_size)
+{
+    // Four units at a time: each below 0x80, and none below 0x20.
+    const quint64 high = Q_UINT64_C(0x8000800080008000);
+    int i = 0;
+    for (; i + 4 <= si_size; i += 4) {
+        quint64 word;
+        std::memcpy(&word, pc_text + i, sizeof word);
+        const bool b_ascii = (word & Q_UINT64_C(0xFF80FF80FF80FF80)) == 0;
+        if (!b_ascii || (((word | high) - Q_UINT64_C(0x0020002000200020)) & high) != high)
+            break;
+    }
+    return i;
+}
+
+int TVNC_XMLCharacters::plainRun(const char* pc_bytes, int si_size)
+{
+    int i = 0;
+    while (i + 8 <= si_size && arePlain(pc_bytes + i))
+        i += 8;
+    while (i < si_size && static_cast<uchar>(pc_bytes[i]) >= 0x20 && static_cast<uchar>(pc_bytes[i]) < 0x80)
+        ++i;
+    return i;
+}
+
 QString TVNC_XMLCharacters::writable(const QString& text)
 {
     const QChar* const pc_text = text.constData();
     const int si_size = static_cast<int>(text.size());
     QString clean;
     int si_kept = 0; // all before this position is in clean
-    for (int i = 0; i < si_size; ++i) {
+    for (int i = plainRun(pc_text, si_size); i < si_size; ++i) {
         const QChar unit = pc_text[i];
         if (unit.isHighSurrogate() && i + 1 < si_size && pc_text[i + 1].isLowSurrogate()) {
             ++i;

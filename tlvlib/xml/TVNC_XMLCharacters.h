@@ -15,6 +15,12 @@ public:
     /// The text without what XML cannot hold. Almost every text comes back as it is, shared.
     static QString writable(const QString& text);
 
+    /// How many units from the front are printable ASCII and blanks, to within three.
+    static int plainRun(const QChar* pc_text, int si_size);
+
+    /// The same for bytes, exactly.
+    static int plainRun(const char* pc_bytes, int si_size);
+
     /// What a look at a piece of a document found.
     struct Check
     {

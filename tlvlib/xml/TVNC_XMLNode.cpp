@@ -50,7 +50,8 @@ TVNC_XMLNode* TVNC_XMLNode::getXMLNodeParent()
 
 QList<TVNC_XMLNode*>& TVNC_XMLNode::getXMLNodeChildren()
 {
-    uc_State = EXPOSED_CHILDREN | (uc_State & EXPOSED_ATTRIBUTES);
+    TVNC_NodeAccess::setNumbered(*this, false);
+    uc_State |= EXPOSED_CHILDREN;
     return lst_Children;
 }
 
@@ -69,7 +70,7 @@ QString& TVNC_XMLNode::getName()
 
 QString& TVNC_XMLNode::getText()
 {
-    return str_Text;
+    return TVNC_NodeAccess::text(*this);
 }
 
 char TVNC_XMLNode::getTextType()
@@ -84,6 +85,7 @@ void TVNC_XMLNode::setName(QString& name)
 
 void TVNC_XMLNode::setText(QString& text)
 {
+    uc_State &= static_cast<unsigned char>(~PACKED_TEXT);
     str_Text = text;
 }
 

@@ -112,7 +112,13 @@ private:
     Q_DISABLE_COPY(TVNC_XMLNode)
 
     friend struct TVNC_NodeAccess;
-    enum State { NUMBERED = 1, EXPOSED_CHILDREN = 2, EXPOSED_ATTRIBUTES = 4, HOLDS_DETACHED = 8 };
+    enum State {
+        NUMBERED = 1,
+        EXPOSED_CHILDREN = 2,
+        EXPOSED_ATTRIBUTES = 4,
+        HOLDS_DETACHED = 8,
+        PACKED_TEXT = 16
+    };
 
     char c_TextType;
     unsigned char uc_State; ///< in what was padding, so that the layout stays what it was

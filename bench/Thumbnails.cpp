@@ -1,0 +1,133 @@
+#include "bench/Rows.h"
+#include "bench/Stores.h"
+#include "bench/Table.h"
+
+#include <tlvlib/thumbs/TVNC_ThumbnailConverter.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
+#include <cstdio>
+
+#include <malloc.h>
+
+namespace {
+
+const int COUNT = 500;
+const int SIZE = 20 * 1024;
+
+QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeAll(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(bytes);
+}
+
+/// Reads, encodes and writes the same bytes into one file, with no more around them than it takes.
+void packBare(const QString& dir, const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    for (const QString& name : QDir(dir).entryList({"*.png"}, QDir::Files, QDir::Name | QDir::Reversed)) {
+        file.write("    <image src=\"" + name.toUtf8() + "\"><![CDATA[");
+        file.write(readAll(dir + name).toBase64());
+        file.write("]]></image>\n");
+    }
+}
+
+void unpackBare(const QString& path, const QString& dir)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine();
+        const int start = line.indexOf("<![CDATA[") + 9;
+        const int name = line.indexOf("src=\"") + 5;
+        if (start < 9 || name < 5)
+            continue;
+        writeAll(dir + QString::fromUtf8(line.mid(name, line.indexOf('"', name) - name)),
+                 QByteArray::fromBase64(line.mid(start, line.indexOf("]]>") - start)));
+    }
+}
+
+void pack(QByteArray dir, QByteArray path)
+{
+    TVNC_ThumbnailConverter::getInstance()->convertThumbnailPngToXML(dir.data(), path.data());
+}
+
+void unpack(QByteArray path, QByteArray dir)
+{
+    TVNC_ThumbnailConverter::getInstance()->convertThumbnailXMLToPng(path.data(), dir.data());
+}
+
+/// Resident kilobytes: now ("VmRSS"), or the most since forgetPeak() ("VmHWM").
+long resident(const char* field)
+{
+    for (const QByteArray& line : readAll("/proc/self/status").split('\n')) {
+        if (line.startsWith(field))
+            return line.mid(static_cast<int>(qstrlen(field)) + 1).simplified().split(' ').first().toLong();
+    }
+    return 0;
+}
+
+void forgetPeak()
+{
+    writeAll("/proc/self/clear_refs", "5");
+}
+
+template <typename Call>
+double peakOf(Call call)
+{
+    release();
+    malloc_trim(0);
+    const long before = resident("VmRSS");
+    forgetPeak();
+    call();
+    const double ratio = static_cast<double>(resident("VmHWM") - before) * 1024 / (COUNT * SIZE);
+    release();
+    return ratio;
+}
+
+} // namespace
+
+void addThumbnails(const QString& parent)
+{
+    const QString dir = parent + "pictures/";
+    const QString target = parent + "unpacked/";
+    const QString path = parent + "pack.xml";
+    QDir().mkpath(dir);
+    QDir().mkpath(target);
+    QByteArray bytes(SIZE, Qt::Uninitialized);
+    for (int i = 0; i < COUNT; ++i) {
+        for (int j = 0; j < SIZE; ++j)
+            bytes[j] = static_cast<char>((i * 7919 + j * j * 31 + (j >> 3)) & 0xFF);
+        writeAll(dir + QString("%1.png").arg(i, 6, 10, QChar('0')), bytes);
+    }
+
+    std::string row = "pack 500 pictures of 20 KB";
+    addWork(row, "bare", {[dir, path] { packBare(dir, path); }, {}});
+    addWork(row, "tlvlib", {[dir, path] { pack(dir.toLatin1(), path.toLatin1()); }, release});
+    addTarget(row, 1.3);
+    pack(dir.toLatin1(), path.toLatin1());
+    const QString kept = parent + "kept.xml";
+    QFile::copy(path, kept);
+    row = "unpack 500 pictures of 20 KB";
+    addWork(row, "bare", {[kept, target] { unpackBare(kept, target); }, {}});
+    addWork(row, "tlvlib", {[kept, target] { unpack(kept.toLatin1(), target.toLatin1()); }, release});
+    addTarget(row, 1.3);
+
+    row = "peak memory of pack, of the pictures' bytes";
+    addRatio(row, "tlvlib", peakOf([&] { pack(dir.toLatin1(), path.toLatin1()); }));
+    addTarget(row, 3);
+    row = "peak memory of unpack, of the pictures' bytes";
+    addRatio(row, "tlvlib", peakOf([&] { unpack(kept.toLatin1(), target.toLatin1()); }));
+    addTarget(row, 3);
+}
