@@ -37,6 +37,8 @@ bool isNumbered(const QXmlStreamAttributes& attributes, const QString& name, con
 
 } // namespace
 
+const int TVNC_RecordNumbers::LIMIT; // for those that take a reference to it
+
 struct TVNC_RecordNumbers::SharedSets
 {
     QMutex mutex;

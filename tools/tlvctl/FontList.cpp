@@ -86,3 +86,21 @@ QString FontList::line(const std::optional<int>& number, const QString& name)
 {
     return numberText(number) + "  " + printable(name);
 }
+
+QString FontList::explanation(FontFlaw flaw, const FontRecord& record)
+{
+    switch (flaw) {
+    case FontFlaw::NO_NUMBER:
+        return "has no number: cannot be asked for";
+    case FontFlaw::TOO_LONG:
+        return QString("name of %1 bytes, over %2: the store answers an empty one")
+            .arg(utf8Size(record.name))
+            .arg(NAME_MAX_BYTES);
+    case FontFlaw::EMPTY:
+        return "has no name";
+    case FontFlaw::OTHER_ELEMENT:
+        return QString("element \"%1\" instead of \"font\": answered, but not counted")
+            .arg(printable(record.element));
+    }
+    return QString();
+}

@@ -56,6 +56,9 @@ public:
     /// Why a name cannot be a font's, to follow "the name"; empty when it can.
     static QString problemWithName(const QString& name);
 
+    /// What a flaw means, fit for a terminal.
+    static QString explanation(FontFlaw flaw, const FontRecord& record);
+
     /// The line that shows a font to the user: "007  Sans", with dashes where there is no number.
     static QString line(const std::optional<int>& number, const QString& name);
 

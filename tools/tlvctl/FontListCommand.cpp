@@ -26,29 +26,11 @@ QString nameOf(FontFlaw flaw)
     return QString();
 }
 
-QString explain(FontFlaw flaw, const FontRecord& record)
-{
-    switch (flaw) {
-    case FontFlaw::NO_NUMBER:
-        return "has no number: cannot be asked for";
-    case FontFlaw::TOO_LONG:
-        return QString("name of %1 bytes, over %2: the store answers an empty one")
-            .arg(utf8Size(record.name))
-            .arg(FontList::NAME_MAX_BYTES);
-    case FontFlaw::EMPTY:
-        return "has no name";
-    case FontFlaw::OTHER_ELEMENT:
-        return QString("element \"%1\" instead of \"font\": answered, but not counted")
-            .arg(printable(record.element));
-    }
-    return QString();
-}
-
 void printRecord(const FontRecord& record)
 {
     QStringList explanations;
     for (FontFlaw flaw : record.flaws)
-        explanations.append(explain(flaw, record));
+        explanations.append(FontList::explanation(flaw, record));
     QString line = FontList::line(record.number, record.name);
     if (!explanations.isEmpty())
         line += "  (" + explanations.join("; ") + ')';

@@ -6,6 +6,7 @@
 #include "tools/tlvctl/AuthCommands.h"
 #include "tools/tlvctl/BookmarkCommands.h"
 #include "tools/tlvctl/CacheCommands.h"
+#include "tools/tlvctl/CheckCommand.h"
 #include "tools/tlvctl/CommandLine.h"
 #include "tools/tlvctl/Console.h"
 #include "tools/tlvctl/CookieCommands.h"
@@ -44,9 +45,9 @@ Command tool()
                    "wrong usage. Characters of stored texts that a terminal would obey, such as\n"
                    "escape sequences, are shown as \\n, \\t, \\x1B or \\u{202E}, and a backslash as \\\\.";
     tool.examples = {"tlvctl show /data/settings/fontlist.xml", "tlvctl fonts list /data/settings"};
-    tool.commands = {showCommand(),        fontCommands(),      bookmarkCommands(),
-                     historyCommands(),    authCommands(),      cookieCommands(),
-                     preferenceCommands(), thumbnailCommands(), cacheCommands()};
+    tool.commands = {showCommand(),       checkCommand(), fontCommands(),   bookmarkCommands(),
+                     historyCommands(),   authCommands(), cookieCommands(), preferenceCommands(),
+                     thumbnailCommands(), cacheCommands()};
     return tool;
 }
 
