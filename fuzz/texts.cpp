@@ -24,11 +24,11 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     }
 
     const QString unicode = QString::fromUtf8(bytes);
+    const QString unmarked = QString::fromUtf8(unicode.toUtf8()); // without a byte order mark in front
     for (int max : {1, 2, 3, 7, 100}) {
         const QString clipped = TVNC_BookmarksSetting::getInstance()->ClipString(unicode, max);
         MUST(clipped.toUtf8().size() <= max);
-        MUST(unicode.startsWith(clipped) || unicode.contains(QChar(0xFFFD)) ||
-             !unicode.toUtf8().contains(clipped.toUtf8()) || unicode.toUtf8().startsWith(clipped.toUtf8()));
+        MUST(unmarked.startsWith(clipped));
     }
     return 0;
 }

@@ -180,7 +180,7 @@ public:
 
     /**
      * As many characters from the front of a text as fit into @a si_maxBytes bytes of UTF-8. Nothing is
-     * appended. A maximum below 1 gives the whole text.
+     * appended. A byte order mark in front goes. A maximum below 1 gives the whole text.
      */
     QString ClipString(const QString& text, int si_maxBytes);
 
