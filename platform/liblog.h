@@ -23,7 +23,7 @@ extern "C" {
 int LIBF_WriteSystemLog(int kind, int level, int code, const char* text, unsigned short* id);
 
 /// Installs signal handlers; tlvlib passes 65535.
-int LIBF_SetSignalHandler01(int signals);
+int LIBF_SetSignalHandler01(int mask);
 
 /// tlvlib passes 1, after LIBF_SetSignalHandler01().
 int LIBF_SetApiSignalInfoNonSave(int enable);

@@ -31,9 +31,9 @@ int LIBF_WriteSystemLog(int kind, int level, int code, const char* text, unsigne
     return 0;
 }
 
-int LIBF_SetSignalHandler01(int signals)
+int LIBF_SetSignalHandler01(int mask)
 {
-    (void)signals;
+    (void)mask;
     note(LOG_DEBUG, "LIBF_SetSignalHandler01 called: no signal handlers on this platform");
     return 0;
 }

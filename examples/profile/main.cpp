@@ -313,5 +313,7 @@ int main(int argc, char** argv)
     showHistory(profile);
     showLogins(profile);
     showCookies(profile);
+    // The stores let go of what they hold with deleteLater(). A browser's event loop frees it all the time.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return 0;
 }

@@ -8,8 +8,9 @@
 
 #include "platform/liblog.h"
 
-#include <QtCore/QMutex>
 #include <QtCore/QStringList>
+
+#include <mutex> // which the thread sanitizer understands, other than Qt's
 
 class RecordingLiblog
 {
@@ -17,7 +18,7 @@ public:
     /// The calls since the last time, such as "WriteSystemLog 1 1 255 'text' 0xffff".
     static QStringList take()
     {
-        QMutexLocker locker(&mutex());
+        const std::lock_guard<std::mutex> lock(mutex());
         const QStringList taken = calls();
         calls().clear();
         return taken;
@@ -25,14 +26,14 @@ public:
 
     static void add(const QString& call)
     {
-        QMutexLocker locker(&mutex());
+        const std::lock_guard<std::mutex> lock(mutex());
         calls().append(call);
     }
 
 private:
-    static QMutex& mutex()
+    static std::mutex& mutex()
     {
-        static QMutex* const pc_mutex = new QMutex;
+        static std::mutex* const pc_mutex = new std::mutex;
         return *pc_mutex;
     }
     static QStringList& calls()
@@ -53,9 +54,9 @@ int LIBF_WriteSystemLog(int kind, int level, int code, const char* text, unsigne
     return -1; // results are of no interest to the library
 }
 
-int LIBF_SetSignalHandler01(int signals)
+int LIBF_SetSignalHandler01(int mask)
 {
-    RecordingLiblog::add(QString::fromLatin1("SetSignalHandler01 %1").arg(signals));
+    RecordingLiblog::add(QString::fromLatin1("SetSignalHandler01 %1").arg(mask));
     return -1;
 }
 

@@ -7,9 +7,12 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QMap>
-#include <QtCore/QThread>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
 #include <unistd.h>
+#include <vector>
 
 static const QString LOG_DIR = QLatin1String("/ata07/Talvenor/tmp");
 static const QString LOG_FILE = LOG_DIR + QLatin1String("/tlvlog.log");
@@ -35,6 +38,7 @@ private slots:
     void filteredMessagesDoNotNeedTheDirectory();
     void fileMayVanishBetweenMessages();
     void threadsNeverMixLines();
+    void noLineIsLostAmongThreads();
     void noFileStaysOpen();
 };
 
@@ -172,29 +176,26 @@ void tst_TVNG_DebugPrint_file::fileMayVanishBetweenMessages()
     QCOMPARE(readFile(LOG_FILE), QByteArray("[Talvenor]two\n"));
 }
 
-class Writer : public QThread
+// Longer than any buffer of stdio, so that a line takes more than one write.
+static QByteArray longText(int si_id)
 {
-public:
-    Writer() : id(0) {}
-    void run() override
-    {
-        // Longer than any buffer of stdio, so that a line takes more than one write.
-        const QByteArray text(10000, static_cast<char>('a' + id));
-        for (int i = 0; i < 100; ++i)
-            TVNG_DebugPrint(1, "%d %d %s", id, i, text.constData());
-    }
-    int id;
-};
+    return QByteArray(10000, static_cast<char>('a' + si_id));
+}
+
+static void writeLongLines(int si_id)
+{
+    const QByteArray text = longText(si_id);
+    for (int i = 0; i < 100; ++i)
+        TVNG_DebugPrint(1, "%d %d %s", si_id, i, text.constData());
+}
 
 void tst_TVNG_DebugPrint_file::threadsNeverMixLines()
 {
-    Writer writers[4];
-    for (int i = 0; i < 4; ++i) {
-        writers[i].id = i;
-        writers[i].start();
-    }
+    std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
-        writers[i].wait();
+        threads.push_back(std::thread(writeLongLines, i));
+    for (size_t i = 0; i < threads.size(); ++i)
+        threads[i].join();
 
     int next[4] = {0, 0, 0, 0};
     QList<QByteArray> lines = readFile(LOG_FILE).split('\n');
@@ -204,18 +205,58 @@ void tst_TVNG_DebugPrint_file::threadsNeverMixLines()
         QVERIFY(line.startsWith("[Talvenor]"));
         const int id = line.mid(10, 1).toInt();
         QVERIFY(id >= 0 && id < 4);
-        const QByteArray expected = "[Talvenor]" + QByteArray::number(id) + ' ' +
-                                    QByteArray::number(next[id]++) + ' ' +
-                                    QByteArray(10000, static_cast<char>('a' + id));
+        const QByteArray expected =
+            "[Talvenor]" + QByteArray::number(id) + ' ' + QByteArray::number(next[id]++) + ' ' + longText(id);
         QCOMPARE(line, expected);
     }
 }
 
+static void writeCountedLines(int si_id, int si_lines, std::atomic<int>* pc_running)
+{
+    for (int i = 0; i < si_lines; ++i)
+        TVNG_DebugPrint(1, "%d %d", si_id, i);
+    --*pc_running;
+}
+
+// Eight threads, and the threshold changes meanwhile between values that all admit the messages.
+void tst_TVNG_DebugPrint_file::noLineIsLostAmongThreads()
+{
+    const int si_threads = 8;
+#ifdef __SANITIZE_THREAD__ // which takes ten times as long
+    const int si_lines = 5000;
+#else
+    const int si_lines = 100000;
+#endif
+    g_uc_SystemLogLevel = 0;
+    std::atomic<int> running(si_threads);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < si_threads; ++i)
+        threads.push_back(std::thread(writeCountedLines, i, si_lines, &running));
+    for (unsigned long ul_level = 1; running > 0; ul_level = ul_level % 3 + 1) {
+        TVNG_DebugSetLogLevel(ul_level);
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+    }
+    for (size_t i = 0; i < threads.size(); ++i)
+        threads[i].join();
+    int si_next[si_threads] = {};
+    QFile file(LOG_FILE);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    int si_count = 0;
+    for (; !file.atEnd(); ++si_count) {
+        const QByteArray line = file.readLine();
+        const int si_id = line.mid(10, 1).toInt();
+        QVERIFY(si_id < si_threads);
+        QCOMPARE(line, "[Talvenor]" + QByteArray::number(si_id) + ' ' + QByteArray::number(si_next[si_id]++) +
+                           '\n');
+    }
+    QCOMPARE(si_count, si_threads * si_lines);
+}
+
 static int openFiles()
 {
-    return QDir(QLatin1String("/proc/self/fd"))
-        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
-        .size();
+    return static_cast<int>(QDir(QLatin1String("/proc/self/fd"))
+                                .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+                                .size());
 }
 
 void tst_TVNG_DebugPrint_file::noFileStaysOpen()

@@ -1,5 +1,6 @@
 #include "tests/support/FailingNew.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Random.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
@@ -64,12 +65,14 @@ static QByteArray longestBytes()
     return bytes;
 }
 
+#ifndef __SANITIZE_ADDRESS__ // which keeps freed memory for a while, and finds leaks by itself
 /// The most memory that the process has had so far.
 static long peakKilobytes()
 {
     rusage usage;
     return getrusage(RUSAGE_SELF, &usage) == 0 ? usage.ru_maxrss : -1;
 }
+#endif
 
 class tst_TVNC_AuthSetting : public QObject
 {
@@ -183,7 +186,7 @@ void tst_TVNC_AuthSetting::initTestCase()
     QVERIFY(!root());
     QCOMPARE(auth_->getAuthInfoCnt(), 0);
 
-#ifndef __SANITIZE_ADDRESS__ // which keeps freed memory for a while, and finds leaks by itself
+#ifndef __SANITIZE_ADDRESS__
     // Kept entries would take more than ten megabytes.
     const long si_before = peakKilobytes();
     for (int i = 0; i < 20000; ++i) {
@@ -1062,16 +1065,14 @@ void tst_TVNC_AuthSetting::base64IsReadAsQtReadsIt()
     // Texts of every length up to well over the limit, of letters, padding and anything else, in a fixed
     // sequence.
     add("a");
-    quint32 ul_random = 12345;
+    Random random(12345);
     int si_handedOut = 0;
     int si_leftAlone = 0;
     for (int i = 0; i < 3000; ++i) {
         QString text;
         for (int si_length = i % 1000; si_length > 0; --si_length) {
-            ul_random = ul_random * 1664525u + 1013904223u;
             // One in sixteen is any character below U+0800, the others are ASCII that can be printed.
-            const quint32 ul_value = ul_random >> 16;
-            text.append(QChar(ul_value % 16 == 0 ? ul_value / 16 % 0x800 : 0x20 + ul_value / 16 % 0x5F));
+            text.append(QChar(random.next(16) == 0 ? random.next(0x800) : 0x20 + random.next(0x5F)));
         }
         const QByteArray decoded = QByteArray::fromBase64(text.toUtf8());
         ++(decoded.size() <= 272 ? si_handedOut : si_leftAlone);

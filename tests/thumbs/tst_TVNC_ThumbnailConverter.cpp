@@ -1,5 +1,6 @@
 #include "tests/support/FailingNew.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Random.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
@@ -83,11 +84,9 @@ static QByteArray someBytes(int si_seed, int si_size)
 {
     QByteArray bytes;
     bytes.reserve(si_size);
-    quint32 ul_state = static_cast<quint32>(si_seed) * 2654435761u + 1u;
-    for (int i = 0; i < si_size; ++i) {
-        ul_state = ul_state * 1664525u + 1013904223u;
-        bytes.append(static_cast<char>(ul_state >> 24));
-    }
+    Random random(static_cast<quint32>(si_seed));
+    for (int i = 0; i < si_size; ++i)
+        bytes.append(static_cast<char>(random.next(256)));
     return bytes;
 }
 

@@ -1,5 +1,6 @@
 #include "tests/support/FailingNew.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Random.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
@@ -162,15 +163,14 @@ void tst_TVNC_CanonicalReader::sameTreeOfMutatedDocuments()
     static const char BYTES[] =
         " \n\t\r\0\x01<>/=\"'&;!?[]-:xml01a_.\x7F\x80\xBF\xC3\xE6\xED\xEF\xF0\xF4\xFF";
     const quint32 ul_bytes = sizeof BYTES - 1;
-    quint32 ul_state = 20110412; // repeatable
+    Random random(20110412);
     for (int i = 0; i < 8000; ++i) {
         QByteArray mutated = document;
         for (int j = 0; j <= i % 3 && !mutated.isEmpty(); ++j) {
-            ul_state = ul_state * 1664525u + 1013904223u;
-            const int si_place = static_cast<int>((ul_state >> 8) % static_cast<quint32>(mutated.size()));
-            const int si_other = static_cast<int>((ul_state >> 20) % static_cast<quint32>(mutated.size()));
-            const char c_byte = BYTES[(ul_state >> 16) % ul_bytes];
-            switch ((ul_state >> 5) % 5) {
+            const int si_place = static_cast<int>(random.next(static_cast<quint32>(mutated.size())));
+            const int si_other = static_cast<int>(random.next(static_cast<quint32>(mutated.size())));
+            const char c_byte = BYTES[random.next(ul_bytes)];
+            switch (random.next(5)) {
             case 0:
                 mutated[si_place] = c_byte;
                 break;

@@ -1,4 +1,5 @@
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Random.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
@@ -33,12 +34,11 @@ private:
     TVNC_XMLNode* root() { return setting_->getXMLRootNode(); }
     QByteArray saved();
     QByteArray written();
-    quint32 next(quint32 ul_below);
     QString randomText();
 
     QScopedPointer<TempDir> dir_;
     Setting* setting_;
-    quint32 ul_state;
+    QScopedPointer<Random> random_;
 };
 
 void tst_TVNC_CanonicalWriter::init()
@@ -46,7 +46,7 @@ void tst_TVNC_CanonicalWriter::init()
     dir_.reset(new TempDir);
     setting_ = new Setting;
     setting_->createXMLRootNode();
-    ul_state = 20110412; // repeatable
+    random_.reset(new Random(20110412));
 }
 
 void tst_TVNC_CanonicalWriter::cleanup()
@@ -163,20 +163,14 @@ void tst_TVNC_CanonicalWriter::sameBytesOfLongTexts()
     }
 }
 
-quint32 tst_TVNC_CanonicalWriter::next(quint32 ul_below)
-{
-    ul_state = ul_state * 1664525u + 1013904223u;
-    return (ul_state >> 8) % ul_below;
-}
-
 QString tst_TVNC_CanonicalWriter::randomText()
 {
     static const ushort UNITS[] = {'x',    ' ',    '\n',   '\t',   '\r',   '<',    '>',   '&',  '"',
                                    '\'',   ']',    ']',    0,      1,      0x1F,   0x7F,  0xE9, 0x65E5,
                                    0xD83D, 0xDE00, 0xFDD0, 0xFEFF, 0xFFFD, 0xFFFE, 0xFFFF};
     QString text;
-    for (quint32 i = next(12); i > 0; --i)
-        text.append(QChar(UNITS[next(sizeof UNITS / sizeof UNITS[0])]));
+    for (quint32 i = random_->next(12); i > 0; --i)
+        text.append(QChar(UNITS[random_->next(sizeof UNITS / sizeof UNITS[0])]));
     return text;
 }
 
@@ -189,12 +183,14 @@ void tst_TVNC_CanonicalWriter::sameBytesOfRandomTrees()
         root()->setName(name);
         QList<TVNC_XMLNode*> nodes;
         nodes.append(root());
-        for (quint32 j = next(20); j > 0; --j) {
-            TVNC_XMLNode* pc_parent = nodes.at(static_cast<int>(next(static_cast<quint32>(nodes.size()))));
-            TVNC_XMLNode* pc_node = makeNode(pc_parent, pc_names[next(5)], "", static_cast<char>(next(3)));
+        for (quint32 j = random_->next(20); j > 0; --j) {
+            TVNC_XMLNode* pc_parent =
+                nodes.at(static_cast<int>(random_->next(static_cast<quint32>(nodes.size()))));
+            TVNC_XMLNode* pc_node =
+                makeNode(pc_parent, pc_names[random_->next(5)], "", static_cast<char>(random_->next(3)));
             QString text = randomText();
             pc_node->setText(text);
-            for (quint32 k = next(3); k > 0; --k)
+            for (quint32 k = random_->next(3); k > 0; --k)
                 addAttribute(pc_node, pc_names[k], randomText());
             nodes.append(pc_node);
         }

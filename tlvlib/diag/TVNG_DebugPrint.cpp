@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 
+// Read and set without a lock, but whole: any thread may log while another one changes them.
 quint32 ul_outputLevel = 0;
 unsigned char g_uc_SystemLogLevel = 1;
 
@@ -60,7 +61,7 @@ void TVNG_DebugPrint(unsigned long level, const char* fmt, ...)
 
     // Each sink starts the arguments afresh: a va_list that was used once is spent.
     va_list arguments;
-    const quint32 ul_threshold = ul_outputLevel;
+    const quint32 ul_threshold = __atomic_load_n(&ul_outputLevel, __ATOMIC_RELAXED);
     if (ul_threshold != 0 && ul_threshold >= level) {
         va_start(arguments, fmt);
         const bool b_written = writeToFile(fmt, arguments);
@@ -70,7 +71,7 @@ void TVNG_DebugPrint(unsigned long level, const char* fmt, ...)
         if (!b_written)
             return;
     }
-    if (g_uc_SystemLogLevel) {
+    if (__atomic_load_n(&g_uc_SystemLogLevel, __ATOMIC_RELAXED)) {
         va_start(arguments, fmt);
         writeToSystemLog(fmt, arguments);
         va_end(arguments);
@@ -79,7 +80,7 @@ void TVNG_DebugPrint(unsigned long level, const char* fmt, ...)
 
 void TVNG_DebugSetLogLevel(unsigned long level)
 {
-    ul_outputLevel = static_cast<quint32>(level);
+    __atomic_store_n(&ul_outputLevel, static_cast<quint32>(level), __ATOMIC_RELAXED);
 }
 
 void TVNG_SetSignalHandler01()

@@ -47,7 +47,7 @@ TLVLIB_EXPORT extern unsigned char g_uc_SystemLogLevel;
  * @param fmt   printf format; null or empty does nothing at all
  *
  * The log file gets the whole message, the system log at most its first 127 bytes. Any thread may log: lines
- * of the file never mix.
+ * of the file never mix. The threshold may change meanwhile.
  */
 TLVLIB_EXPORT void TVNG_DebugPrint(unsigned long level, const char* fmt, ...) TLVLIB_PRINTF_FORMAT(2, 3);
 

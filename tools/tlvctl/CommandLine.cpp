@@ -149,7 +149,10 @@ int runCommand(const Command& command, const QString& path, const QCommandLinePa
     if (command.needsGui)
         prepareGui();
     const Application application(path, command.needsGui);
-    return command.run(parser);
+    const int exitCode = command.run(parser);
+    // What the stores have let go is freed by an event loop, which the tool does without.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return exitCode;
 }
 
 /// Goes down one level of commands with each call.
