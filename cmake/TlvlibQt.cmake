@@ -3,10 +3,12 @@
 #   TLVLIB_QT_TEST        the target that tests link besides, where they are built
 #   TLVLIB_QT_COMPONENTS  the names of the library's targets for find_package()
 #   TLVLIB_PKGCONFIG_QT   the names of their pkg-config modules
+#   TLVLIB_CXX_STANDARD   what library and tests are compiled as: C++11, unless Qt's headers need more
 # Qt 4 comes through CMake's own FindQt4: name its qmake with QT_QMAKE_EXECUTABLE and, for a cross build, the
 # host's moc with QT_MOC_EXECUTABLE.
 
 set(tlvlib_qt_test)
+set(TLVLIB_CXX_STANDARD 11)
 if(TLVLIB_QT_VERSION EQUAL 4)
     if(BUILD_TESTING)
         set(tlvlib_qt_test QtTest)
@@ -25,6 +27,16 @@ elseif(TLVLIB_QT_VERSION EQUAL 5)
     find_package(Qt5 5.15 REQUIRED COMPONENTS ${TLVLIB_QT_COMPONENTS} ${tlvlib_qt_test})
     set(TLVLIB_QT Qt5::Core Qt5::Gui Qt5::Network)
     set(TLVLIB_PKGCONFIG_QT "Qt5Core Qt5Gui Qt5Network")
+elseif(TLVLIB_QT_VERSION EQUAL 6)
+    if(BUILD_TESTING)
+        set(tlvlib_qt_test Test)
+        set(TLVLIB_QT_TEST Qt6::Test)
+    endif()
+    set(TLVLIB_QT_COMPONENTS Core Gui Network Core5Compat)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS ${TLVLIB_QT_COMPONENTS} ${tlvlib_qt_test})
+    set(TLVLIB_QT Qt6::Core Qt6::Gui Qt6::Network Qt6::Core5Compat)
+    set(TLVLIB_CXX_STANDARD 17)
+    set(TLVLIB_PKGCONFIG_QT "Qt6Core Qt6Gui Qt6Network Qt6Core5Compat")
 else()
-    message(FATAL_ERROR "TLVLIB_QT_VERSION is ${TLVLIB_QT_VERSION}; it can be 5 or 4")
+    message(FATAL_ERROR "TLVLIB_QT_VERSION is ${TLVLIB_QT_VERSION}; it can be 5, 6 or 4")
 endif()

@@ -1,7 +1,7 @@
 #include "platform/liblog.h"
 
+#include <QTextCodec>
 #include <QtCore/QDir>
-#include <QtCore/QTextCodec>
 #include <QtTest/QtTest>
 
 #include <cstdarg>

@@ -2,10 +2,9 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 
-#include <QtCore/QRegExp>
-
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -14,6 +13,23 @@ QStringList& messages()
 {
     static QStringList* const pc_messages = new QStringList;
     return *pc_messages;
+}
+
+/// Addresses differ from run to run: "0x" and what follows becomes "0x*", unless the address is null.
+QString withoutAddresses(const char* pc_text)
+{
+    QByteArray result;
+    while (*pc_text) {
+        const size_t ul_digits =
+            std::strncmp(pc_text, "0x", 2) == 0 ? std::strspn(pc_text + 2, "0123456789ABCDEF") : 0;
+        if (ul_digits > 1 || (ul_digits == 1 && pc_text[2] != '0')) {
+            result += "0x*";
+            pc_text += 2 + ul_digits;
+        } else {
+            result += *pc_text++;
+        }
+    }
+    return QString::fromUtf8(result.constData());
 }
 
 } // namespace
@@ -25,12 +41,12 @@ void TVNG_DebugPrint(unsigned long level, const char* fmt, ...)
     va_start(arguments, fmt);
     std::vsnprintf(text, sizeof text, fmt, arguments);
     va_end(arguments);
-    messages().append(QString::number(level) + QLatin1Char(' ') + QString::fromUtf8(text));
+    messages().append(QString::number(level) + QLatin1Char(' ') + withoutAddresses(text));
 }
 
 QStringList LogRecorder::take()
 {
-    QStringList taken = messages();
+    const QStringList taken = messages();
     messages().clear();
-    return taken.replaceInStrings(QRegExp(QLatin1String("0x(?!0\\b)[0-9A-F]+")), QLatin1String("0x*"));
+    return taken;
 }

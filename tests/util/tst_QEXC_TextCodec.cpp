@@ -31,7 +31,7 @@ void tst_QEXC_TextCodec::shiftJISIsDecoded()
     // Measured on the device's Qt: two-byte and half-width katakana, and the full-width backslash.
     const ushort expected[] = {0x30C6, 0x30B9, 0x30C8, ' ', '\\', '~', ' ', 0xFF71, 0xFF72, ' ', 0xFF3C};
     QCOMPARE(QEXC_TextCodec::fromSJIS("\x83\x65\x83\x58\x83\x67\x20\x5C\x7E\x20\xB1\xB2\x20\x81\x5F"),
-             QString::fromUtf16(expected, sizeof expected / sizeof *expected));
+             QString(reinterpret_cast<const QChar*>(expected), sizeof expected / sizeof *expected));
 }
 
 void tst_QEXC_TextCodec::textEndsAtTheFirstZero()

@@ -3,8 +3,8 @@
 
 #include <tlvlib/xml/TVNC_XMLReader.h>
 
+#include <QTextCodec>
 #include <QtCore/QBuffer>
-#include <QtCore/QTextCodec>
 
 /// Damaged and hostile documents: the tree holds what stands before the damage.
 class tst_TVNC_XMLReader_input : public QObject
@@ -97,12 +97,12 @@ void tst_TVNC_XMLReader_input::everyTruncationIsRead()
     const QString complete = utf8("r{docInfo=1.0}(e{id=000}'café',e{id=001} cdata'あ',e{id=002})");
     QCOMPARE(treeOf(document), complete);
     // Where the complete tags end that make the tree one step larger.
-    const int root = document.indexOf("1.0\">") + 5;
-    const int first = document.indexOf("000\">") + 5;
-    const int firstText = document.indexOf("</e>") + 1; // the '<' ends the text
-    const int second = document.indexOf("001\">") + 5;
-    const int secondText = document.indexOf("]]>") + 3;
-    const int third = document.indexOf("002\"/>") + 6;
+    const int root = static_cast<int>(document.indexOf("1.0\">")) + 5;
+    const int first = static_cast<int>(document.indexOf("000\">")) + 5;
+    const int firstText = static_cast<int>(document.indexOf("</e>")) + 1; // the '<' ends the text
+    const int second = static_cast<int>(document.indexOf("001\">")) + 5;
+    const int secondText = static_cast<int>(document.indexOf("]]>")) + 3;
+    const int third = static_cast<int>(document.indexOf("002\"/>")) + 6;
     for (int i = 0; i <= document.size(); ++i) {
         QString expected = utf8("0");
         if (i >= third)

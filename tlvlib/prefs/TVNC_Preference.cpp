@@ -78,7 +78,7 @@ TVNC_ChoicePreference::TVNC_ChoicePreference(QVector<const TVNC_Preference*>& li
 int TVNC_ChoicePreference::code(TVNC_XMLSetting& setting) const
 {
     TVNC_XMLNode* pc_leaf = find(setting);
-    const int si_index = pc_leaf ? words_.indexOf(pc_leaf->getText()) : -1;
+    const int si_index = pc_leaf ? static_cast<int>(words_.indexOf(pc_leaf->getText())) : -1;
     return si_index < 0 ? si_default_ : si_firstCode_ + si_index;
 }
 

@@ -1,6 +1,6 @@
 #include "tlvlib/util/QEXC_TextCodec.h"
 
-#include <QtCore/QTextCodec>
+#include <QTextCodec> // without a module: from Qt 6 on it is Core5Compat
 
 namespace {
 

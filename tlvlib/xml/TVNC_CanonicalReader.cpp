@@ -5,10 +5,10 @@
 #include "tlvlib/xml/TVNG_canonicalForm.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
 
-#include <QtCore/QScopedPointer>
 #include <QtCore/QString>
 
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -132,7 +132,7 @@ public:
             return nullptr;
         pc_pos += DECLARATION_SIZE;
         skipBlanks();
-        QScopedPointer<TVNC_XMLNode> root;
+        std::unique_ptr<TVNC_XMLNode> root;
         TVNC_XMLNode* pc_node = nullptr; // the element that is open
         do {
             const char* const pc_token = pc_pos;
@@ -145,7 +145,7 @@ public:
         skipBlanks();
         while (pc_pos == pc_end && readMore(pc_pos))
             skipBlanks();
-        return pc_pos == pc_end ? root.take() : nullptr;
+        return pc_pos == pc_end ? root.release() : nullptr;
     }
 
 private:
@@ -173,14 +173,14 @@ private:
     }
 
     /// A tag, or a text between two tags.
-    bool token(QScopedPointer<TVNC_XMLNode>& root, TVNC_XMLNode*& pc_node)
+    bool token(std::unique_ptr<TVNC_XMLNode>& root, TVNC_XMLNode*& pc_node)
     {
         if (size() < 2)
             return isShort();
         if (!root) {
             root.reset(startTag(nullptr));
-            pc_node = b_tagEnded_ ? nullptr : root.data();
-            return !root.isNull();
+            pc_node = b_tagEnded_ ? nullptr : root.get();
+            return root != nullptr;
         }
         if (*pc_pos != '<')
             return characterData(*pc_node);

@@ -71,7 +71,7 @@ public:
     /// ASCII alone.
     void name(const QString& text)
     {
-        char* pc_to = room(text.size());
+        char* pc_to = room(static_cast<int>(text.size()));
         for (int i = 0; i < text.size(); ++i)
             pc_to[i] = static_cast<char>(text.at(i).unicode());
     }

@@ -3,8 +3,9 @@
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/xml/TVNC_XMLCharacters.h"
 
-#include <QtCore/QTextCodec>
-#include <QtCore/QTextDecoder>
+// Without a module: from Qt 6 on it is Core5Compat.
+#include <QTextCodec>
+#include <QTextDecoder>
 
 #include <cstring>
 
