@@ -605,5 +605,11 @@ void tst_soak::answersAgree()
 #endif
 }
 
-TLVLIB_TEST_MAIN(tst_soak)
+int main(int argc, char** argv)
+{
+    qputenv("QTEST_FUNCTION_TIMEOUT", "86400000"); // instead of five minutes
+    QCoreApplication application(argc, argv);
+    tst_soak test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_soak.moc"
