@@ -1,5 +1,5 @@
 #include "tests/tools/TlvctlRun.h"
-#include "tools/tlvctl/Text.h"
+#include "tools/tlvctl/commandline/Text.h"
 
 #include <QtCore/QDir>
 

@@ -1,5 +1,5 @@
 #include "tests/support/TestSupport.h"
-#include "tools/tlvctl/Table.h"
+#include "tools/tlvctl/commandline/Table.h"
 
 #include <QtCore/QFile>
 

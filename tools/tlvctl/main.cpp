@@ -3,18 +3,8 @@
  * tlvctl: looks into the settings directory of a device, repairs it and converts it.
  */
 
-#include "tools/tlvctl/AuthCommands.h"
-#include "tools/tlvctl/BookmarkCommands.h"
-#include "tools/tlvctl/CacheCommands.h"
-#include "tools/tlvctl/CheckCommand.h"
-#include "tools/tlvctl/CommandLine.h"
-#include "tools/tlvctl/Console.h"
-#include "tools/tlvctl/CookieCommands.h"
-#include "tools/tlvctl/FontCommands.h"
-#include "tools/tlvctl/HistoryCommands.h"
-#include "tools/tlvctl/PreferenceCommands.h"
-#include "tools/tlvctl/ShowCommand.h"
-#include "tools/tlvctl/ThumbnailCommands.h"
+#include "tools/tlvctl/Tool.h"
+#include "tools/tlvctl/commandline/Console.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTextCodec>
@@ -34,21 +24,6 @@ void chooseEncoding()
     std::setlocale(LC_CTYPE, "");
     if (qstrcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0)
         QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-}
-
-Command tool()
-{
-    Command tool;
-    tool.name = "tlvctl";
-    tool.summary = "Looks into the settings directory of a device, repairs it and converts it.";
-    tool.details = "Ends with 0 when all was done, 1 when something could not be done, 2 for\n"
-                   "wrong usage. Characters of stored texts that a terminal would obey, such as\n"
-                   "escape sequences, are shown as \\n, \\t, \\x1B or \\u{202E}, and a backslash as \\\\.";
-    tool.examples = {"tlvctl show /data/settings/fontlist.xml", "tlvctl fonts list /data/settings"};
-    tool.commands = {showCommand(),       checkCommand(), fontCommands(),   bookmarkCommands(),
-                     historyCommands(),   authCommands(), cookieCommands(), preferenceCommands(),
-                     thumbnailCommands(), cacheCommands()};
-    return tool;
 }
 
 } // namespace

@@ -1,9 +1,0 @@
-#ifndef TOOLS_TLVCTL_COOKIECOMMANDS_H
-#define TOOLS_TLVCTL_COOKIECOMMANDS_H
-
-#include "tools/tlvctl/CommandLine.h"
-
-/// "tlvctl cookies": the cookies in both their files.
-Command cookieCommands();
-
-#endif

@@ -1,9 +1,0 @@
-#ifndef TOOLS_TLVCTL_COOKIECONVERTCOMMANDS_H
-#define TOOLS_TLVCTL_COOKIECONVERTCOMMANDS_H
-
-#include "tools/tlvctl/CommandLine.h"
-
-Command cookieToIniCommand();
-Command cookieFromIniCommand();
-
-#endif

@@ -1,9 +1,0 @@
-#ifndef TOOLS_TLVCTL_PREFERENCECOMMANDS_H
-#define TOOLS_TLVCTL_PREFERENCECOMMANDS_H
-
-#include "tools/tlvctl/CommandLine.h"
-
-/// "tlvctl prefs": the preferences of the device and of a user.
-Command preferenceCommands();
-
-#endif

@@ -1,0 +1,9 @@
+#ifndef TOOLS_TLVCTL_AUTH_AUTHCOMMANDS_H
+#define TOOLS_TLVCTL_AUTH_AUTHCOMMANDS_H
+
+#include "tools/tlvctl/commandline/CommandLine.h"
+
+/// "tlvctl auth": the credentials for servers.
+Command authCommands();
+
+#endif

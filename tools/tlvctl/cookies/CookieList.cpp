@@ -1,0 +1,207 @@
+#include "tools/tlvctl/cookies/CookieList.h"
+
+#include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/commandline/Text.h"
+#include "tools/tlvctl/records/Record.h"
+
+#include <QtCore/QDataStream>
+#include <QtCore/QDateTime>
+#include <QtCore/QFileInfo>
+#include <QtCore/QSettings>
+
+#include <utility>
+
+namespace {
+
+const QString INI_NAME = "cookie.ini";
+const QString TIME_FORMAT = "yyyy/MM/dd hh:mm:ss";
+
+// --- The document -----------------------------------------------------------------------------------------
+
+/// The text of an element. One that is missing is a flaw.
+QString textOf(TVNC_XMLNode& entry, const char* element, std::vector<Flaw>& flaws)
+{
+    QString name = element;
+    if (TVNC_XMLNode* const child = entry.getXMLNodeChildByName(name))
+        return child->getText();
+    flaws.push_back({"elementMissing", QString("no element \"%1\": read as empty").arg(element)});
+    return QString();
+}
+
+bool isTime(const QString& text)
+{
+    const QDate date = QDate::fromString(text.left(10), "yyyy/MM/dd");
+    const QTime time = QTime::fromString(text.mid(11), "hh:mm:ss");
+    return text.size() == TIME_FORMAT.size() && text.at(10) == ' ' && date.isValid() && time.isValid();
+}
+
+CookieRecord readEntry(TVNC_XMLNode& node)
+{
+    CookieRecord record;
+    if (node.getName() != "webSiteInfo")
+        record.flaws.push_back(
+            {"notNamedWebSiteInfo",
+             QString("element %1 instead of \"webSiteInfo\"").arg(quoted(node.getName()))});
+    record.domain = textOf(node, "website", record.flaws);
+    record.name = textOf(node, "name", record.flaws).toUtf8();
+    record.path = textOf(node, "path", record.flaws);
+    record.secure = textOf(node, "secure", record.flaws);
+    record.expires = textOf(node, "expires", record.flaws);
+    record.value = textOf(node, "contents", record.flaws).toUtf8();
+    if (!record.secure.isEmpty() && record.secure != "true" && record.secure != "false")
+        record.flaws.push_back(
+            {"secureUnknown", QString("secure is %1, neither \"true\" nor \"false\": read as \"false\"")
+                                  .arg(quoted(record.secure))});
+    if (!record.expires.isEmpty() && !isTime(record.expires))
+        record.flaws.push_back(
+            {"expiryUnreadable", QString("expiry %1 is not of the form \"%2\": read as none")
+                                     .arg(quoted(record.expires), TIME_FORMAT)});
+    return record;
+}
+
+// --- cookie.ini -------------------------------------------------------------------------------------------
+
+CookieRecord recordOf(const QNetworkCookie& cookie)
+{
+    CookieRecord record;
+    record.domain = cookie.domain();
+    record.name = cookie.name();
+    record.path = cookie.path();
+    record.secure = cookie.isSecure() ? "true" : "false";
+    record.httpOnly = cookie.isHttpOnly();
+    record.value = cookie.value();
+    if (!cookie.isSessionCookie()) {
+        record.expires = cookie.expirationDate().toUTC().toString(TIME_FORMAT);
+        if (cookie.expirationDate() < QDateTime::currentDateTimeUtc())
+            record.flaws.push_back({"expired", "expired"});
+    }
+    return record;
+}
+
+/// Compares what the file says of itself with what is in it.
+QStringList remarksAbout(const QByteArray& stored)
+{
+    QStringList remarks;
+    QDataStream stream(stored);
+    quint32 count = 0;
+    stream >> count;
+    if (stored.size() < static_cast<int>(sizeof(count)))
+        return {"the file holds no list of cookies"};
+    quint32 entries = 0;
+    while (entries < count && !stream.atEnd()) {
+        QByteArray rawForm;
+        stream >> rawForm;
+        ++entries;
+        const bool isWhole = stream.status() == QDataStream::Ok;
+        const int cookies = static_cast<int>(QNetworkCookie::parseCookies(rawForm).size());
+        if (!isWhole)
+            remarks.append(QString("entry %1 is cut off: it is left out").arg(entries));
+        else if (cookies != 1)
+            remarks.append(QString("entry %1 holds %2 cookies instead of one").arg(entries).arg(cookies));
+    }
+    if (entries < count)
+        remarks.append(QString("the file says that it holds %1 entries, but there are %2")
+                           .arg(static_cast<qint32>(count))
+                           .arg(entries));
+    if (!stream.atEnd())
+        remarks.append(QString("behind the %1 entries that the file says it holds, %2 bytes are not read")
+                           .arg(entries)
+                           .arg(stream.device()->bytesAvailable()));
+    return remarks;
+}
+
+} // namespace
+
+QString CookieRecord::line() const
+{
+    return QStringList{printableBytes(name), printable(domain), printable(path)}.join("  ");
+}
+
+CookieDocument::CookieDocument(const QString& path)
+    : Store(QFileInfo(path).path(), QFileInfo(path).fileName()), store_(*TVNC_CookieSetting::getInstance())
+{
+}
+
+void CookieDocument::load()
+{
+    QString path = file().path();
+    store_.load(path);
+}
+
+void CookieDocument::save()
+{
+    QString path = file().path();
+    store_.save(path);
+}
+
+TVNC_XMLNode& CookieDocument::root() const
+{
+    return *store_.getXMLRootNode();
+}
+
+int CookieDocument::count() const
+{
+    return static_cast<int>(store_.getAllCookieInfo().size());
+}
+
+CookieFile CookieDocument::read() const
+{
+    CookieFile cookies;
+    QSet<int> taken;
+    const QList<TVNC_XMLNode*> nodes = root().getXMLNodeChildren();
+    for (TVNC_XMLNode* node : nodes) {
+        CookieRecord record = readEntry(*node);
+        record.filePosition = static_cast<int>(cookies.records.size());
+        record.number = numberOf(*node, taken);
+        if (!record.number || *record.number < 0 || *record.number >= nodes.size())
+            record.flaws.insert(
+                record.flaws.begin(),
+                {"hidden",
+                 QString("has no number from 0 to %1: the store does not see it").arg(nodes.size() - 1)});
+        cookies.records.push_back(record);
+    }
+    if (nodes.size() > CONVERTED_MAX)
+        cookies.remarks.append(
+            QString("the conversions look at the first %1 entries only").arg(CONVERTED_MAX));
+    return cookies;
+}
+
+bool isCookieIni(const QString& path)
+{
+    return QFileInfo(path).isDir() || QFileInfo(path).fileName() == INI_NAME;
+}
+
+QString cookieIniDir(const QString& path)
+{
+    const QString dir = QFileInfo(path).isDir() ? path : QFileInfo(path).path();
+    return dir.endsWith('/') ? dir : dir + '/';
+}
+
+std::optional<CookieFile> readCookieIni(const QString& dir)
+{
+    const QString path = dir + INI_NAME;
+    CookieFile cookies;
+    if (!QFileInfo::exists(path))
+        return cookies;
+    if (!QFileInfo(path).isFile() || !QFile(path).open(QIODevice::ReadOnly)) {
+        complain(path, "cannot be read; make it a readable file");
+        return std::nullopt;
+    }
+    QSettings settings(path, QSettings::IniFormat);
+    const QStringList keys = settings.allKeys();
+    if (settings.status() != QSettings::NoError)
+        cookies.remarks.append("the file is no INI file throughout: what is not understood is skipped");
+    for (const QString& key : keys) {
+        if (key != "Cookie/cookies")
+            cookies.remarks.append(QString("key %1 is not the store's: saving removes it").arg(quoted(key)));
+    }
+    cookies.remarks += remarksAbout(settings.value("Cookie/cookies").toByteArray());
+    QString storeDir = dir;
+    for (const QNetworkCookie& cookie :
+         TVNC_CookieSetting::getInstance()->loadCookieInfo(&storeDir, CONVERTED_MAX)) {
+        CookieRecord record = recordOf(cookie);
+        record.number = record.filePosition = static_cast<int>(cookies.records.size());
+        cookies.records.push_back(record);
+    }
+    return cookies;
+}

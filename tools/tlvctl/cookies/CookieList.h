@@ -1,0 +1,69 @@
+#ifndef TOOLS_TLVCTL_COOKIES_COOKIELIST_H
+#define TOOLS_TLVCTL_COOKIES_COOKIELIST_H
+
+#include "tools/tlvctl/records/StoreList.h"
+
+#include <tlvlib/stores/TVNC_CookieSetting.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <optional>
+#include <vector>
+
+/// A cookie of either file.
+struct CookieRecord : ListedRecord
+{
+    QString domain;
+    QByteArray name;
+    QString path;
+    QString secure;               ///< "true" or "false"; the document may hold anything
+    std::optional<bool> httpOnly; ///< the document does not know
+    QString expires;              ///< "2031/05/06 07:08:09"; empty for the end of the browser
+    QByteArray value;             ///< never shown unless it is asked for
+
+    /// The line that shows a cookie: name, domain, path. Servers tell cookies apart by these three.
+    QString line() const;
+};
+
+/// The cookies of one file, with what there is to say about it.
+struct CookieFile
+{
+    std::vector<CookieRecord> records;
+    QStringList remarks;
+};
+
+/// How many entries of a document the conversions look at.
+const int CONVERTED_MAX = 20;
+
+/// A cookie document.
+class CookieDocument : public Store
+{
+public:
+    explicit CookieDocument(const QString& path);
+
+    void load() override;
+    void save() override;
+    TVNC_XMLNode& root() const override;
+    int count() const override;
+
+    /// All entries, in the order of the document.
+    CookieFile read() const;
+
+private:
+    TVNC_CookieSetting& store_;
+};
+
+/// Whether a path names a cookie.ini: a directory does, and a file of that name.
+bool isCookieIni(const QString& path);
+
+/// The directory of a path for which that is so, with a "/" at its end.
+QString cookieIniDir(const QString& path);
+
+/**
+ * Reads the file cookie.ini of a directory. Complains and returns nothing when it cannot be read. A missing
+ * file has no cookies.
+ */
+std::optional<CookieFile> readCookieIni(const QString& dir);
+
+#endif

@@ -1,0 +1,153 @@
+#include "tools/tlvctl/files/ShowCommand.h"
+
+#include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/commandline/JsonWriter.h"
+#include "tools/tlvctl/commandline/Text.h"
+#include "tools/tlvctl/records/Document.h"
+#include "tools/tlvctl/records/TreeWalk.h"
+
+#include <utility>
+
+namespace {
+
+/// Elements up to this depth are indented by it, deeper ones show it as a number.
+const int INDENTED_DEPTH = 20;
+
+bool isCData(TVNC_XMLNode& node)
+{
+    return node.getTextType() == 1;
+}
+
+QString indentation(int depth)
+{
+    if (depth <= INDENTED_DEPTH)
+        return QString(2 * (depth - 1), ' ');
+    return QString(2 * INDENTED_DEPTH, ' ') + QString("[%1] ").arg(depth);
+}
+
+/// The namespace, where there is one, stands in braces before the name.
+QString attributeText(const QXmlStreamAttribute& attribute)
+{
+    QString text = " ";
+    if (!attribute.namespaceUri().isEmpty())
+        text += '{' + printable(attribute.namespaceUri().toString()) + '}';
+    return text + printable(attribute.qualifiedName().toString()) + '=' +
+           quoted(attribute.value().toString());
+}
+
+void printTree(TVNC_XMLNode& root)
+{
+    const auto enter = [](TVNC_XMLNode& node, int depth) {
+        QString line = indentation(depth) + printable(node.getName());
+        for (const QXmlStreamAttribute& attribute : std::as_const(node.getAttribute()))
+            line += attributeText(attribute);
+        if (!node.getText().isEmpty())
+            line += (isCData(node) ? "  CDATA " : "  text ") + quoted(node.getText());
+        printLine(line);
+    };
+    walkTree(root, enter, [](TVNC_XMLNode&) {});
+}
+
+void writeAttribute(JsonWriter& json, const QXmlStreamAttribute& attribute)
+{
+    json.beginObject();
+    json.member("name");
+    json.string(attribute.qualifiedName().toString());
+    if (!attribute.namespaceUri().isEmpty()) {
+        json.member("namespace");
+        json.string(attribute.namespaceUri().toString());
+    }
+    json.member("value");
+    json.string(attribute.value().toString());
+    json.endObject();
+}
+
+void writeText(JsonWriter& json, TVNC_XMLNode& node)
+{
+    const bool hasText = !node.getText().isEmpty();
+    json.member("text");
+    if (hasText)
+        json.string(node.getText());
+    else
+        json.null();
+    json.member("textType");
+    if (hasText)
+        json.string(isCData(node) ? "cdata" : "text");
+    else
+        json.null();
+}
+
+void writeTree(JsonWriter& json, TVNC_XMLNode& root)
+{
+    const auto enter = [&json](TVNC_XMLNode& node, int) {
+        json.beginObject();
+        json.member("name");
+        json.string(node.getName());
+        json.member("attributes"); // a list: with namespaces, two of an element may have the same name
+        json.beginArray();
+        for (const QXmlStreamAttribute& attribute : std::as_const(node.getAttribute()))
+            writeAttribute(json, attribute);
+        json.endArray();
+        writeText(json, node);
+        json.member("children");
+        json.beginArray();
+    };
+    const auto leave = [&json](TVNC_XMLNode&) {
+        json.endArray();
+        json.endObject();
+    };
+    walkTree(root, enter, leave);
+}
+
+void writeDocument(const QString& path, const Document& document)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("file");
+    json.string(path);
+    writeCompleteness(json, document);
+    json.member("root");
+    if (document.root)
+        writeTree(json, *document.root);
+    else
+        json.null();
+    json.endObject();
+}
+
+int show(const QCommandLineParser& arguments)
+{
+    const QString path = pathArgument(arguments);
+    const Document document = readDocument(path);
+    if (document.state == Document::State::MISSING || document.state == Document::State::UNREADABLE) {
+        complain(path, QString("cannot be read: %1; name a settings file that you may read")
+                           .arg(printable(document.problem)));
+        return FAILED;
+    }
+    if (arguments.isSet("json"))
+        writeDocument(path, document);
+    else if (document.root)
+        printTree(*document.root);
+
+    if (document.state == Document::State::COMPLETE)
+        return DONE;
+    complainAboutDamage(path, document);
+    return FAILED;
+}
+
+} // namespace
+
+Command showCommand()
+{
+    Command command;
+    command.name = "show";
+    command.summary = "Show a settings file as a tree.";
+    command.details = "One line an element: its name, its attributes, and its text, marked as text\n"
+                      "(character data) or CDATA. Elements deeper than 20 are indented no further; they\n"
+                      "show their depth in brackets.";
+    command.examples = {"tlvctl show /data/settings/fontlist.xml",
+                        "tlvctl show --json /data/settings/fontlist.xml"};
+    command.arguments = {{"FILE", "The settings file."}};
+    command.options = {jsonOption()};
+    command.run = show;
+    return command;
+}

@@ -1,0 +1,120 @@
+#include "tools/tlvctl/records/Document.h"
+
+#include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/commandline/JsonWriter.h"
+#include "tools/tlvctl/commandline/Text.h"
+
+#include <tlvlib/xml/TVNC_XMLReader.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+Damage damageFoundBy(const TVNC_XMLReader& reader)
+{
+    Damage damage;
+    damage.line = reader.lineNumber();
+    damage.column = reader.columnNumber();
+    damage.reason = reader.errorString();
+    if (damage.reason.endsWith('.'))
+        damage.reason.chop(1); // it goes into a sentence of ours
+    return damage;
+}
+
+/// The same in all but their children.
+bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
+{
+    // Without a text there is nothing that could be of a type.
+    const bool sameType = left.getText().isEmpty() || left.getTextType() == right.getTextType();
+    return left.getName() == right.getName() && left.getAttribute() == right.getAttribute() &&
+           left.getText() == right.getText() && sameType;
+}
+
+} // namespace
+
+Document readDocument(const QString& path)
+{
+    Document document;
+    QFile file(path);
+    if (QFileInfo(path).isDir()) {
+        document.state = Document::State::UNREADABLE;
+        document.problem = "Is a directory";
+        return document;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        // In a directory that may not be searched, nobody knows whether there is such a file.
+        const bool isMissing = !file.exists() && QFileInfo(QFileInfo(path).path()).isExecutable();
+        document.state = isMissing ? Document::State::MISSING : Document::State::UNREADABLE;
+        document.problem = file.errorString();
+        return document;
+    }
+    TVNC_XMLReader reader;
+    document.root.reset(reader.read(file));
+    if (file.error() != QFileDevice::NoError) { // the reader takes a failing disk for the end of the file
+        document.state = Document::State::UNREADABLE;
+        document.problem = file.errorString();
+    } else if (reader.hasError()) {
+        document.state = Document::State::DAMAGED;
+        document.damage = damageFoundBy(reader);
+    } else {
+        document.state = Document::State::COMPLETE;
+    }
+    return document;
+}
+
+QString describe(const Damage& damage)
+{
+    // The reason may quote the document.
+    return QString("damaged at line %1, column %2 (%3)")
+        .arg(QString::number(damage.line), QString::number(damage.column), printable(damage.reason));
+}
+
+void complainAboutDamage(const QString& path, const Document& document)
+{
+    const QString damage = describe(document.damage);
+    if (document.root)
+        complain(path, damage + "; everything behind that place is not read. Correct the file there, or "
+                                "restore it from a copy");
+    else
+        complain(path, "no settings document: it holds no element, " + damage +
+                           "; check that it is the right file");
+}
+
+void writeCompleteness(JsonWriter& json, const Document& document)
+{
+    json.member("complete");
+    json.boolean(document.state != Document::State::DAMAGED);
+    json.member("error");
+    if (document.state != Document::State::DAMAGED) {
+        json.null();
+        return;
+    }
+    json.beginObject();
+    json.member("line");
+    json.number(document.damage.line);
+    json.member("column");
+    json.number(document.damage.column);
+    json.member("message");
+    json.string(document.damage.reason);
+    json.endObject();
+}
+
+bool sameTree(TVNC_XMLNode& left, TVNC_XMLNode& right)
+{
+    std::vector<std::pair<TVNC_XMLNode*, TVNC_XMLNode*>> pending{{&left, &right}};
+    while (!pending.empty()) {
+        const auto [one, other] = pending.back();
+        pending.pop_back();
+        const QList<TVNC_XMLNode*>& children = one->getXMLNodeChildren();
+        const QList<TVNC_XMLNode*>& otherChildren = other->getXMLNodeChildren();
+        if (!sameElement(*one, *other) || children.size() != otherChildren.size())
+            return false;
+        for (int i = 0; i < children.size(); ++i)
+            pending.emplace_back(children.at(i), otherChildren.at(i));
+    }
+    return true;
+}

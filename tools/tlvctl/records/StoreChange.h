@@ -1,0 +1,79 @@
+#ifndef TOOLS_TLVCTL_RECORDS_STORECHANGE_H
+#define TOOLS_TLVCTL_RECORDS_STORECHANGE_H
+
+#include "tools/tlvctl/commandline/CommandLine.h"
+#include "tools/tlvctl/records/Store.h"
+
+#include <QtCore/QStringList>
+
+#include <functional>
+#include <optional>
+
+/**
+ * @file
+ * What the commands that change a store have in common: the options, what is checked before, saving, and
+ * what is checked and printed afterwards.
+ */
+
+/// What the attempt to change a store led to.
+enum class Outcome {
+    REFUSED, ///< with a complaint
+    UNCHANGED,
+    CHANGED,
+};
+
+/// The options of every command that changes a store: "--dry-run" and "--force".
+QList<QCommandLineOption> changeOptions(const QString& fileName);
+
+/**
+ * Changes a store: checks that its file may be replaced, loads it, has it changed, saves it, reads the file
+ * back to see that it holds the result, and prints what has changed. With "--dry-run" nothing is saved, and
+ * what is printed is said to be what would change.
+ *
+ * @param change changes the loaded store and appends lines for what has changed, fit for a terminal; nothing
+ *               is saved when it did not
+ * @param finish may append lines that can only be told after saving; with "--dry-run" it is called as well
+ * @return the exit code
+ */
+int changeStore(Store& store, const QCommandLineParser& arguments,
+                const std::function<Outcome(QStringList& changes)>& change,
+                const std::function<void(QStringList& changes)>& finish = nullptr);
+
+/// The argument "NUMBER...", which removeRecords() takes.
+Argument numbersArgument();
+
+/**
+ * The command that removes the records whose numbers stand behind the directory. They are the numbers from
+ * before the command. When one of them is absent, nothing is removed.
+ *
+ * @param describe the line that shows the record of a number, which exists, without that number
+ * @param remove   has the store remove the record of a number and number the rest anew
+ * @param finish   as for changeStore()
+ */
+int removeRecords(Store& store, const QCommandLineParser& arguments,
+                  const std::function<QString(int number)>& describe,
+                  const std::function<void(int number)>& remove,
+                  const std::function<void(QStringList& changes)>& finish = nullptr);
+
+/// A number from 0 on in decimal digits, with or without zeros before it.
+std::optional<int> parseNumber(const QString& text);
+
+/// Reads an argument that is the number of a record. Complains and returns nothing when it is none.
+std::optional<int> recordNumber(const QString& argument);
+
+/// Complains and returns false when the loaded store has no record of this number.
+bool checkPresent(const Store& store, int number);
+
+/// Whether "--dry-run" is given.
+bool isDryRun(const QCommandLineParser& arguments);
+
+/// "removed  003  WHAT", as a line of what has changed.
+QString changeLine(const char* verb, const QString& number, const QString& what);
+
+/// The option "--max", which is handed to the store as the most records that it is to keep.
+QCommandLineOption maximumOption();
+
+/// Reads that option. Complains and returns nothing when it is no maximum.
+std::optional<int> maximumArgument(const QCommandLineParser& arguments);
+
+#endif

@@ -1,0 +1,244 @@
+#include "tools/tlvctl/thumbnails/ThumbnailUnpackCommands.h"
+
+#include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/commandline/JsonWriter.h"
+#include "tools/tlvctl/commandline/Progress.h"
+#include "tools/tlvctl/commandline/Table.h"
+#include "tools/tlvctl/commandline/Text.h"
+#include "tools/tlvctl/records/StoreChange.h"
+#include "tools/tlvctl/records/StoreFile.h"
+#include "tools/tlvctl/thumbnails/ThumbnailPack.h"
+
+#include <tlvlib/thumbs/TVNC_ThumbnailConverter.h>
+
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+const QString TRUST_NAMES = "trust-names";
+
+const Argument PACK{"FILE", "The pack."};
+
+// --- list -------------------------------------------------------------------------------------------------
+
+void printPictures(const std::vector<PackedPicture>& pictures)
+{
+    Table table({"name", "bytes"});
+    qint64 bytes = 0;
+    for (const PackedPicture& picture : pictures) {
+        const bool isMarked = !picture.omissions.empty() || !picture.doubts.empty();
+        table.addRow({printable(picture.name) + (isMarked ? "*" : ""), QString::number(picture.bytes)});
+        bytes += picture.bytes;
+    }
+    table.print();
+    qint64 marked = 0;
+    for (const PackedPicture& picture : pictures) {
+        for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
+            if (flaws.empty())
+                continue;
+            printLine("* " + quoted(picture.name) + ' ' + explanationsOf(flaws));
+            ++marked;
+        }
+    }
+    QString line = QString("pictures: %1, bytes: %2").arg(pictures.size()).arg(bytes);
+    if (marked > 0)
+        line += QString(", marked: %1").arg(marked);
+    printLine(line);
+}
+
+void writePictures(const QString& path, const Document& pack, const std::vector<PackedPicture>& pictures)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("file");
+    json.string(path);
+    writeCompleteness(json, pack);
+    json.member("pictures");
+    json.beginArray();
+    for (const PackedPicture& picture : pictures) {
+        json.beginObject();
+        writePicture(json, picture);
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+}
+
+int list(const QCommandLineParser& arguments)
+{
+    const QString path = pathArgument(arguments);
+    const Document pack = readPack(path);
+    if (pack.state == Document::State::MISSING || pack.state == Document::State::UNREADABLE)
+        return FAILED;
+    if (arguments.isSet("json"))
+        writePictures(path, pack, picturesOf(pack));
+    else
+        printPictures(picturesOf(pack));
+    if (pack.state == Document::State::COMPLETE)
+        return DONE;
+    complainAboutDamage(path, pack);
+    return FAILED;
+}
+
+// --- unpack -----------------------------------------------------------------------------------------------
+
+/// What to do with names, and with files that are there.
+struct Permissions
+{
+    bool trustsNames;
+    bool isForced;
+};
+
+/// Why a picture is not to be written to this path; empty when it may be.
+QString obstacle(const PackedPicture& picture, const QString& path, const Permissions& permissions)
+{
+    if (!picture.doubts.empty() && !permissions.trustsNames)
+        return explanationsOf(picture.doubts);
+    const QFileInfo info(path);
+    if (info.isSymLink() && !permissions.trustsNames)
+        return "would be written through a symbolic link that is there";
+    if (info.exists() && !info.isFile())
+        return "has the name of something that is there and is no file";
+    if (info.exists() && !permissions.isForced)
+        return "is there already";
+    return QString();
+}
+
+/// Complains about all that stands in the way, and returns false when there is anything.
+bool checkPictures(const StoreFile& pack, const QString& dir, const std::vector<PackedPicture>& pictures,
+                   const Permissions& permissions)
+{
+    const int shownMax = 10;
+    int count = 0;
+    for (const PackedPicture& picture : pictures) {
+        const QString problem =
+            picture.isUnpacked() ? obstacle(picture, dir + picture.name, permissions) : QString();
+        if (!problem.isEmpty() && ++count <= shownMax)
+            complain(pack.path(), quoted(picture.name) + ' ' + problem);
+    }
+    if (count == 0)
+        return true;
+    if (count > shownMax)
+        complain(pack.path(), QString("and %1 more").arg(count - shownMax));
+    complain(pack.path(),
+             "nothing was written; unpack into an empty directory, replace files that are there with "
+             "--force, and use names as they are with --trust-names if you know who has made the pack");
+    return false;
+}
+
+/// Why a picture could not be written; empty when it was.
+QString writeFile(const PackedPicture& picture, const QString& dir)
+{
+    QByteArray base64 = picture.node->getText().toLatin1();
+    QString path = dir + picture.name;
+    if (!TVNC_ThumbnailConverter::getInstance()->decode_base64(base64, path))
+        return "cannot be written; check the permissions of the directory";
+    const qint64 written = QFileInfo(path).size();
+    if (written != picture.bytes)
+        return QString("was only written to %1 of its %2 bytes; check the free space (\"df %3\")")
+            .arg(written)
+            .arg(picture.bytes)
+            .arg(printable(dir));
+    return QString();
+}
+
+/// Writes all pictures. The lines tell which ones could not be.
+QStringList writeFiles(const std::vector<PackedPicture>& pictures, const QString& dir)
+{
+    QStringList problems;
+    Progress progress(pictures.size());
+    for (const PackedPicture& picture : pictures) {
+        const QString problem = picture.isUnpacked() ? writeFile(picture, dir) : QString();
+        if (!problem.isEmpty())
+            problems.append(quoted(picture.name) + ' ' + problem);
+        progress.advance();
+    }
+    return problems;
+}
+
+void printUnpacked(const std::vector<PackedPicture>& pictures, const QString& dir, bool isDryRun)
+{
+    qint64 bytes = 0;
+    qint64 count = 0;
+    for (const PackedPicture& picture : pictures) {
+        if (picture.isUnpacked()) {
+            ++count;
+            bytes += picture.bytes;
+        } else {
+            printLine(quoted(picture.name) + ' ' + explanationsOf(picture.omissions));
+        }
+    }
+    if (isDryRun)
+        printLine(QString("dry run: nothing is written to %1").arg(printable(dir)));
+    printLine(QString("pictures unpacked: %1, bytes: %2").arg(count).arg(bytes));
+}
+
+int unpack(const QCommandLineParser& arguments)
+{
+    const QFileInfo source(pathArgument(arguments, 0));
+    const StoreFile file(source.path(), source.fileName());
+    const StoreFile dir(pathArgument(arguments, 1), "the pictures");
+    const Permissions permissions{arguments.isSet(TRUST_NAMES), arguments.isSet("force")};
+    if (!dir.checkDirectory())
+        return FAILED;
+    const Document pack = readPack(file.path());
+    if (pack.state == Document::State::MISSING || pack.state == Document::State::UNREADABLE)
+        return FAILED;
+    if (pack.state == Document::State::DAMAGED && (!pack.root || !permissions.isForced)) {
+        complain(file.path(), describe(pack.damage) +
+                                  "; nothing was written. What stands before that place is unpacked "
+                                  "with --force");
+        return FAILED;
+    }
+    const std::vector<PackedPicture> pictures = picturesOf(pack);
+    if (!checkPictures(file, dir.dir(), pictures, permissions))
+        return FAILED;
+    const QStringList problems = isDryRun(arguments) ? QStringList() : writeFiles(pictures, dir.dir());
+    for (const QString& problem : problems)
+        complain(dir.dir(), problem);
+    if (!problems.isEmpty())
+        return FAILED;
+    if (arguments.isSet("json"))
+        writePictures(file.path(), pack, pictures);
+    else
+        printUnpacked(pictures, dir.dir(), isDryRun(arguments));
+    return DONE;
+}
+
+} // namespace
+
+Command thumbnailListCommand()
+{
+    Command command;
+    command.name = "list";
+    command.summary = "Show the pictures of a pack.";
+    command.details = "What unpacking passes over or refuses is marked with *, and a line below the table\n"
+                      "tells why.";
+    command.examples = {"tlvctl thumbnails list /data/user/thumbnails.xml"};
+    command.arguments = {PACK};
+    command.options = {jsonOption()};
+    command.run = list;
+    return command;
+}
+
+Command thumbnailUnpackCommand()
+{
+    Command command;
+    command.name = "unpack";
+    command.summary = "Unpack the pictures of a pack into a directory.";
+    command.details =
+        "All or nothing: before the first picture is written, all names are checked. A pack may\n"
+        "name files elsewhere, so names with a \"/\", names that come twice and symbolic links in\n"
+        "the way are refused.";
+    command.examples = {"tlvctl thumbnails unpack /data/user/thumbnails.xml /data/new/thumbnail"};
+    command.arguments = {PACK, {"DIR", "The directory for the pictures. It has to be there."}};
+    command.options = {
+        jsonOption(),
+        {"dry-run", "Write nothing, but say what would be unpacked."},
+        {"force", "Replace files that are there, and unpack what can be read of a damaged pack."},
+        {TRUST_NAMES, "Use all names as they are, wherever they lead."}};
+    command.run = unpack;
+    return command;
+}
