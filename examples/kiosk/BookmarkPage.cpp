@@ -1,4 +1,4 @@
-#include "examples/kiosk/BookmarkPage.h"
+#include "BookmarkPage.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QAction>

@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_BOOKMARKPAGE_H
 #define EXAMPLES_KIOSK_BOOKMARKPAGE_H
 
-#include "examples/kiosk/Bookmarks.h"
+#include "Bookmarks.h"
 
 #include <QtWidgets/QWidget>
 

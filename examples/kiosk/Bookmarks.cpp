@@ -1,4 +1,4 @@
-#include "examples/kiosk/Bookmarks.h"
+#include "Bookmarks.h"
 
 Bookmarks::Bookmarks(const Profile& profile)
     : store_(*TVNC_BookmarksSetting::getInstance()), profile_(profile), saving_([this] { save(); })

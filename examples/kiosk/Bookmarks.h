@@ -1,8 +1,8 @@
 #ifndef EXAMPLES_KIOSK_BOOKMARKS_H
 #define EXAMPLES_KIOSK_BOOKMARKS_H
 
-#include "examples/kiosk/DelayedSave.h"
-#include "examples/kiosk/Profile.h"
+#include "DelayedSave.h"
+#include "Profile.h"
 
 #include <tlvlib/stores/TVNC_BookmarksSetting.h>
 

@@ -1,4 +1,4 @@
-#include "examples/kiosk/BrowserState.h"
+#include "BrowserState.h"
 
 #include <tlvlib/thumbs/TVNC_NetworkDiskCache.h>
 

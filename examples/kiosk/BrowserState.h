@@ -1,11 +1,11 @@
 #ifndef EXAMPLES_KIOSK_BROWSERSTATE_H
 #define EXAMPLES_KIOSK_BROWSERSTATE_H
 
-#include "examples/kiosk/Bookmarks.h"
-#include "examples/kiosk/CookieJar.h"
-#include "examples/kiosk/History.h"
-#include "examples/kiosk/Logins.h"
-#include "examples/kiosk/Profile.h"
+#include "Bookmarks.h"
+#include "CookieJar.h"
+#include "History.h"
+#include "Logins.h"
+#include "Profile.h"
 
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 #include <tlvlib/prefs/TVNC_BrowserUserSetting.h>

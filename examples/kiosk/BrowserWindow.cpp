@@ -1,10 +1,10 @@
-#include "examples/kiosk/BrowserWindow.h"
+#include "BrowserWindow.h"
 
-#include "examples/kiosk/BookmarkPage.h"
-#include "examples/kiosk/HistoryPage.h"
-#include "examples/kiosk/KeptPage.h"
-#include "examples/kiosk/LoginDialog.h"
-#include "examples/kiosk/SettingsDialog.h"
+#include "BookmarkPage.h"
+#include "HistoryPage.h"
+#include "KeptPage.h"
+#include "LoginDialog.h"
+#include "SettingsDialog.h"
 
 #include <QtCore/QStringListModel>
 #include <QtGui/QCloseEvent>

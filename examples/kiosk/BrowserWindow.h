@@ -1,8 +1,8 @@
 #ifndef EXAMPLES_KIOSK_BROWSERWINDOW_H
 #define EXAMPLES_KIOSK_BROWSERWINDOW_H
 
-#include "examples/kiosk/BrowserState.h"
-#include "examples/kiosk/Network.h"
+#include "BrowserState.h"
+#include "Network.h"
 
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QStyle>

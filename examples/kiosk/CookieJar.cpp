@@ -1,4 +1,4 @@
-#include "examples/kiosk/CookieJar.h"
+#include "CookieJar.h"
 
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 

@@ -1,4 +1,4 @@
-#include "examples/kiosk/DelayedSave.h"
+#include "DelayedSave.h"
 
 DelayedSave::DelayedSave(std::function<void()> save) : save_(std::move(save))
 {

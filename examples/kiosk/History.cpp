@@ -1,4 +1,4 @@
-#include "examples/kiosk/History.h"
+#include "History.h"
 
 History::History(const Profile& profile)
     : store_(*TVNC_HistorySetting::getInstance()), profile_(profile), saving_([this] { save(); })

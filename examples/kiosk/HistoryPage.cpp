@@ -1,4 +1,4 @@
-#include "examples/kiosk/HistoryPage.h"
+#include "HistoryPage.h"
 
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QHeaderView>

@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_HISTORYPAGE_H
 #define EXAMPLES_KIOSK_HISTORYPAGE_H
 
-#include "examples/kiosk/History.h"
+#include "History.h"
 
 #include <QtWidgets/QWidget>
 

@@ -1,4 +1,4 @@
-#include "examples/kiosk/IdleWatch.h"
+#include "IdleWatch.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>

@@ -1,4 +1,4 @@
-#include "examples/kiosk/KeptPage.h"
+#include "KeptPage.h"
 
 #include <QtCore/QDateTime>
 #include <QtWidgets/QHBoxLayout>

@@ -1,8 +1,8 @@
 #ifndef EXAMPLES_KIOSK_KEPTPAGE_H
 #define EXAMPLES_KIOSK_KEPTPAGE_H
 
-#include "examples/kiosk/CookieJar.h"
-#include "examples/kiosk/Logins.h"
+#include "CookieJar.h"
+#include "Logins.h"
 
 #include <QtWidgets/QWidget>
 

@@ -1,4 +1,4 @@
-#include "examples/kiosk/LoginDialog.h"
+#include "LoginDialog.h"
 
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFormLayout>

@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_LOGINDIALOG_H
 #define EXAMPLES_KIOSK_LOGINDIALOG_H
 
-#include "examples/kiosk/Network.h"
+#include "Network.h"
 
 #include <QtWidgets/QDialog>
 

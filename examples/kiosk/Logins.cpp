@@ -1,4 +1,4 @@
-#include "examples/kiosk/Logins.h"
+#include "Logins.h"
 
 Logins::Logins(const Profile& profile)
     : store_(*TVNC_AuthSetting::getInstance()), profile_(profile), saving_([this] { save(); })

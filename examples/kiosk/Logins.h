@@ -1,8 +1,8 @@
 #ifndef EXAMPLES_KIOSK_LOGINS_H
 #define EXAMPLES_KIOSK_LOGINS_H
 
-#include "examples/kiosk/DelayedSave.h"
-#include "examples/kiosk/Profile.h"
+#include "DelayedSave.h"
+#include "Profile.h"
 
 #include <tlvlib/stores/TVNC_AuthSetting.h>
 

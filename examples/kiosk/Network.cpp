@@ -1,4 +1,4 @@
-#include "examples/kiosk/Network.h"
+#include "Network.h"
 
 #include <tlvlib/util/TVNC_IwsUrl.h>
 

@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_NETWORK_H
 #define EXAMPLES_KIOSK_NETWORK_H
 
-#include "examples/kiosk/BrowserState.h"
+#include "BrowserState.h"
 
 #include <QtNetwork/QNetworkAccessManager>
 

@@ -1,4 +1,4 @@
-#include "examples/kiosk/Profile.h"
+#include "Profile.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>

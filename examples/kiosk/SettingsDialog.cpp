@@ -1,4 +1,4 @@
-#include "examples/kiosk/SettingsDialog.h"
+#include "SettingsDialog.h"
 
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>

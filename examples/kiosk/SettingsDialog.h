@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_SETTINGSDIALOG_H
 #define EXAMPLES_KIOSK_SETTINGSDIALOG_H
 
-#include "examples/kiosk/BrowserState.h"
+#include "BrowserState.h"
 
 #include <QtWidgets/QDialog>
 

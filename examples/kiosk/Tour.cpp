@@ -1,6 +1,6 @@
-#include "examples/kiosk/Tour.h"
+#include "Tour.h"
 
-#include "examples/kiosk/BrowserWindow.h"
+#include "BrowserWindow.h"
 
 #include <QtCore/QAbstractItemModel>
 #include <QtCore/QFile>

@@ -5,9 +5,9 @@
  *     kiosk --profile DIR [URL]
  */
 
-#include "examples/kiosk/BrowserWindow.h"
-#include "examples/kiosk/IdleWatch.h"
-#include "examples/kiosk/Tour.h"
+#include "BrowserWindow.h"
+#include "IdleWatch.h"
+#include "Tour.h"
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
 
