@@ -89,6 +89,7 @@ public:
      * afterwards what was set, across loads.
      */
     char getKeyBoardTypeInfo();
+    /// @copydoc getKeyBoardTypeInfo
     void setKeyBoardTypeInfo(char c_type);
 
     /// @name Switches that are on unless they are off
@@ -98,34 +99,42 @@ public:
 
     /// Whether cookies are accepted: "accept" or "refuse".
     void setRcvCookieInfo(char c_accept);
+    /// @copydoc setRcvCookieInfo
     char getRcvCookieInfo();
 
     /// Whether the disk cache is used: "true" or "false".
     void setUseCacheInfo(char c_use);
+    /// @copydoc setUseCacheInfo
     char getUseCacheInfo();
 
     /// Which keyboard has priority: "soft", the one on the screen, as 1, or "usb" as 0.
     void setSWKeyBoardTypeInfo(char c_soft);
+    /// @copydoc setSWKeyBoardTypeInfo
     char getSWKeyBoardTypeInfo();
 
     /// Whether pages may run JavaScript: "true" or "false".
     void setUseJavaScriptInfo(char c_use);
+    /// @copydoc setUseJavaScriptInfo
     char getUseJavaScriptInfo();
 
     /// Whether the Flash plug-in plays: "true" or "false".
     void setPlayFlashInfo(char c_play);
+    /// @copydoc setPlayFlashInfo
     char getPlayFlashInfo();
 
     /// Whether HTTP/1.1 is used through the proxy: "true" or "false".
     void setUseProxyHttpInfo(char c_use);
+    /// @copydoc setUseProxyHttpInfo
     char getUseProxyHttpInfo();
 
     /// Whether SSL 3.0 may be used: "true" or "false".
     void setUseSSL30(char c_use);
+    /// @copydoc setUseSSL30
     char getUseSSL30();
 
     /// Whether TLS 1.0 may be used: "true" or "false".
     void setUseTLS10(char c_use);
+    /// @copydoc setUseTLS10
     char getUseTLS10();
 
     /// @}
@@ -136,10 +145,12 @@ public:
 
     /// Whether the proxy is used.
     void setUseProxyInfo(char c_use);
+    /// @copydoc setUseProxyInfo
     char getUseProxyInfo();
 
     /// Whether the proxy asks for a login.
     void setUseProxyCertificationInfo(char c_use);
+    /// @copydoc setUseProxyCertificationInfo
     char getUseProxyCertificationInfo();
 
     /// @}
@@ -147,6 +158,7 @@ public:
     /// When the disk cache is emptied: 0 "notDelete", 1 "logout", 2 "timeout". Any other code, and any other
     /// text in the document, stands for 0.
     void setCacheDeleteTiming(char c_timing);
+    /// @copydoc setCacheDeleteTiming
     char getCacheDeleteTiming();
 
     /// @name Texts
@@ -156,18 +168,22 @@ public:
 
     /// The proxy's host name, up to 253 bytes; otherwise empty.
     bool setProxyServerStr(QString host);
+    /// @copydoc setProxyServerStr
     void getProxyServerStr(QString* pc_host);
 
     /// The proxy's port for HTTP, any text of up to 5 bytes; otherwise "8080".
     bool setProxyHttpPortStr(QString port);
+    /// @copydoc setProxyHttpPortStr
     void getProxyHttpPortStr(QString* pc_port);
 
     /// The proxy's port for HTTPS, any text of up to 5 bytes; otherwise "8080".
     bool setProxyHttpsPortStr(QString port);
+    /// @copydoc setProxyHttpsPortStr
     void getProxyHttpsPortStr(QString* pc_port);
 
     /// The domains for which the proxy is not used, up to 253 bytes; otherwise empty.
     bool setNoProxyDomainStr(QString domains);
+    /// @copydoc setNoProxyDomainStr
     void getNoProxyDomainStr(QString* pc_domains);
 
     /// @}
@@ -177,9 +193,14 @@ public:
     /// empty. Null does nothing.
     /// @{
 
+    /// The user's name, at most 80 bytes.
     bool setProxyAccountStr(QByteArray account);
+    /// @copydoc setProxyAccountStr
     void getProxyAccountStr(QByteArray* pc_account);
+
+    /// The password, at most 80 bytes.
     bool setProxyPasswordStr(QByteArray password);
+    /// @copydoc setProxyPasswordStr
     void getProxyPasswordStr(QByteArray* pc_password);
 
     /// @}

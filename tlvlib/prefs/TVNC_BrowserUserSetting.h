@@ -66,6 +66,7 @@ public:
     /// What is shown first: 1 the last page ("lastpage"), 0 the home page ("homepage"). Any other code, and
     /// any other text in the document, stands for 0.
     void setStartUp(char c_startUp);
+    /// @copydoc setStartUp
     char getStartUp();
 
     /// @name When what the browser has collected is deleted
@@ -73,11 +74,14 @@ public:
     /// 0. Deleting is the application's work.
     /// @{
 
+    /// For cookies.
     void setCookieDeleteTiming(char c_timing);
+    /// @copydoc setCookieDeleteTiming
     char getCookieDeleteTiming();
 
     /// For the logins for servers.
     void setCertificationDeleteTiming(char c_timing);
+    /// @copydoc setCertificationDeleteTiming
     char getCertificationDeleteTiming();
 
     /// @}
@@ -89,15 +93,18 @@ public:
 
     /// The home page's address. Answered as "about:blank" when it is missing, too long or empty.
     bool setHomePage(QString url);
+    /// @copydoc setHomePage
     void getHomePage(QString* pc_url);
 
     /// The address of the page that was shown last. Answered as "about:blank" when it is missing, too long or
     /// empty.
     bool setLastPage(QString url);
+    /// @copydoc setLastPage
     void getLastPage(QString* pc_url);
 
     /// The name of the font. Answered as empty when it is missing or too long.
     bool setFontName(QString name);
+    /// @copydoc setFontName
     void getFontName(QString* pc_name);
 
     /// @}
@@ -110,6 +117,7 @@ public:
      * @return false for a code that is refused, and before the first load
      */
     bool setZoomInfo(short si_code);
+    /// @copydoc setZoomInfo
     short getZoomInfo();
 
 private:

@@ -77,6 +77,8 @@ public:
      * "[TVNC_BookmarksSetting::loadBookmark] Path is NULL or empty."; so does a maximum below 1 with
      * "[TVNC_BookmarksSetting::loadBookmark] Error load_max:%d".
      *
+     * @param dir           ends in "/"; at most 236 bytes of UTF-8, so that the pictures' paths keep to 256
+     * @param si_loadMax    at least 1
      * @param si_lastNumber receives the result of getLastNumber(); unchanged when the load is refused
      */
     void loadBookmark(QString* dir, int si_loadMax, int& si_lastNumber);
@@ -173,6 +175,7 @@ public:
     /**
      * An element of a bookmark.
      *
+     * @param si_id   the bookmark's number
      * @param c_which 0 for the title, 1 for the address, 2 for the thumbnail
      * @return the element; null for any other @a c_which, and when there is no such bookmark or element
      */
@@ -187,7 +190,9 @@ public:
     /**
      * Writes a picture into a PNG file of the next number.
      *
-     * @param pc_path   the directory of the pictures; afterwards the full path of the file
+     * @param pc_image  the picture, of any size
+     * @param pc_path   the directory of the pictures, with "/" at its end; afterwards the full path of the
+     * file
      * @param si_number the highest number in use; 1 more afterwards, also when writing failed
      * @return false when @a pc_image or @a pc_path is null, which changes nothing, or when the file could not
      *         be written

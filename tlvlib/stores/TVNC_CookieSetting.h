@@ -16,6 +16,7 @@ struct TVNS_CookieInfo
     /// The cookie's name, its bytes read as UTF-8, up to the first zero byte.
     QString name;
 
+    /// The path on the site for which it counts, such as "/".
     QString path;
 
     /// "true" or "false".

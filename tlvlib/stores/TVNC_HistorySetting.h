@@ -83,6 +83,7 @@ public:
      * tells why: for a null or empty directory "[TVNC_HistorySetting::loadHistory] Path is NULL or empty.",
      * for a maximum below 1 "[TVNC_HistorySetting::loadHistory] Error load_max:%d".
      *
+     * @param dir        ends in "/"
      * @param si_loadMax how many visits updateHistory() keeps from now on; above 999 it bounds nothing
      */
     void loadHistory(QString* dir, int si_loadMax);
@@ -96,6 +97,7 @@ public:
      * for a maximum below 1 "[TVNC_HistorySetting::saveAuthInfo] Error save_max:%d", which names another
      * operation.
      *
+     * @param dir        ends in "/"
      * @param si_saveMax must be 1 or more and bounds nothing
      */
     void saveHistory(QString* dir, int si_saveMax);

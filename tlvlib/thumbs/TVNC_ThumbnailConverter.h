@@ -52,7 +52,9 @@ public:
      * Adds an "image" at the end of @a pc_root. A null root is logged as
      * "[TVNC_ThumbnailConverter::setThumbnail] pc_XMLRootNode is Null.".
      *
-     * @param src the file's name
+     * @param base64Text the file's bytes in base64, without line breaks
+     * @param src        the file's name
+     * @param pc_root    the pack
      */
     void setThumbnail(QString& base64Text, QString& src, TVNC_XMLNode* pc_root);
 

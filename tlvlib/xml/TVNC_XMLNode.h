@@ -62,7 +62,10 @@ public:
     /// How the text is written: 0 as character data, 1 as a CDATA section, any other value not at all.
     char getTextType();
 
+    /// Any name; the writer writes it as it is.
     void setName(QString& name);
+
+    /// Any text; the writer leaves out what XML cannot hold.
     void setText(QString& text);
 
     /// Stores the code as it is; see getTextType().

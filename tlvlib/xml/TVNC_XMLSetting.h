@@ -86,6 +86,9 @@ public:
      * Creates an element.
      *
      * @param pc_parent the element that owns it; null gives a detached node, which the caller owns
+     * @param name its name
+     * @param text its text
+     * @param attributes its attributes, in their order
      * @param c_textType 0 for character data, 1 for a CDATA section
      * @param c_prepend 0 puts it last among the parent's children, any other value first
      * @return the element; null, logged at level 1 as "[TVNC_XMLSetting::addXMLChild] Fail", when memory ran

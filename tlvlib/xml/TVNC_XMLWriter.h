@@ -19,11 +19,11 @@ class TVNC_XMLNode;
  *
  * An element has its attributes in their order, then its text, then its children. Text type 0 goes out as
  * character data, 1 as a CDATA section, any other not at all; an element without text and children as
- * <name/>. Two rules keep every file readable:
+ * an empty tag. Two rules keep every file readable:
  *
  *  - Characters that XML 1.0 cannot hold (control characters, lone surrogates, U+FFFE, U+FFFF) are left out
- * of texts and attribute values. A web page's title may contain them, and one would cost the whole rest of
- *    the document.
+ *    of texts and attribute values. A web page's title may contain them, and one would cost the whole rest
+ *    of the document.
  *  - Elements deeper than 100 are written without line breaks and indentation, which otherwise grow with the
  *    square of the depth.
  *
