@@ -5,7 +5,7 @@
  */
 
 #include "bench/Stores.h"
-#include "platform/liblog.h"
+#include "platform/liblog_silent.h"
 
 #include <tlvlib/stores/TVNC_BookmarksSetting.h>
 #include <tlvlib/stores/TVNC_HistorySetting.h>
@@ -21,24 +21,6 @@
 #include <functional>
 #include <map>
 #include <string>
-
-// The platform's log is not counted.
-int LIBF_WriteSystemLog(int, int, int, const char*, unsigned short*)
-{
-    return 0;
-}
-int LIBF_SetSignalHandler01(int)
-{
-    return 0;
-}
-int LIBF_SetApiSignalInfoNonSave(int)
-{
-    return 0;
-}
-int LIBF_AttachMemory()
-{
-    return 0;
-}
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "fuzz/Fuzz.h"
 
-#include "platform/liblog.h"
+#include "platform/liblog_silent.h"
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
 
@@ -12,24 +12,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-
-// The targets are not to fill the system log.
-int LIBF_WriteSystemLog(int, int, int, const char*, unsigned short*)
-{
-    return 0;
-}
-int LIBF_SetSignalHandler01(int)
-{
-    return 0;
-}
-int LIBF_SetApiSignalInfoNonSave(int)
-{
-    return 0;
-}
-int LIBF_AttachMemory()
-{
-    return 0;
-}
 
 const QString& scratchDir()
 {

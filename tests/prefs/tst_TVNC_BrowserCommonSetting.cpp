@@ -12,40 +12,11 @@ static const char END_LOAD[] = "3 [TVNC_BrowserCommonSetting::loadSetting] end";
 static const char START_SAVE[] = "3 [TVNC_BrowserCommonSetting::saveSetting] start";
 static const char END_SAVE[] = "3 [TVNC_BrowserCommonSetting::saveSetting] end";
 
-static const char DEFAULTS[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                               "<repostry_common docInfo=\"1.0\">\n"
-                               "    <cookie>\n"
-                               "        <acceptCookie>accept</acceptCookie>\n"
-                               "    </cookie>\n"
-                               "    <cache>\n"
-                               "        <enableCache>true</enableCache>\n"
-                               "        <cacheDeleteTiming>notDelete</cacheDeleteTiming>\n"
-                               "    </cache>\n"
-                               "    <keyboard>\n"
-                               "        <priority>soft</priority>\n"
-                               "    </keyboard>\n"
-                               "    <javascript>\n"
-                               "        <enableJavascript>true</enableJavascript>\n"
-                               "    </javascript>\n"
-                               "    <plugin>\n"
-                               "        <enableFlashPlugin>true</enableFlashPlugin>\n"
-                               "    </plugin>\n"
-                               "    <proxy>\n"
-                               "        <enableProxy>false</enableProxy>\n"
-                               "        <hostName/>\n"
-                               "        <portHTTP>8080</portHTTP>\n"
-                               "        <portHTTPS>8080</portHTTPS>\n"
-                               "        <enableHTTP11>true</enableHTTP11>\n"
-                               "        <unusedDomain/>\n"
-                               "        <enableProxyAuth>false</enableProxyAuth>\n"
-                               "        <proxyUserName/>\n"
-                               "        <proxyUserPass/>\n"
-                               "    </proxy>\n"
-                               "    <security>\n"
-                               "        <enableSSL30>true</enableSSL30>\n"
-                               "        <enableTLS10>true</enableTLS10>\n"
-                               "    </security>\n"
-                               "</repostry_common>\n";
+/// What a directory without a file is saved as.
+static QByteArray defaults()
+{
+    return readFile(testData(utf8("repostry.xml")));
+}
 
 /// A choice with its accessors and its words in the order of their codes.
 struct Choice
@@ -239,7 +210,7 @@ void tst_TVNC_BrowserCommonSetting::missingFileGivesTheDefaults()
 {
     QVERIFY(!QFile::exists(file())); // loading saves nothing
     common_->saveSetting(&dirName_);
-    QCOMPARE(readFile(file()), QByteArray(DEFAULTS));
+    QCOMPARE(readFile(file()), defaults());
     for (int i = 0; i < CHOICE_COUNT; ++i)
         QCOMPARE(int((common_->*CHOICES[i].get)()), CHOICES[i].si_default);
     for (int i = 0; i < TEXT_COUNT; ++i) {
@@ -264,7 +235,7 @@ void tst_TVNC_BrowserCommonSetting::savedPreferencesAreLoadedBack()
     QVERIFY(common_->setProxyAccountStr("alice"));
     QVERIFY(common_->setProxyPasswordStr(QByteArray("s]]>\0\xFF", 6)));
     common_->saveSetting(&dirName_);
-    QByteArray expected = DEFAULTS;
+    QByteArray expected = defaults();
     expected.replace("<acceptCookie>accept<", "<acceptCookie>refuse<");
     expected.replace("<cacheDeleteTiming>notDelete<", "<cacheDeleteTiming>timeout<");
     expected.replace("<enableProxy>false<", "<enableProxy>true<");
@@ -297,7 +268,7 @@ void tst_TVNC_BrowserCommonSetting::rootOfAnotherNameIsRenamedAndKeepsItsChildre
     loadFrom("<repostry a='1' docInfo='0.5'><foreign x='y'>text</foreign>"
              "<cookie z='1'><acceptCookie>refuse</acceptCookie></cookie></repostry>");
     common_->saveSetting(&dirName_);
-    QByteArray expected = DEFAULTS;
+    QByteArray expected = defaults();
     expected.replace("    <cookie>\n        <acceptCookie>accept</acceptCookie>\n    </cookie>\n",
                      "    <foreign x=\"y\">text</foreign>\n"
                      "    <cookie z=\"1\">\n        <acceptCookie>refuse</acceptCookie>\n    </cookie>\n");
@@ -308,7 +279,7 @@ void tst_TVNC_BrowserCommonSetting::rootOfTheRightNameKeepsItsAttributes()
 {
     loadFrom("<repostry_common docInfo='9' x='y'/>");
     common_->saveSetting(&dirName_);
-    QByteArray expected = DEFAULTS;
+    QByteArray expected = defaults();
     expected.replace("<repostry_common docInfo=\"1.0\">", "<repostry_common docInfo=\"9\" x=\"y\">");
     QCOMPARE(readFile(file()), expected);
 }
@@ -438,7 +409,7 @@ void tst_TVNC_BrowserCommonSetting::keyBoardTypeIsInNoDocument()
 {
     common_->setKeyBoardTypeInfo(static_cast<char>(200));
     common_->saveSetting(&dirName_);
-    QCOMPARE(readFile(file()), QByteArray(DEFAULTS));
+    QCOMPARE(readFile(file()), defaults());
     common_->loadSetting(&dirName_);
     QCOMPARE(int(static_cast<unsigned char>(common_->getKeyBoardTypeInfo())), 200);
     common_->setKeyBoardTypeInfo(0);

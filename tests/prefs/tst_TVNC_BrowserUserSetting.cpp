@@ -11,24 +11,11 @@ static const char END_LOAD[] = "3 [TVNC_BrowserUserSetting::loadSetting] end";
 static const char START_SAVE[] = "3 [TVNC_BrowserUserSetting::saveSetting] start";
 static const char END_SAVE[] = "3 [TVNC_BrowserUserSetting::saveSetting] end";
 
-static const char DEFAULTS[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                               "<repostry docInfo=\"1.0\">\n"
-                               "    <pageInfo>\n"
-                               "        <home>about:blank</home>\n"
-                               "        <startup>homepage</startup>\n"
-                               "        <lastPageURL>about:blank</lastPageURL>\n"
-                               "        <Zoom>1.0</Zoom>\n"
-                               "    </pageInfo>\n"
-                               "    <cookie>\n"
-                               "        <cookieDeleteTiming>notDelete</cookieDeleteTiming>\n"
-                               "    </cookie>\n"
-                               "    <authInfo>\n"
-                               "        <authInfoDeleteTiming>notDelete</authInfoDeleteTiming>\n"
-                               "    </authInfo>\n"
-                               "    <font>\n"
-                               "        <fontName/>\n"
-                               "    </font>\n"
-                               "</repostry>\n";
+/// What a directory without a file is saved as.
+static QByteArray defaults()
+{
+    return readFile(testData(utf8("repostry_private.xml")));
+}
 
 struct Text
 {
@@ -189,7 +176,7 @@ void tst_TVNC_BrowserUserSetting::missingFileGivesTheDefaults()
 {
     QVERIFY(!QFile::exists(file())); // loading saves nothing
     user_->saveSetting(&dirName_);
-    QCOMPARE(readFile(file()), QByteArray(DEFAULTS));
+    QCOMPARE(readFile(file()), defaults());
 }
 
 void tst_TVNC_BrowserUserSetting::savedPreferencesAreLoadedBack()
@@ -202,7 +189,7 @@ void tst_TVNC_BrowserUserSetting::savedPreferencesAreLoadedBack()
     user_->setCookieDeleteTiming(1);
     user_->setCertificationDeleteTiming(2);
     user_->saveSetting(&dirName_);
-    QByteArray expected = DEFAULTS;
+    QByteArray expected = defaults();
     expected.replace("<home>about:blank<", "<home>http://a/?b=c&amp;d<");
     expected.replace("<lastPageURL>about:blank<", "<lastPageURL>http://日本/<");
     expected.replace("<fontName/>", "<fontName>VL ゴシック</fontName>");
@@ -239,7 +226,7 @@ void tst_TVNC_BrowserUserSetting::rootOfTheRightNameKeepsItsAttributes()
 {
     loadFrom("<repostry x='y'/>");
     user_->saveSetting(&dirName_);
-    QByteArray expected = DEFAULTS;
+    QByteArray expected = defaults();
     expected.replace("docInfo=\"1.0\"", "x=\"y\"");
     QCOMPARE(readFile(file()), expected);
 }

@@ -7,64 +7,16 @@
 
 namespace {
 
-const char COMMON[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                      "<repostry_common docInfo=\"1.0\">\n"
-                      "    <cookie>\n"
-                      "        <acceptCookie>accept</acceptCookie>\n"
-                      "    </cookie>\n"
-                      "    <cache>\n"
-                      "        <enableCache>true</enableCache>\n"
-                      "        <cacheDeleteTiming>notDelete</cacheDeleteTiming>\n"
-                      "    </cache>\n"
-                      "    <keyboard>\n"
-                      "        <priority>soft</priority>\n"
-                      "    </keyboard>\n"
-                      "    <javascript>\n"
-                      "        <enableJavascript>true</enableJavascript>\n"
-                      "    </javascript>\n"
-                      "    <plugin>\n"
-                      "        <enableFlashPlugin>true</enableFlashPlugin>\n"
-                      "    </plugin>\n"
-                      "    <proxy>\n"
-                      "        <enableProxy>false</enableProxy>\n"
-                      "        <hostName/>\n"
-                      "        <portHTTP>8080</portHTTP>\n"
-                      "        <portHTTPS>8080</portHTTPS>\n"
-                      "        <enableHTTP11>true</enableHTTP11>\n"
-                      "        <unusedDomain/>\n"
-                      "        <enableProxyAuth>false</enableProxyAuth>\n"
-                      "        <proxyUserName/>\n"
-                      "        <proxyUserPass/>\n"
-                      "    </proxy>\n"
-                      "    <security>\n"
-                      "        <enableSSL30>true</enableSSL30>\n"
-                      "        <enableTLS10>true</enableTLS10>\n"
-                      "    </security>\n"
-                      "</repostry_common>\n";
-
-const char USER[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                    "<repostry docInfo=\"1.0\">\n"
-                    "    <pageInfo>\n"
-                    "        <home>about:blank</home>\n"
-                    "        <startup>homepage</startup>\n"
-                    "        <lastPageURL>about:blank</lastPageURL>\n"
-                    "        <Zoom>1.0</Zoom>\n"
-                    "    </pageInfo>\n"
-                    "    <cookie>\n"
-                    "        <cookieDeleteTiming>notDelete</cookieDeleteTiming>\n"
-                    "    </cookie>\n"
-                    "    <authInfo>\n"
-                    "        <authInfoDeleteTiming>notDelete</authInfoDeleteTiming>\n"
-                    "    </authInfo>\n"
-                    "    <font>\n"
-                    "        <fontName/>\n"
-                    "    </font>\n"
-                    "</repostry>\n";
+/// The document that a directory without a file is saved as.
+QByteArray defaults(const QString& scope)
+{
+    return readFile(testData(scope == "common" ? "repostry.xml" : "repostry_private.xml"));
+}
 
 /// A default document in which one leaf holds another text.
 QByteArray documentWith(const QString& scope, const QByteArray& leaf, const QByteArray& text)
 {
-    QByteArray xml = scope == "common" ? COMMON : USER;
+    QByteArray xml = defaults(scope);
     const QByteArray emptyElement = '<' + leaf + "/>";
     const QByteArray element = text.isEmpty() ? emptyElement : '<' + leaf + '>' + text + "</" + leaf + '>';
     if (xml.contains(emptyElement))
@@ -322,7 +274,7 @@ void tst_tlvctl_prefs::showMarksOddLogins()
 
 void tst_tlvctl_prefs::showPrintsADamagedFileUpToTheDamage()
 {
-    writeFile(filePath("user"), QByteArray(USER).replace("</startup>", "</start>"));
+    writeFile(filePath("user"), defaults("user").replace("</startup>", "</start>"));
     const Run run = tlvctl({"prefs", "show", "user", path()});
     QCOMPARE(run.code, 1);
     QVERIFY(run.out.contains("\npage.home       about:blank "));
@@ -395,7 +347,7 @@ void tst_tlvctl_prefs::getOfAnUnknownNameNamesThem()
 
 void tst_tlvctl_prefs::getOfADamagedFilePrintsAndFails()
 {
-    writeFile(filePath("user"), QByteArray(USER).replace("</repostry>\n", ""));
+    writeFile(filePath("user"), defaults("user").replace("</repostry>\n", ""));
     const Run run = get("user", "page.startup");
     QCOMPARE(run.code, 1);
     QCOMPARE(run.out, QByteArray("home\n"));
@@ -447,7 +399,7 @@ void tst_tlvctl_prefs::setWordIsKept()
     QFETCH(QString, word);
     QFETCH(QByteArray, leaf);
     QFETCH(QByteArray, stored);
-    const QByteArray before = scope == "common" ? COMMON : USER;
+    const QByteArray before = defaults(scope);
     writeFile(filePath(scope), before);
     const Run run = set(scope, {name, word});
     QCOMPARE(run.code, 0);
@@ -618,10 +570,10 @@ void tst_tlvctl_prefs::setRefusesWhatTheFileCannotKeep()
 
 void tst_tlvctl_prefs::setIsAllOrNothing()
 {
-    writeFile(filePath("common"), COMMON);
+    writeFile(filePath("common"), defaults("common"));
     const Run bad = set("common", {"proxy.host", "h", "proxy.http-port", "123456"});
     QCOMPARE(bad.code, 1);
-    QCOMPARE(readFile(filePath("common")), QByteArray(COMMON));
+    QCOMPARE(readFile(filePath("common")), defaults("common"));
     const Run good = set("common", {"proxy.host", "h", "proxy.http-port", "12345", "proxy.auth", "no"});
     QCOMPARE(good.code, 0);
     QCOMPARE(good.out, QByteArray("proxy.host: \"\" -> h\n"
@@ -656,7 +608,7 @@ void tst_tlvctl_prefs::setMendsAWordThatWasMisspelt()
     const Run run = set("common", {"proxy.enabled", "no"});
     QCOMPARE(run.code, 0);
     QCOMPARE(run.out, QByteArray("proxy.enabled: no -> no\n"));
-    QCOMPARE(readFile(filePath("common")), QByteArray(COMMON));
+    QCOMPARE(readFile(filePath("common")), defaults("common"));
 }
 
 void tst_tlvctl_prefs::setFillsInWhatTheFileLacks()
@@ -666,13 +618,13 @@ void tst_tlvctl_prefs::setFillsInWhatTheFileLacks()
     QCOMPARE(run.out,
              QByteArray("preferences that the file lacks, and that get their defaults by loading: 7\n"
                         "page.zoom: 1.0 -> 1.0\n"));
-    QCOMPARE(readFile(filePath("user")), QByteArray(USER));
+    QCOMPARE(readFile(filePath("user")), defaults("user"));
 }
 
 void tst_tlvctl_prefs::setKeepsWhatItDoesNotKnow()
 {
     const QByteArray file =
-        QByteArray(USER)
+        defaults("user")
             .replace("    <font>\n", "    <mine a=\"1\">text</mine>\n    <font>\n")
             .replace("        <fontName/>\n", "        <fontName/>\n        <fontSize>12</fontSize>\n");
     writeFile(filePath("user"), file);
@@ -683,17 +635,17 @@ void tst_tlvctl_prefs::setKeepsWhatItDoesNotKnow()
 
 void tst_tlvctl_prefs::dryRunWritesNothing()
 {
-    writeFile(filePath("user"), USER);
+    writeFile(filePath("user"), defaults("user"));
     const Run run = set("user", {"page.zoom", "0.5", "--dry-run"});
     QCOMPARE(run.code, 0);
     QCOMPARE(run.out, "dry run: nothing is written to " + pathOf("user") +
                           ", where this would change:\npage.zoom: 1.0 -> 0.5\n");
-    QCOMPARE(readFile(filePath("user")), QByteArray(USER));
+    QCOMPARE(readFile(filePath("user")), defaults("user"));
 }
 
 void tst_tlvctl_prefs::damagedFileIsNotReplaced()
 {
-    const QByteArray file = QByteArray(USER).replace("</startup>", "</start>");
+    const QByteArray file = defaults("user").replace("</startup>", "</start>");
     writeFile(filePath("user"), file);
     const Run run = set("user", {"page.zoom", "0.5"});
     QCOMPARE(run.code, 1);
@@ -705,13 +657,13 @@ void tst_tlvctl_prefs::damagedFileIsNotReplaced()
 
 void tst_tlvctl_prefs::failedSavingIsReported()
 {
-    writeFile(filePath("user"), USER);
+    writeFile(filePath("user"), defaults("user"));
     QVERIFY(QFile::setPermissions(filePath("user"), QFile::ReadOwner));
     const Run run = set("user", {"page.zoom", "0.5"});
     QCOMPARE(run.code, 1);
     QCOMPARE(run.out, QByteArray());
     QVERIFY(complains(run, filePath("user"), {"saving failed"}));
-    QCOMPARE(readFile(filePath("user")), QByteArray(USER));
+    QCOMPARE(readFile(filePath("user")), defaults("user"));
 }
 
 // --- The password -----------------------------------------------------------------------------------------
@@ -724,7 +676,7 @@ void tst_tlvctl_prefs::passwordIsReadNotNamed()
     QVERIFY(!named.err.contains("hunter2"));
     QVERIFY(QDir(path()).isEmpty());
 
-    writeFile(filePath("common"), COMMON);
+    writeFile(filePath("common"), defaults("common"));
     const QByteArray file = documentWith("common", "proxyUserPass", "<![CDATA[aHVudGVyMg==]]>");
     const QStringList arguments{"prefs", "set", "common", path(), "proxy.password", "-"};
     const Run read = tlvctlReading("hunter2\n", arguments);
@@ -743,7 +695,7 @@ void tst_tlvctl_prefs::passwordIsReadNotNamed()
 void tst_tlvctl_prefs::passwordIsKeptUpToItsLimit()
 {
     const QStringList arguments{"prefs", "set", "common", path(), "proxy.password", "-"};
-    writeFile(filePath("common"), COMMON);
+    writeFile(filePath("common"), defaults("common"));
     QCOMPARE(tlvctlReading(QByteArray(80, 'p'), arguments).code, 0);
     const QByteArray file =
         documentWith("common", "proxyUserPass", "<![CDATA[" + QByteArray(80, 'p').toBase64() + "]]>");

@@ -87,17 +87,24 @@ qint64 decodedSize(const QString& base64)
     return static_cast<qint64>(letters) * 6 / 8;
 }
 
-void writePicture(JsonWriter& json, const PackedPicture& picture)
+void writePictures(JsonWriter& json, const std::vector<PackedPicture>& pictures)
 {
-    json.member("name");
-    json.string(picture.name);
-    json.member("bytes");
-    json.number(picture.bytes);
-    json.member("flaws");
+    json.member("pictures");
     json.beginArray();
-    for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
-        for (const Flaw& flaw : flaws)
-            json.string(flaw.name);
+    for (const PackedPicture& picture : pictures) {
+        json.beginObject();
+        json.member("name");
+        json.string(picture.name);
+        json.member("bytes");
+        json.number(picture.bytes);
+        json.member("flaws");
+        json.beginArray();
+        for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
+            for (const Flaw& flaw : flaws)
+                json.string(flaw.name);
+        }
+        json.endArray();
+        json.endObject();
     }
     json.endArray();
 }

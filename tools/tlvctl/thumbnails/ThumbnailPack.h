@@ -35,7 +35,7 @@ std::vector<PackedPicture> picturesOf(const Document& pack);
 /// How many bytes a text in base64 stands for.
 qint64 decodedSize(const QString& base64);
 
-/// Writes a picture's members into an open object.
-void writePicture(JsonWriter& json, const PackedPicture& picture);
+/// Writes the member "pictures" into an open object.
+void writePictures(JsonWriter& json, const std::vector<PackedPicture>& pictures);
 
 #endif

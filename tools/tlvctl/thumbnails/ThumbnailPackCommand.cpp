@@ -125,14 +125,7 @@ void writeResult(const StoreFile& file, const std::vector<PackedPicture>& pictur
         json.null();
     else
         json.number(QFileInfo(file.path()).size());
-    json.member("pictures");
-    json.beginArray();
-    for (const PackedPicture& picture : pictures) {
-        json.beginObject();
-        writePicture(json, picture);
-        json.endObject();
-    }
-    json.endArray();
+    writePictures(json, pictures);
     json.endObject();
 }
 

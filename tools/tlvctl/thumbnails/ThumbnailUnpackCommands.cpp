@@ -48,21 +48,14 @@ void printPictures(const std::vector<PackedPicture>& pictures)
     printLine(line);
 }
 
-void writePictures(const QString& path, const Document& pack, const std::vector<PackedPicture>& pictures)
+void writeList(const QString& path, const Document& pack, const std::vector<PackedPicture>& pictures)
 {
     JsonWriter json;
     json.beginObject();
     json.member("file");
     json.string(path);
     writeCompleteness(json, pack);
-    json.member("pictures");
-    json.beginArray();
-    for (const PackedPicture& picture : pictures) {
-        json.beginObject();
-        writePicture(json, picture);
-        json.endObject();
-    }
-    json.endArray();
+    writePictures(json, pictures);
     json.endObject();
 }
 
@@ -73,7 +66,7 @@ int list(const QCommandLineParser& arguments)
     if (pack.state == Document::State::MISSING || pack.state == Document::State::UNREADABLE)
         return FAILED;
     if (arguments.isSet("json"))
-        writePictures(path, pack, picturesOf(pack));
+        writeList(path, pack, picturesOf(pack));
     else
         printPictures(picturesOf(pack));
     if (pack.state == Document::State::COMPLETE)
@@ -201,7 +194,7 @@ int unpack(const QCommandLineParser& arguments)
     if (!problems.isEmpty())
         return FAILED;
     if (arguments.isSet("json"))
-        writePictures(file.path(), pack, pictures);
+        writeList(file.path(), pack, pictures);
     else
         printUnpacked(pictures, dir.dir(), isDryRun(arguments));
     return DONE;
