@@ -170,7 +170,7 @@ void tst_soak::bookmarkStep()
     const int si_id =
         static_cast<int>(next(static_cast<quint32>(si_size) + 2)); // now and then one that is none
     const bool b_known = si_id < si_size;
-    QString text = randomText(60);
+    QString text = randomText(120); // up to three bytes a unit, so that some are cut
     switch (next(6)) {
     case 0:
     case 1: {

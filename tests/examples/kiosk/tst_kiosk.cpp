@@ -497,7 +497,7 @@ void tst_kiosk::proxyIsUsedButNotForTheDevice()
 {
     site_->isStrictProxy = true;
     QVERIFY(
-        tour({"press Ctrl+,", "set proxy.enabled yes", "set proxy.host localhost",
+        tour({"press Ctrl+,", "set proxy.enabled yes", "set proxy.host 127.0.0.1",
               "set proxy.http-port " + QString::number(site_->port()), "set proxy.bypass example.net; .test",
               "set proxy.auth yes", "set proxy.user bob", "set proxy.password builder", "save",
               "open SITE/news", "expect lighthouse", "open http://outside.example/page",
