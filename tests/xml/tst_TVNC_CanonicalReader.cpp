@@ -1,17 +1,12 @@
 #include "tests/support/FailingNew.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Random.h"
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
 #include <tlvlib/xml/TVNC_XMLReader.h>
-#include <tlvlib/xml/TVNC_XMLSetting.h>
 #include <tlvlib/xml/TVNC_XMLWriter.h>
-
-/// The base has no virtual destructor: only a final class of it may be deleted.
-class Setting final : public TVNC_XMLSetting
-{
-};
 
 /**
  * Loading a setting reads documents in the library's own form in a faster way than the reader does. Both must

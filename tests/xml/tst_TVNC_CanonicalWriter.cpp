@@ -1,15 +1,10 @@
 #include "tests/support/LogRecorder.h"
 #include "tests/support/Random.h"
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
-#include <tlvlib/xml/TVNC_XMLSetting.h>
 #include <tlvlib/xml/TVNC_XMLWriter.h>
-
-/// The base has no virtual destructor: only a final class of it may be deleted.
-class Setting final : public TVNC_XMLSetting
-{
-};
 
 /**
  * Saving a setting writes most trees in a faster way than the writer does. Both must write the same bytes.

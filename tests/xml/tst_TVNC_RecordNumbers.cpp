@@ -1,15 +1,9 @@
 #include "tests/support/AllocationCount.h"
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
-#include <tlvlib/xml/TVNC_XMLSetting.h>
-
 #include <QtCore/QThread>
-
-/// The base has no virtual destructor: only a final class of it may be deleted.
-class Setting final : public TVNC_XMLSetting
-{
-};
 
 /// What numbering and looking up cost, and that records which share an attribute set stay independent.
 class tst_TVNC_RecordNumbers : public QObject

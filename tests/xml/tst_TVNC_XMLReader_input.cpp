@@ -1,3 +1,4 @@
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
@@ -37,6 +38,10 @@ private slots:
     void aMillionOpenElementsAreRead();
     void longListsAreRead();
     void hugeTextsAndAttributesAreRead();
+    void elementsWithTooManyAttributesEndTheDocument_data();
+    void elementsWithTooManyAttributesEndTheDocument();
+    void tooManyNamespacesEndTheDocument_data();
+    void tooManyNamespacesEndTheDocument();
 };
 
 static TVNC_XMLNode* read(const QByteArray& document)
@@ -425,6 +430,77 @@ void tst_TVNC_XMLReader_input::hugeTextsAndAttributesAreRead()
     QCOMPARE(root->getAttribute().at(0).value().size(), 20000000);
     QCOMPARE(root->getXMLNodeChildren().at(0)->getText().size(), 20000000);
     QCOMPARE(root->getXMLNodeChildren().at(1)->getText().size(), 20000000);
+}
+
+/// So many attributes of different names: " a0='x' a1='x'".
+static QByteArray manyAttributes(const char* pc_name, int si_count, const char* pc_rest)
+{
+    QByteArray result;
+    for (int i = 0; i < si_count; ++i)
+        result += ' ' + QByteArray(pc_name) + QByteArray::number(i) + pc_rest;
+    return result;
+}
+
+void tst_TVNC_XMLReader_input::elementsWithTooManyAttributesEndTheDocument_data()
+{
+    QTest::addColumn<QByteArray>("rest");           // of an attribute, behind its name
+    QTest::newRow("plain") << QByteArray("=\"x\""); // as the library writes it
+    QTest::newRow("apostrophes") << QByteArray("='x'");
+    QTest::newRow("blanks") << QByteArray("\n=\t'x' ");
+    QTest::newRow("markup in values") << QByteArray("=\"'>/>\"");
+    QTest::newRow("quotes in values") << QByteArray("='\">\"'");
+    QTest::newRow("empty values") << QByteArray("=''");
+}
+
+// Qt would compare every one with every other one: a file of a megabyte took half a minute.
+void tst_TVNC_XMLReader_input::elementsWithTooManyAttributesEndTheDocument()
+{
+    QFETCH(QByteArray, rest);
+    const QByteArray start = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r><b/>";
+    const QByteArray end = "<c/></r>\n";
+    const QByteArray full = "<a" + manyAttributes("n", 1000, rest) + "/>";
+    const QByteArray tooFull = "<a" + manyAttributes("n", 1001, rest) + "/>";
+    QScopedPointer<TVNC_XMLNode> root(read(start + full + full + end));
+    QCOMPARE(childNames(root.data()), utf8("b a a c"));
+    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().at(2)->getAttribute().size()), 1000);
+    root.reset(read(start + full + tooFull + end));
+    QCOMPARE(childNames(root.data()), utf8("b a"));
+
+    // A load reads most documents in another way, and the same.
+    TempDir dir;
+    QString path = dir.path() + utf8("document.xml");
+    Setting setting;
+    writeFile(path, start + full + full + end);
+    setting.load(path);
+    QCOMPARE(childNames(setting.getXMLRootNode()), utf8("b a a c"));
+    writeFile(path, start + full + tooFull + end);
+    setting.load(path);
+    QCOMPARE(childNames(setting.getXMLRootNode()), utf8("b a"));
+
+    QVERIFY(!read("<a" + manyAttributes("n", 100000, rest) + "/>"));
+}
+
+void tst_TVNC_XMLReader_input::tooManyNamespacesEndTheDocument_data()
+{
+    QTest::addColumn<QByteArray>("attribute");
+    QTest::addColumn<bool>("isNamespace");
+    QTest::newRow("prefix") << QByteArray("xmlns:p='u'") << true;
+    QTest::newRow("all elements") << QByteArray("xmlns='u'") << true;
+    QTest::newRow("blanks") << QByteArray("xmlns = 'u'") << true;
+    QTest::newRow("longer name") << QByteArray("xmlnsx='u'") << false;
+    QTest::newRow("end of a name") << QByteArray("x-xmlns='u'") << false;
+    QTest::newRow("value") << QByteArray("x='xmlns:p=u xmlns:q=u'") << false;
+}
+
+void tst_TVNC_XMLReader_input::tooManyNamespacesEndTheDocument()
+{
+    QFETCH(QByteArray, attribute);
+    QFETCH(bool, isNamespace);
+    const QByteArray element = "<a " + attribute + "/>";
+    QScopedPointer<TVNC_XMLNode> root(read("<r>" + element.repeated(1000) + "<b/></r>"));
+    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().size()), 1001);
+    root.reset(read("<r>" + element.repeated(1001) + "<b/></r>"));
+    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().size()), isNamespace ? 1000 : 1002);
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_XMLReader_input)

@@ -1,15 +1,9 @@
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
-
-#include <tlvlib/xml/TVNC_XMLSetting.h>
 
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-/// The base has no virtual destructor: only a final class of it may be deleted.
-class Setting final : public TVNC_XMLSetting
-{
-};
 
 /**
  * How much memory a load takes at its peak, in a process of its own. What a hostile file can reach is bounded

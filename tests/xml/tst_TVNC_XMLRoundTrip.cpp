@@ -1,18 +1,13 @@
 #include "tests/support/Random.h"
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
 #include <tlvlib/xml/TVNC_XMLReader.h>
-#include <tlvlib/xml/TVNC_XMLSetting.h>
 #include <tlvlib/xml/TVNC_XMLWriter.h>
 
 #include <QtCore/QPair>
 #include <QtCore/QProcess>
-
-/// The base has no virtual destructor: only a final class of it may be deleted.
-class Setting final : public TVNC_XMLSetting
-{
-};
 
 /**
  * Random trees are written, accepted by a parser that is not Qt's, and read again: both by the reader and by

@@ -1,18 +1,13 @@
 #include "tests/support/FailingNew.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
 #include <tlvlib/xml/TVNC_XMLReader.h>
-#include <tlvlib/xml/TVNC_XMLSetting.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QPointer>
-
-/// The base has no virtual destructor: only a final class of it may be deleted.
-class Setting final : public TVNC_XMLSetting
-{
-};
 
 class tst_TVNC_XMLSetting : public QObject
 {

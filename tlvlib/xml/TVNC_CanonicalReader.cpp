@@ -1,5 +1,6 @@
 #include "tlvlib/xml/TVNC_CanonicalReader.h"
 
+#include "tlvlib/xml/TVNC_MarkupGuard.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_canonicalForm.h"
@@ -256,10 +257,13 @@ private:
             Span value;
             if (!name(attribute) || !skip('=') || !skip('"') || !attributeValue(value))
                 return false;
-            // Namespaces are the general reader's, and so is an attribute that comes twice.
+            // Namespaces are the general reader's, and so is an attribute that comes twice or is one too
+            // many.
             if (attribute.size() >= 3 && std::memcmp(attribute.pc_begin, "xml", 3) == 0)
                 return false;
             QXmlStreamAttributes& attributes = TVNC_NodeAccess::attributes(node);
+            if (attributes.size() == TVNC_MarkupGuard::ATTRIBUTES_MAX)
+                return false;
             for (int i = 0; i < attributes.size(); ++i) {
                 if (attributes.at(i).qualifiedName() == names_.shared(attribute))
                     return false;

@@ -1,7 +1,7 @@
 #ifndef TLVLIB_XML_TVNC_XMLINPUT_H
 #define TLVLIB_XML_TVNC_XMLINPUT_H
 
-#include "tlvlib/xml/TVNC_DoctypeGuard.h"
+#include "tlvlib/xml/TVNC_MarkupGuard.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QIODevice>
@@ -19,7 +19,7 @@ class QTextDecoder;
  *  - before a byte that is not of the document's encoding. The stream reader would give up on all of its read
  *    buffer, up to 8192 bytes;
  *  - after the first character that XML does not have, which goes out as U+0001 and is an error everywhere;
- *  - before a document type declaration that must not be parsed, see TVNC_DoctypeGuard.
+ *  - before a document type declaration that must not be parsed, see TVNC_MarkupGuard.
  *
  * A document in another encoding than UTF-8, as its byte order mark or its XML declaration tells, goes out as
  * UTF-8, with the name of the encoding blanked in the declaration.
@@ -45,7 +45,7 @@ private:
     void produce();
 
     QIODevice& source_;
-    TVNC_DoctypeGuard guard_;
+    TVNC_MarkupGuard guard_;
     QScopedPointer<QTextDecoder> decoder_; ///< null for a document in UTF-8
     QString str_Surrogate;                 ///< first half of a character whose second half is not decoded yet
     QByteArray str_Tail;                   ///< first bytes of a UTF-8 sequence whose rest is not read yet

@@ -24,8 +24,10 @@ class TVNC_XMLNode;
  * Bad input never fails and is not logged. Reading stops at the first error, and the tree holds what stood
  * before it: every complete element, and the open ones with what they held so far. Errors are malformed XML,
  * bytes that are not of the document's encoding, characters that XML does not have, and a document type
- * declaration with an internal subset (the library never writes one, and entities blow up). error(),
- * errorString(), lineNumber() and columnNumber() tell about the error afterwards.
+ * declaration with an internal subset (the library never writes one, and entities blow up), more than 1,000
+ * attributes in an element, and more than 1,000 declarations of namespaces in the document (Qt's time for
+ * them grows with their square). error(), errorString(), lineNumber() and columnNumber() tell about the error
+ * afterwards.
  *
  * Any depth of nesting can be read; time and memory grow with the size of the document.
  */

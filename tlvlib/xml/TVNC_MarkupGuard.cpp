@@ -1,4 +1,4 @@
-#include "tlvlib/xml/TVNC_DoctypeGuard.h"
+#include "tlvlib/xml/TVNC_MarkupGuard.h"
 
 #include <cstring>
 
@@ -7,6 +7,8 @@ namespace {
 const char COMMENT_START[] = "!--";
 const char CDATA_START[] = "![CDATA[";
 const char DOCTYPE_START[] = "!DOCTYPE";
+const char NAMESPACE[] = "xmlns";
+const int NAMESPACE_SIZE = sizeof NAMESPACE - 1;
 
 /// Whether the characters are the beginning of a keyword, or all of it.
 bool isBeginningOf(const char* pc_keyword, const char* pc_characters, int si_size)
@@ -22,18 +24,21 @@ bool isAllOf(const char* pc_keyword, const char* pc_characters, int si_size)
 
 } // namespace
 
-TVNC_DoctypeGuard::TVNC_DoctypeGuard()
+TVNC_MarkupGuard::TVNC_MarkupGuard()
     : part_(CONTENT)
     , si_MarkupSize(0)
     , c_Last(0)
     , c_BeforeLast(0)
     , c_Quote(0)
+    , si_Attributes(0)
+    , si_Namespaces(0)
+    , si_XmlnsSize(0)
     , b_ElementSeen(false)
     , b_DoctypeSeen(false)
 {
 }
 
-int TVNC_DoctypeGuard::admit(const char* pc_bytes, int si_size)
+int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
 {
     for (int i = 0; i < si_size; ++i) {
         const char c_byte = pc_bytes[i];
@@ -49,6 +54,18 @@ int TVNC_DoctypeGuard::admit(const char* pc_bytes, int si_size)
         case MARKUP:
             if (!admitMarkup(c_byte))
                 return i;
+            break;
+        case TAG:
+            if (!admitTag(c_byte))
+                return i;
+            break;
+        case TAG_LITERAL:
+            if (c_byte == c_Quote) {
+                part_ = TAG;
+                si_XmlnsSize = 0;
+            } else if (c_byte == '<') {
+                begin(MARKUP);
+            }
             break;
         case COMMENT:
         case CDATA:
@@ -78,15 +95,20 @@ int TVNC_DoctypeGuard::admit(const char* pc_bytes, int si_size)
 }
 
 /// Returns false when the byte completes the start of a declaration that must not be parsed.
-bool TVNC_DoctypeGuard::admitMarkup(char c_byte)
+bool TVNC_MarkupGuard::admitMarkup(char c_byte)
 {
     markup_[si_MarkupSize++] = c_byte;
     if (c_byte == '?' && si_MarkupSize == 1) {
         begin(INSTRUCTION);
     } else if (markup_[0] != '!') {
-        if (c_byte != '/')
+        if (c_byte == '/') {
+            part_ = CONTENT;
+        } else {
             b_ElementSeen = true;
-        part_ = CONTENT;
+            si_Attributes = 0;
+            si_XmlnsSize = -1;
+            part_ = TAG;
+        }
     } else if (isAllOf(COMMENT_START, markup_, si_MarkupSize)) {
         begin(COMMENT);
     } else if (isAllOf(CDATA_START, markup_, si_MarkupSize)) {
@@ -104,7 +126,37 @@ bool TVNC_DoctypeGuard::admitMarkup(char c_byte)
     return true;
 }
 
-void TVNC_DoctypeGuard::begin(Part part)
+/// Returns false at the attribute that is one too many.
+bool TVNC_MarkupGuard::admitTag(char c_byte)
+{
+    const bool b_blank = c_byte == ' ' || c_byte == '\t' || c_byte == '\n' || c_byte == '\r';
+    if (si_XmlnsSize == NAMESPACE_SIZE && (c_byte == ':' || c_byte == '=' || b_blank)) {
+        si_XmlnsSize = -1;
+        if (++si_Namespaces > NAMESPACES_MAX)
+            return false;
+    }
+    switch (c_byte) {
+    case '<':
+        begin(MARKUP);
+        break;
+    case '>':
+        part_ = CONTENT;
+        break;
+    case '"':
+    case '\'':
+        c_Quote = c_byte;
+        part_ = TAG_LITERAL;
+        return ++si_Attributes <= ATTRIBUTES_MAX;
+    default:
+        if (b_blank)
+            si_XmlnsSize = 0;
+        else if (si_XmlnsSize >= 0)
+            si_XmlnsSize = NAMESPACE[si_XmlnsSize] == c_byte ? si_XmlnsSize + 1 : -1;
+    }
+    return true;
+}
+
+void TVNC_MarkupGuard::begin(Part part)
 {
     part_ = part;
     si_MarkupSize = 0;
@@ -112,7 +164,7 @@ void TVNC_DoctypeGuard::begin(Part part)
     c_BeforeLast = 0;
 }
 
-bool TVNC_DoctypeGuard::endsPart(char c_byte) const
+bool TVNC_MarkupGuard::endsPart(char c_byte) const
 {
     if (c_byte != '>')
         return false;
