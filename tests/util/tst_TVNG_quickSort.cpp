@@ -74,7 +74,7 @@ struct Adversary
         return values.at(si_one) < values.at(si_other);
     }
 
-    static const int UNKNOWN = 0x7FFFFFFF;
+    enum { UNKNOWN = 0x7FFFFFFF };
     QVector<int> values;
     int si_known;
     int si_pivot;

@@ -21,8 +21,10 @@
 class TVNC_MarkupGuard
 {
 public:
-    static const int ATTRIBUTES_MAX = 1000; ///< of an element, namespaces included
-    static const int NAMESPACES_MAX = 1000; ///< declared in the whole document
+    enum {
+        ATTRIBUTES_MAX = 1000, ///< of an element, namespaces included
+        NAMESPACES_MAX = 1000, ///< declared in the whole document
+    };
 
     TVNC_MarkupGuard();
 
