@@ -209,7 +209,7 @@ private:
     TVNC_BrowserCommonSetting();
     ~TVNC_BrowserCommonSetting();
 
-    char keyBoardType;
+    char c_keyBoardType_;
 };
 
 #endif

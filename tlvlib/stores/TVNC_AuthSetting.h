@@ -152,7 +152,7 @@ private:
     ~TVNC_AuthSetting();
 
     /// The maximum of the last accepted load; 0 before. Only updateAuthInfo() reads it.
-    int si_maxCount;
+    int si_maxCount_;
 };
 
 #endif

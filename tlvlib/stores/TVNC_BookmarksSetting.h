@@ -245,7 +245,7 @@ private:
     ~TVNC_BookmarksSetting();
 
     /// The maximum of the last accepted load; 0 before. Nothing reads it, but it is part of the layout.
-    int si_maxCount;
+    int si_maxCount_;
 };
 
 #endif

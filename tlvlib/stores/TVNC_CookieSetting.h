@@ -164,7 +164,7 @@ private:
 
     /// The maximum of the last accepted load of cookie.ini; 0 before. Nothing reads it, but it is part of the
     /// layout.
-    int si_maxCount;
+    int si_maxCount_;
 };
 
 #endif

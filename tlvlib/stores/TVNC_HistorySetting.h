@@ -176,7 +176,7 @@ private:
     ~TVNC_HistorySetting();
 
     /// How many visits updateHistory() keeps: 0 until loadHistory() sets it.
-    int si_maxCount;
+    int si_maxCount_;
 };
 
 #endif

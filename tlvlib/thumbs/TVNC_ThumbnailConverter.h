@@ -40,11 +40,11 @@ public:
 
     /**
      * Writes the bytes that a base64 text holds into a file, replacing it. What is no letter of base64 is
-     * skipped. Errors while writing go unnoticed.
+     * skipped, so a text without a letter makes an empty file. Errors while writing go unnoticed.
      *
-     * @return false for a text that holds no bytes, logged as "[TVNC_ThumbnailConverter] thumbnail is
-     * empty.", and for a file that cannot be opened, logged as "[TVNC_ThumbnailConverter] Couldn't open
-     * thumbnail for writing."
+     * @return false, with the file as it was, for an empty text, logged as "[TVNC_ThumbnailConverter]
+     * thumbnail is empty.", and for a file that cannot be opened, logged as "[TVNC_ThumbnailConverter]
+     * Couldn't open thumbnail for writing."
      */
     bool decode_base64(QByteArray& base64, QString& path);
 
