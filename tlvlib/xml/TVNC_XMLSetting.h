@@ -8,6 +8,7 @@
 
 class TVNC_XMLNode;
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * One settings document in memory, the base of every store: loads and saves it, numbers its records (the
  * root's children), finds, adds, replaces and deletes them.
@@ -127,5 +128,6 @@ private:
 
     TVNC_XMLNode* pc_XMLRootNode;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

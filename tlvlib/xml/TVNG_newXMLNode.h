@@ -11,9 +11,12 @@
  */
 inline TVNC_XMLNode* TVNG_newXMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
 {
-    try {
+    QT_TRY
+    {
         return new TVNC_XMLNode(pc_parent, c_prepend);
-    } catch (const std::bad_alloc&) {
+    }
+    QT_CATCH(const std::bad_alloc&)
+    {
         return nullptr;
     }
 }
