@@ -28,6 +28,7 @@ struct TVNS_AuthInfo
     QByteArray passwd;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The credentials for servers that ask for a login, newest first, in the file "authinfo.xml":
  *
@@ -155,5 +156,6 @@ private:
     /// The maximum of the last accepted load; 0 before. Only updateAuthInfo() reads it.
     int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

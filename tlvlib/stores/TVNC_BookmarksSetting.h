@@ -19,6 +19,7 @@ struct TVNS_Bookmark
     QString thumbnail;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The user's bookmarks, newest first, in the file "bookmark.xml", and their pictures beside it in the
  * directory "thumbnail/":
@@ -250,5 +251,6 @@ private:
     /// The maximum of the last accepted load; 0 before. Nothing reads it, but it is part of the layout.
     int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

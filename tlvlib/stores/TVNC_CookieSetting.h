@@ -29,6 +29,7 @@ struct TVNS_CookieInfo
     QString contents;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The browser's cookies, in two forms. For the user and for backups, a settings document at a path that the
  * application names:
@@ -169,5 +170,6 @@ private:
     /// layout.
     int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -8,6 +8,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * Packs the PNG files of a directory into one XML document, and unpacks them again:
  *
@@ -93,5 +94,6 @@ private:
     TVNC_ThumbnailConverter();
     ~TVNC_ThumbnailConverter();
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif
