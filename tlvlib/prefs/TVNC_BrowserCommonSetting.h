@@ -6,6 +6,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The preferences of the device, whoever uses it, in the file "repostry.xml". All of them, with their
  * defaults:
@@ -211,5 +212,6 @@ private:
 
     char c_keyBoardType_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -5,6 +5,7 @@
 
 #include <QtCore/QString>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The preferences of one user, in the file "repostry_private.xml". All of them, with their defaults:
  *
@@ -124,5 +125,6 @@ private:
     TVNC_BrowserUserSetting();
     ~TVNC_BrowserUserSetting();
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <tlvlib/xml/TVNC_XMLSetting.h>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The names of the fonts that are offered to the user, in the file "fontlist.xml":
  *
@@ -72,5 +73,6 @@ private:
     TVNC_FontListSetting();
     ~TVNC_FontListSetting();
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

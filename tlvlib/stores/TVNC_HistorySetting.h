@@ -36,6 +36,7 @@ struct TLVLIB_EXPORT TVNS_History
     QDateTime dateTime;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The visited pages, newest first, in the file "visit.xml":
  *
@@ -178,5 +179,6 @@ private:
     /// How many visits updateHistory() keeps: 0 until loadHistory() sets it.
     int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

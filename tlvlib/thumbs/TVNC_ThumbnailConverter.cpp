@@ -1,6 +1,9 @@
 #include "tlvlib/thumbs/TVNC_ThumbnailConverter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNG_SafeSave.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
@@ -57,13 +60,17 @@ bool TVNC_ThumbnailConverter::decode_base64(QByteArray& base64, QString& path)
         TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] thumbnail is empty.");
         return false;
     }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    TVNC_SavedFile file(path);
+    if (!file.open()) {
         TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.");
         return false;
     }
     // A text without a letter of base64 gives an empty file.
-    file.write(QByteArray::fromBase64(base64));
+    file.device().write(QByteArray::fromBase64(base64));
+    if (!file.commit()) {
+        TVNG_DebugPrint(2, "[TVNC_ThumbnailConverter] Couldn't replace thumbnail.");
+        return false;
+    }
     return true;
 }
 
@@ -132,6 +139,7 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
     if (!pc_root)
         return;
     const QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
+    QString saveError; // the first one tells of the whole pack
     for (int i = 0; i < images.size(); ++i) {
         TVNC_XMLNode* pc_image = images.at(i);
         if (!pc_image) {
@@ -143,11 +151,14 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
         const bool b_decoded = TVNG_hasMemoryFor([&] {
             QByteArray base64 = pc_image->getText().toUtf8();
             QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();
-            decode_base64(base64, path);
+            if (!decode_base64(base64, path) && !base64.isEmpty() && saveError.isEmpty())
+                saveError = TVNG_GetSaveError();
         });
         if (!b_decoded)
             TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Fail");
     }
+    if (!saveError.isEmpty())
+        TVNG_setSaveError(saveError);
     TVNC_XMLSetting::deleteAllXMLNode();
 }
 

@@ -16,13 +16,6 @@ struct IdName
     QString text = QEXC_TextCodec::fromSJIS("id");
 };
 
-/// The 999 sets that consist of a number under the usual name, each made when it is first needed.
-struct SharedSets
-{
-    QMutex mutex;
-    QXmlStreamAttributes sets[TVNC_RecordNumbers::LIMIT];
-};
-
 const int DIGITS = 3;
 
 /// "%03d" of a number.
@@ -45,6 +38,42 @@ bool consistsOf(const QXmlStreamAttributes& attributes, int si_number, const QSt
     const auto value = attribute.value();
     return value.size() == DIGITS && TVNG_digits(value.data(), DIGITS) == si_number &&
            attribute.namespaceUri().isEmpty() && attribute.qualifiedName() == attributeName;
+}
+
+/**
+ * The 999 sets that consist of a number under the usual name, each made when it is first needed. The lock is
+ * held for moments, never while anything is read, written or logged.
+ */
+struct SharedSets
+{
+    QMutex mutex;
+    QXmlStreamAttributes sets[TVNC_RecordNumbers::LIMIT];
+
+    const QXmlStreamAttributes& at(int si_number)
+    {
+        QXmlStreamAttributes& set = sets[si_number];
+        if (set.isEmpty())
+            set.append(TVNC_RecordNumbers::attributeName(), digitsOf(si_number));
+        return set;
+    }
+
+    void give(TVNC_XMLNode& record, int si_number)
+    {
+        QXmlStreamAttributes& own = TVNC_NodeAccess::attributes(record);
+        const bool b_shared = !own.isEmpty() && own.constData() == sets[si_number].constData();
+        if (!b_shared && !consistsOf(own, si_number, TVNC_RecordNumbers::attributeName()))
+            own = at(si_number);
+    }
+};
+
+/// Numbers under any other name, without sharing.
+void giveUnder(const QString& name, TVNC_XMLNode& record, int si_number)
+{
+    if (consistsOf(TVNC_NodeAccess::attributes(record), si_number, name))
+        return;
+    QXmlStreamAttributes set;
+    set.append(name, digitsOf(si_number));
+    TVNC_NodeAccess::attributes(record) = set;
 }
 
 /// Reads the number of a record. Returns false for one without a number, and for null.
@@ -85,40 +114,38 @@ QXmlStreamAttributes TVNC_RecordNumbers::attributes(int si_number)
 {
     SharedSets& shared = TVNG_immortal<SharedSets>();
     QMutexLocker lock(&shared.mutex);
-    QXmlStreamAttributes& set = shared.sets[si_number];
-    if (set.isEmpty())
-        set.append(attributeName(), digitsOf(si_number));
-    return set;
+    return shared.at(si_number);
 }
 
 void TVNC_RecordNumbers::give(TVNC_XMLNode& record, int si_number)
 {
-    if (!consistsOf(TVNC_NodeAccess::attributes(record), si_number, attributeName()))
-        TVNC_NodeAccess::attributes(record) = attributes(si_number);
+    SharedSets& shared = TVNG_immortal<SharedSets>();
+    QMutexLocker lock(&shared.mutex);
+    shared.give(record, si_number);
 }
 
 void TVNC_RecordNumbers::number(TVNC_XMLNode& parent, const QString& name)
 {
     const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
-    const int si_size = qMin(static_cast<int>(children.size()), LIMIT);
-    const bool b_usual = name == attributeName();
-    bool b_marked = b_usual && !(TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::EXPOSED);
+    bool b_marked = name == attributeName() && !(TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::EXPOSED);
     unmark(&parent);
-    for (int i = 0; i < si_size; ++i) {
-        TVNC_XMLNode* const pc_child = children.at(i);
-        if (!pc_child) {
-            TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??", TVNG_low32(&parent));
+    for (int i = 0; i < children.size() && i < LIMIT; ++i) {
+        if (children.at(i)) {
+            b_marked = b_marked && !(TVNC_NodeAccess::state(*children.at(i)) & TVNC_NodeAccess::EXPOSED);
+        } else {
             b_marked = false;
+            TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??", TVNG_low32(&parent));
+        }
+    }
+    SharedSets* const pc_shared = name == attributeName() ? &TVNG_immortal<SharedSets>() : nullptr;
+    QMutexLocker lock(pc_shared ? &pc_shared->mutex : nullptr);
+    for (int i = 0; i < children.size() && i < LIMIT; ++i) {
+        if (!children.at(i))
             continue;
-        }
-        b_marked = b_marked && !(TVNC_NodeAccess::state(*pc_child) & TVNC_NodeAccess::EXPOSED);
-        if (b_usual) {
-            give(*pc_child, i);
-        } else if (!consistsOf(TVNC_NodeAccess::attributes(*pc_child), i, name)) {
-            QXmlStreamAttributes set;
-            set.append(name, digitsOf(i));
-            TVNC_NodeAccess::attributes(*pc_child) = set;
-        }
+        if (pc_shared)
+            pc_shared->give(*children.at(i), i);
+        else
+            giveUnder(name, *children.at(i), i);
     }
     if (b_marked)
         TVNC_NodeAccess::state(parent) |= TVNC_NodeAccess::NUMBERED;
@@ -141,19 +168,20 @@ QVector<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_
 {
     const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
     QVector<TVNC_XMLNode*> records(qMax(si_count, 0), nullptr);
+    TVNC_XMLNode** const pc_records = records.data();
     int si_first = 0; // the children in front of it are done
     if (isMarked(parent, name)) {
         const int si_numbered = qMin(static_cast<int>(children.size()), LIMIT);
         for (; si_first < si_numbered && si_first < si_count; ++si_first)
-            records[si_first] = children.at(si_first);
+            pc_records[si_first] = children.at(si_first);
         if (si_first == si_count)
             return records;
     }
     for (int i = si_first; i < children.size(); ++i) {
         int si_number = 0;
         if (read(children.at(i), name, si_number) && si_number >= 0 && si_number < si_count &&
-            !records.at(si_number))
-            records[si_number] = children.at(i);
+            !pc_records[si_number])
+            pc_records[si_number] = children.at(i);
     }
     return records;
 }

@@ -7,6 +7,7 @@
 #include <QtCore/QString>
 #include <QtCore/QXmlStreamAttributes>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * One settings document in memory, the base of every store: loads and saves it, numbers its records (the
  * root's children), finds, adds, replaces and deletes them.
@@ -131,5 +132,6 @@ private:
 
     TVNC_XMLNode* pc_root_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif
