@@ -4,7 +4,8 @@
 /**
  * @file
  * Lets the creation of a node, or of any object, fail as it does when memory runs out. Includes the
- * definitions: for one source of a program.
+ * definitions: for one source of a program. None of them may be inlined: the compiler would then see memory of
+ * malloc() go to operator delete, and warn.
  */
 
 #include <tlvlib/xml/TVNC_XMLNode.h>
@@ -19,7 +20,7 @@ static int failingNode = 0;
 /// again.
 static int failingObject = 0;
 
-void* operator new(std::size_t size)
+__attribute__((noinline)) void* operator new(std::size_t size)
 {
     if (failingNode > 0 && size == sizeof(TVNC_XMLNode) && --failingNode == 0)
         throw std::bad_alloc();
@@ -32,12 +33,12 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void operator delete(void* pc_memory) noexcept
+__attribute__((noinline)) void operator delete(void* pc_memory) noexcept
 {
     std::free(pc_memory);
 }
 
-void operator delete(void* pc_memory, std::size_t) noexcept
+__attribute__((noinline)) void operator delete(void* pc_memory, std::size_t) noexcept
 {
     std::free(pc_memory);
 }
