@@ -1057,7 +1057,9 @@ void tst_TVNC_AuthSetting::base64IsReadLeniently()
     QFETCH(QByteArray, bytes);
     add("a");
     QCOMPARE(decodedUser(text), bytes);
-    QCOMPARE(QByteArray::fromBase64(text.toUtf8()), bytes);
+    // Qt skips the same characters. Not by way of toUtf8(): with half of a pair, Qt 4 loses the character behind
+    // it, too.
+    QCOMPARE(QByteArray::fromBase64(text.toLatin1()), bytes);
 }
 
 void tst_TVNC_AuthSetting::base64IsReadAsQtReadsIt()

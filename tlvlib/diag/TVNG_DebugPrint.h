@@ -24,8 +24,9 @@
  * say), the message is lost in both sinks.
  */
 
-/// printf-style checks by the compiler, where it has them.
-#if defined(__GNUC__)
+// printf-style checks by the compiler, for the library's own build alone: programs call TVNG_DebugPrint(2,
+// text), which many compilers are set to refuse when they check.
+#if defined(TLVLIB_CHECK_FORMATS)
 #define TLVLIB_PRINTF_FORMAT(fmt, first) __attribute__((format(printf, fmt, first)))
 #else
 #define TLVLIB_PRINTF_FORMAT(fmt, first)

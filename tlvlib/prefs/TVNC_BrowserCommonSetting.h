@@ -210,7 +210,7 @@ private:
     TVNC_BrowserCommonSetting();
     ~TVNC_BrowserCommonSetting();
 
-    char keyBoardType;
+    char c_keyBoardType_;
 };
 TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 

@@ -177,7 +177,7 @@ private:
     ~TVNC_HistorySetting();
 
     /// How many visits updateHistory() keeps: 0 until loadHistory() sets it.
-    int si_maxCount;
+    int si_maxCount_;
 };
 TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 

@@ -19,9 +19,6 @@ const size_t DECLARATION_SIZE = sizeof DECLARATION - 1;
 /// Bytes that are read at a time; more for a text that is longer.
 const int PIECE_SIZE = 64 * 1024;
 
-/// CDATA sections from this size on are kept packed.
-const int PACKED_SIZE = 1024;
-
 const char CHARACTER_DATA = 0;
 const char CDATA_SECTION = 1;
 
@@ -118,7 +115,7 @@ private:
 class Parser
 {
 public:
-    explicit Parser(QIODevice& device) : device_(device), numbers_(TVNC_RecordNumbers::usualName())
+    explicit Parser(QIODevice& device) : device_(device)
     {
         buffer_.resize(PIECE_SIZE);
         pc_pos = buffer_.data();
@@ -278,7 +275,7 @@ private:
     /// An attribute that is a record's number, and the only one so far, has a shared set.
     bool giveNumber(TVNC_XMLNode& node, const Span& attribute, const Span& value)
     {
-        if (value.size() != 3 || !attribute.equals(TVNC_RecordNumbers::usualName()))
+        if (value.size() != 3 || !attribute.equals(TVNC_RecordNumbers::attributeName()))
             return false;
         int si_number = 0;
         for (int i = 0; i < 3; ++i) {
@@ -289,7 +286,7 @@ private:
         }
         if (si_number >= TVNC_RecordNumbers::LIMIT)
             return false;
-        TVNC_NodeAccess::attributes(node) = numbers_.shared(si_number);
+        TVNC_NodeAccess::attributes(node) = TVNC_RecordNumbers::attributes(si_number);
         return true;
     }
 
@@ -355,7 +352,7 @@ private:
         QString found;
         if (b_entities && !resolve(pc_begin, pc_pos, b_ascii, found))
             return false;
-        if (TVNC_NodeAccess::hasText(node))
+        if (!TVNC_NodeAccess::text(node).isEmpty())
             return true;
         TVNC_NodeAccess::text(node) = b_entities ? found : textOf(Span(pc_begin, pc_pos), b_ascii);
         node.setTextType(CHARACTER_DATA);
@@ -429,11 +426,8 @@ private:
         if (pc_first == pc_pos)
             return false; // whether blanks are a text is the general reader's to say
         const Span section(pc_begin, pc_pos);
-        if (TVNC_NodeAccess::hasText(node)) {
+        if (!TVNC_NodeAccess::text(node).isEmpty()) {
             // The first one counts.
-        } else if (b_ascii && section.size() >= PACKED_SIZE) {
-            TVNC_NodeAccess::setPackedText(node, section.pc_begin, section.size());
-            node.setTextType(CDATA_SECTION);
         } else {
             TVNC_NodeAccess::text(node) = textOf(section, b_ascii);
             node.setTextType(CDATA_SECTION);
@@ -481,7 +475,6 @@ private:
     bool b_short_ = false;
     bool b_tagEnded_ = false;
     NamePool names_;
-    TVNC_RecordNumbers numbers_;
 };
 
 } // namespace

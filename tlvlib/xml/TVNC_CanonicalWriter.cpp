@@ -30,14 +30,6 @@ bool isName(const QString& name)
     return true;
 }
 
-/// Whether bytes of ASCII are written as they are in a CDATA section: neither control characters nor an end.
-bool isPlain(const QByteArray& ascii)
-{
-    if (std::memchr(ascii.constData(), '>', static_cast<size_t>(ascii.size())))
-        return false;
-    return TVNC_XMLCharacters::plainRun(ascii.constData(), static_cast<int>(ascii.size())) == ascii.size();
-}
-
 /// An element whose children are being gone through.
 struct Open
 {
@@ -115,14 +107,6 @@ public:
             si_from = i;
         }
         encoded(pc_text + si_from, static_cast<int>(text.size()) - si_from);
-        literal("]]>");
-    }
-
-    /// A section of plain ASCII that has no end of a section in it.
-    void plainCdata(const QByteArray& ascii)
-    {
-        literal("<![CDATA[");
-        bytes(ascii);
         literal("]]>");
     }
 
@@ -279,14 +263,6 @@ private:
             output_.newLine(static_cast<int>(open_.size()));
         writeStartTag(node);
         const char c_type = node.getTextType();
-        const QByteArray packed = TVNC_NodeAccess::packedText(node);
-        if (!packed.isNull() && c_type == CDATA_SECTION && TVNC_NodeAccess::children(node).isEmpty() &&
-            isPlain(packed)) {
-            output_.literal(">");
-            output_.plainCdata(packed);
-            writeEndTag(node);
-            return false;
-        }
         QString text;
         if (c_type == CHARACTER_DATA || c_type == CDATA_SECTION)
             text = TVNC_XMLCharacters::writable(TVNC_NodeAccess::text(node));
