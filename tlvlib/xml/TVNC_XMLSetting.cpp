@@ -1,13 +1,65 @@
 #include "tlvlib/xml/TVNC_XMLSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/xml/TVNC_CanonicalReader.h"
+#include "tlvlib/xml/TVNC_CanonicalWriter.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
-#include "tlvlib/xml/TVNG_files.h"
+#include "tlvlib/xml/TVNC_XMLReader.h"
+#include "tlvlib/xml/TVNC_XMLWriter.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
 
 #include <QtCore/QBitArray>
+#include <QtCore/QFile>
+
+#include <new>
+
+namespace {
+
+/**
+ * The root of the document in a file, as TVNC_XMLReader::read() gives it: null only when memory ran out. A
+ * document in the library's own form is read the fast way. Nobody has a reader here whose state could be
+ * asked for afterwards.
+ */
+TVNC_XMLNode* readDocument(QString& path)
+{
+    try {
+        QFile file(path);
+        if (TVNG_openForReading(file)) {
+            if (TVNC_XMLNode* pc_root = TVNC_CanonicalReader::read(file))
+                return pc_root;
+            TVNC_XMLReader reader;
+            TVNC_XMLNode* const pc_root = reader.read(file);
+            if (pc_root || reader.error() == QXmlStreamReader::CustomError)
+                return pc_root;
+        }
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+    return TVNG_newXMLNode(nullptr, 0);
+}
+
+/// Writes as TVNC_XMLWriter::write() does, and a tree of the stores' kind the fast way.
+void writeDocument(QString& path, TVNC_XMLNode* pc_root)
+{
+    if (!pc_root)
+        return;
+    try {
+        QFile file(path);
+        if (!TVNG_openForWriting(file))
+            return;
+        if (TVNC_CanonicalWriter::takes(*pc_root))
+            TVNC_CanonicalWriter::write(file, *pc_root);
+        else
+            TVNC_XMLWriter().write(file, pc_root);
+    } catch (const std::bad_alloc&) {
+        // Goes unnoticed, as every error of writing does.
+    }
+}
+
+} // namespace
 
 TVNC_XMLSetting::TVNC_XMLSetting() : pc_XMLRootNode(nullptr) {}
 
@@ -25,11 +77,14 @@ void TVNC_XMLSetting::load(QString& path)
         TVNG_DebugPrint(2, "[TVNC_XMLSetting::load] Path is NULL or empty.");
         return;
     }
-    if (pc_XMLRootNode)
-        pc_XMLRootNode->deleteLater();
     // Here and in save(), the texts name the bookmarks whichever store is at work. Log filters rely on them.
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] start");
-    pc_XMLRootNode = TVNG_readFile(path, nullptr);
+    // Without memory for a new document the one that is there stays.
+    if (TVNC_XMLNode* const pc_root = readDocument(path)) {
+        if (pc_XMLRootNode)
+            pc_XMLRootNode->deleteLater();
+        pc_XMLRootNode = pc_root;
+    }
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] end");
 }
 
@@ -40,7 +95,7 @@ void TVNC_XMLSetting::save(QString& path)
         return;
     }
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::save] start");
-    TVNG_writeFile(path, pc_XMLRootNode, nullptr);
+    writeDocument(path, pc_XMLRootNode);
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::saveBookmark] end");
 }
 
