@@ -1,6 +1,7 @@
 #include "tlvlib/thumbs/TVNC_ThumbnailConverter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
@@ -8,9 +9,6 @@
 #include <QtCore/QFile>
 
 namespace {
-
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
 
 /// The names in the document, decoded once. Never destroyed, so that they outlive the converter.
 struct Names
@@ -85,7 +83,7 @@ void TVNC_ThumbnailConverter::setThumbnail(QString& base64Text, QString& src, TV
     }
     QXmlStreamAttributes attributes;
     attributes.append(names().src, src);
-    char c_textType = CDATA_SECTION;
+    char c_textType = TVNG_CDATA_SECTION;
     TVNC_XMLSetting::addXMLChild(pc_root, names().image, base64Text, c_textType, attributes, 0);
 }
 
@@ -99,7 +97,7 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
     QString xmlPath = TVNG_fromCString(pc_xmlPath);
 
     QString noText;
-    char c_textType = CHARACTER_DATA;
+    char c_textType = TVNG_CHARACTER_DATA;
     QXmlStreamAttributes docInfo;
     docInfo.append(names().docInfo, names().version);
     TVNC_XMLNode* pc_root =
@@ -148,7 +146,7 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
             TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] XMLNode is Null.");
             break;
         }
-        if (pc_image->getName() != names().image || pc_image->getTextType() != CDATA_SECTION)
+        if (pc_image->getName() != names().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
         // A picture's text is packed, unless it is very small or something else.
         QByteArray base64 = TVNC_NodeAccess::packedText(*pc_image);

@@ -41,6 +41,18 @@ TVNC_XMLNode* readDocument(QString& path)
     return TVNG_newXMLNode(nullptr, 0);
 }
 
+/// Has a root, or none, deleted later. False when there is no memory for that.
+bool isReleased(TVNC_XMLNode* pc_root)
+{
+    try {
+        if (pc_root)
+            pc_root->deleteLater();
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 /// Writes as TVNC_XMLWriter::write() does, and a tree of the stores' kind the fast way.
 void writeDocument(QString& path, TVNC_XMLNode* pc_root)
 {
@@ -80,11 +92,11 @@ void TVNC_XMLSetting::load(QString& path)
     // Here and in save(), the texts name the bookmarks whichever store is at work. Log filters rely on them.
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] start");
     // Without memory for a new document the one that is there stays.
-    if (TVNC_XMLNode* const pc_root = readDocument(path)) {
-        if (pc_XMLRootNode)
-            pc_XMLRootNode->deleteLater();
+    TVNC_XMLNode* const pc_root = readDocument(path);
+    if (pc_root && isReleased(pc_XMLRootNode))
         pc_XMLRootNode = pc_root;
-    }
+    else
+        delete pc_root;
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] end");
 }
 
