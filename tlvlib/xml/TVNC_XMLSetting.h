@@ -48,8 +48,9 @@ public:
     virtual void load(QString& path);
 
     /**
-     * Writes the document into the file at @a path, in place. Without a root the file stays as it was. Write
-     * errors go unnoticed, except that a file which cannot be opened is logged by TVNC_XMLWriter.
+     * Writes the document into the file at @a path, as TVNG_SetSafeSave() has it. Without a root the file
+     * stays as it was. In place, write errors go unnoticed, except that a file which cannot be opened is
+     * logged by TVNC_XMLWriter; where the file is replaced whole, TVNG_GetSaveError() tells them all.
      *
      * Logs at level 3 "[TVNC_XMLSetting::save] start" and "[TVNC_XMLSetting::saveBookmark] end", whatever the
      * store; for an empty path at level 2 "[TVNC_XMLSetting::save] Path is NULL or empty."; when there is no
