@@ -20,6 +20,9 @@
  * @endcode
  * without time, level or thread. The file only grows; nothing in the library truncates or rotates it.
  *
+ * The system log is on from the start and has no threshold: it gets the traces of level 3, too, thousands of
+ * lines for the load of a long history. docs/log.md tells what a product does about it.
+ *
  * Failures are never reported to the caller. When the log file cannot be opened (its directory is missing,
  * say), the message is lost in both sinks.
  */
