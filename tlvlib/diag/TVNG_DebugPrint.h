@@ -29,11 +29,13 @@
 
 // printf-style checks by the compiler, for the library's own build alone: programs call TVNG_DebugPrint(2,
 // text), which many compilers are set to refuse when they check.
+/// @cond
 #if defined(TLVLIB_CHECK_FORMATS)
 #define TLVLIB_PRINTF_FORMAT(fmt, first) __attribute__((format(printf, fmt, first)))
 #else
 #define TLVLIB_PRINTF_FORMAT(fmt, first)
 #endif
+/// @endcond
 
 /// Threshold of the log file: messages of this level and below are written. 0, the initial value, is off.
 TLVLIB_EXPORT extern quint32 ul_outputLevel;
