@@ -1057,8 +1057,8 @@ void tst_TVNC_AuthSetting::base64IsReadLeniently()
     QFETCH(QByteArray, bytes);
     add("a");
     QCOMPARE(decodedUser(text), bytes);
-    // Qt skips the same characters. Not by way of toUtf8(): with half of a pair, Qt 4 loses the character behind
-    // it, too.
+    // Qt skips the same characters. Not by way of toUtf8(): with half of a pair, Qt 4 loses the character
+    // behind it, too.
     QCOMPARE(QByteArray::fromBase64(text.toLatin1()), bytes);
 }
 

@@ -4,8 +4,8 @@
 /**
  * @file
  * Lets the creation of a node, or of any object, fail as it does when memory runs out. Includes the
- * definitions: for one source of a program. None of them may be inlined: the compiler would then see memory of
- * malloc() go to operator delete, and warn.
+ * definitions: for one source of a program. None of them may be inlined: the compiler would then see memory
+ * of malloc() go to operator delete, and warn.
  */
 
 #include <tlvlib/xml/TVNC_XMLNode.h>

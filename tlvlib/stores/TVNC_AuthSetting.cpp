@@ -2,6 +2,7 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Base64.h"
 #include "tlvlib/util/TVNG_Utf8.h"
@@ -20,9 +21,6 @@ const int PORT_NUM_MAX_BYTES = 5;
 /// In bytes before they become base64.
 const int USER_MAX_BYTES = 272;
 const int PASSWD_MAX_BYTES = 272;
-
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
 
 /// The names and words in the document.
 struct Names
@@ -148,11 +146,11 @@ void TVNC_AuthSetting::addAuthInfo(TVNS_AuthInfo* pc_info)
     TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().authInfo, 1);
     if (!pc_entry)
         return;
-    TVNG_addField(*this, pc_entry, names().hostName, pc_info->hostName, CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().portNum, pc_info->portNum, CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().authType, wordOf(pc_info->authType), CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().user, TVNG_toBase64(pc_info->user), CDATA_SECTION);
-    TVNG_addField(*this, pc_entry, names().passwd, TVNG_toBase64(pc_info->passwd), CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, names().hostName, pc_info->hostName, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().portNum, pc_info->portNum, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().authType, wordOf(pc_info->authType), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().user, TVNG_toBase64(pc_info->user), TVNG_CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, names().passwd, TVNG_toBase64(pc_info->passwd), TVNG_CDATA_SECTION);
     TVNG_releaseDetached(pc_entry);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
 }

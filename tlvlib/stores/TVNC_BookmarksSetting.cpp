@@ -3,6 +3,7 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_digits.h"
@@ -25,8 +26,6 @@ const char THUMBNAIL_NAME[] = "%06d.PNG";
 const int THUMBNAIL_NAME_LENGTH = 10;
 const int THUMBNAIL_EXTENSION_LENGTH = 4;
 const char THUMBNAIL_FORMAT[] = "PNG";
-
-const char CHARACTER_DATA = 0;
 
 /// The names in the document.
 struct Names
@@ -197,11 +196,11 @@ bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
         return false;
     }
     const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TITLE_MAX_BYTES);
-    TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_record, names().title,
                   b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TITLE_MAX_BYTES),
-                  CHARACTER_DATA);
-    TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, CHARACTER_DATA);
+                  TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, TVNG_CHARACTER_DATA);
     TVNG_releaseDetached(pc_record);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     return true;

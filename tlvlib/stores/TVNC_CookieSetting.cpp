@@ -2,6 +2,7 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
@@ -18,9 +19,6 @@ namespace {
 /// How many entries of a document the conversions look at, and the maximum that they hand to the load and the
 /// save of cookie.ini.
 const int CONVERTED_MAX = 20;
-
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
 
 /// The names and words in the document.
 struct Names
@@ -104,15 +102,15 @@ void TVNC_CookieSetting::addCookieInfo(QNetworkCookie& cookie)
     TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().webSiteInfo, 1);
     if (!pc_entry)
         return;
-    TVNG_addField(*this, pc_entry, names().website, cookie.domain(), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().website, cookie.domain(), TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_entry, names().name, QString::fromUtf8(cookie.name().constData()),
-                  CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().path, cookie.path(), CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().secure, secureText(cookie), CHARACTER_DATA);
+                  TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().path, cookie.path(), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().secure, secureText(cookie), TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_entry, names().expires,
-                  TVNG_clockText(cookie.expirationDate(), names().expiresFormat), CHARACTER_DATA);
+                  TVNG_clockText(cookie.expirationDate(), names().expiresFormat), TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_entry, names().contents, QString::fromUtf8(cookie.value().constData()),
-                  CDATA_SECTION);
+                  TVNG_CDATA_SECTION);
     TVNG_releaseDetached(pc_entry);
     // Not numbered here: until then the entry is invisible to getAllCookieInfo(), and the conversion, which
     // removes entries by their positions, relies on it.

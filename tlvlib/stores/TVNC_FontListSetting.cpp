@@ -1,6 +1,7 @@
 #include "tlvlib/stores/TVNC_FontListSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_immortal.h"
@@ -87,7 +88,7 @@ void TVNC_FontListSetting::addFont(QString name)
         return;
     }
     QXmlStreamAttributes noAttributes;
-    char c_textType = 0;
+    char c_textType = TVNG_CHARACTER_DATA;
     TVNG_releaseDetached(addXMLChild(getXMLRootNode(), names().font, name, c_textType, noAttributes, 0));
     setIDforChildren(TVNC_RecordNumbers::attributeName());
 }

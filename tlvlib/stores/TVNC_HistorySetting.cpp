@@ -1,6 +1,7 @@
 #include "tlvlib/stores/TVNC_HistorySetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
@@ -49,10 +50,10 @@ TVNC_XMLNode* addVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
     TVNC_XMLNode* pc_record = TVNG_addRecord(setting, names().pageInfo, 1);
     if (!pc_record)
         return nullptr;
-    TVNG_addField(setting, pc_record, names().title, visit.title, 0);
-    TVNG_addField(setting, pc_record, names().url, visit.url, 0);
+    TVNG_addField(setting, pc_record, names().title, visit.title, TVNG_CHARACTER_DATA);
+    TVNG_addField(setting, pc_record, names().url, visit.url, TVNG_CHARACTER_DATA);
     TVNG_addField(setting, pc_record, names().dateTime,
-                  TVNG_clockText(visit.dateTime, names().dateTimeFormat), 0);
+                  TVNG_clockText(visit.dateTime, names().dateTimeFormat), TVNG_CHARACTER_DATA);
     return pc_record;
 }
 
@@ -113,7 +114,7 @@ void putBack(TVNC_XMLNode& root, const Visit& visit)
 {
     const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(*visit.pc_record);
     for (int i = 0; i < fields.size(); ++i)
-        fields.at(i)->setTextType(0);
+        fields.at(i)->setTextType(TVNG_CHARACTER_DATA);
     QDate date;
     QTime time;
     QString& text = TVNC_NodeAccess::text(*fields.at(2));

@@ -4,6 +4,7 @@
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNG_SafeSave.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
@@ -14,9 +15,6 @@
 #include <QtCore/QFile>
 
 namespace {
-
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
 
 /// The names in the document.
 struct Names
@@ -82,7 +80,7 @@ void TVNC_ThumbnailConverter::setThumbnail(QString& base64Text, QString& src, TV
     }
     QXmlStreamAttributes attributes;
     attributes.append(names().src, src);
-    char c_textType = CDATA_SECTION;
+    char c_textType = TVNG_CDATA_SECTION;
     TVNC_XMLSetting::addXMLChild(pc_root, names().image, base64Text, c_textType, attributes, 0);
 }
 
@@ -96,7 +94,7 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
     QString xmlPath = TVNG_fromCString(pc_xmlPath);
 
     QString noText;
-    char c_textType = CHARACTER_DATA;
+    char c_textType = TVNG_CHARACTER_DATA;
     QXmlStreamAttributes docInfo = TVNG_docInfo();
     TVNC_XMLNode* pc_root =
         TVNC_XMLSetting::addXMLChild(nullptr, names().root, noText, c_textType, docInfo, 1);
@@ -146,7 +144,7 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
             TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] XMLNode is Null.");
             break;
         }
-        if (pc_image->getName() != names().image || pc_image->getTextType() != CDATA_SECTION)
+        if (pc_image->getName() != names().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
         const bool b_decoded = TVNG_hasMemoryFor([&] {
             QByteArray base64 = pc_image->getText().toUtf8();

@@ -1,5 +1,6 @@
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
@@ -25,7 +26,7 @@ void forgetRepeated(TVNC_XMLNode& parent)
 } // namespace
 
 TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
-    : c_textType_(0)
+    : c_textType_(TVNG_CHARACTER_DATA)
     , uc_state_(0)
     // addXMLNode() sets the parent. Were it set here, addXMLNode() would search all of the parent's children
     // for the new node first, and building a list would cost the square of its length.

@@ -1,13 +1,57 @@
 #include "tlvlib/xml/TVNC_XMLSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_memory.h"
+#include "tlvlib/xml/TVNC_CanonicalReader.h"
+#include "tlvlib/xml/TVNC_CanonicalWriter.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
+#include "tlvlib/xml/TVNC_XMLReader.h"
+#include "tlvlib/xml/TVNC_XMLWriter.h"
 #include "tlvlib/xml/TVNG_Records.h"
-#include "tlvlib/xml/TVNG_files.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
+
+#include <QtCore/QFile>
+
+namespace {
+
+/**
+ * The root of the document in a file, as TVNC_XMLReader::read() gives it; null when memory ran out. A
+ * document in the library's own form is read the fast way. Nobody has a reader here whose state could be
+ * asked for afterwards.
+ */
+TVNC_XMLNode* readDocument(QString& path)
+{
+    QFile file(path);
+    if (!TVNG_openForReading(file))
+        return TVNG_newXMLNode(nullptr, 0);
+    if (TVNC_XMLNode* const pc_root = TVNC_CanonicalReader::read(file))
+        return pc_root;
+    TVNC_XMLReader reader;
+    TVNC_XMLNode* const pc_root = reader.read(file);
+    const bool b_noMemory = reader.error() == QXmlStreamReader::CustomError;
+    return pc_root || b_noMemory ? pc_root : TVNG_newXMLNode(nullptr, 0);
+}
+
+/// Writes as TVNC_XMLWriter::write() does, and a tree of the stores' kind the fast way.
+void writeDocument(QString& path, TVNC_XMLNode* pc_root)
+{
+    if (!pc_root)
+        return;
+    TVNC_SavedFile file(path);
+    if (!TVNG_openForWriting(file))
+        return;
+    if (TVNC_CanonicalWriter::takes(*pc_root))
+        TVNC_CanonicalWriter::write(file.device(), *pc_root);
+    else
+        TVNC_XMLWriter().write(file.device(), pc_root);
+    TVNG_finishWriting(file);
+}
+
+} // namespace
 
 TVNC_XMLSetting::TVNC_XMLSetting() : pc_root_(nullptr) {}
 
@@ -29,7 +73,8 @@ void TVNC_XMLSetting::load(QString& path)
     // Here and in save(), the texts name the bookmarks whichever store is at work. Log filters rely on them.
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] start");
     // A document that memory did not suffice for leaves no root. An empty one would be saved over the file.
-    if (!TVNG_hasMemoryFor([&] { pc_root_ = TVNG_readFile(path, nullptr); }))
+    TVNG_hasMemoryFor([&] { pc_root_ = readDocument(path); });
+    if (!pc_root_)
         TVNG_DebugPrint(1, "[TVNC_XMLSetting::load] Fail");
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] end");
 }
@@ -41,7 +86,7 @@ void TVNC_XMLSetting::save(QString& path)
         return;
     }
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::save] start");
-    if (!TVNG_hasMemoryFor([&] { TVNG_writeFile(path, pc_root_, nullptr); }))
+    if (!TVNG_hasMemoryFor([&] { writeDocument(path, pc_root_); }))
         TVNG_DebugPrint(1, "[TVNC_XMLSetting::save] Fail");
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::saveBookmark] end");
 }

@@ -38,7 +38,8 @@ public:
 
     /**
      * Replaces the document by the one in the file at @a path. A file that is missing, unreadable or without
-     * an element gives an empty root; see TVNC_XMLReader for damaged files.
+     * an element gives an empty root; see TVNC_XMLReader for damaged files. When memory runs out, the
+     * document stays what it was.
      *
      * Logs at level 3 "[TVNC_XMLSetting::loadBookmark] start" and "... end", whatever the store. An empty
      * path keeps the document and logs at level 2 "[TVNC_XMLSetting::load] Path is NULL or empty.". When

@@ -1,5 +1,6 @@
 #include "tlvlib/xml/TVNG_Records.h"
 
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
@@ -24,7 +25,7 @@ void TVNG_nameRoot(TVNC_XMLNode* pc_root, QString& name)
 TVNC_XMLNode* TVNG_addRecord(TVNC_XMLSetting& setting, QString& name, char c_prepend)
 {
     QString noText;
-    char c_textType = 0;
+    char c_textType = TVNG_CHARACTER_DATA;
     QXmlStreamAttributes noAttributes;
     return setting.addXMLChild(setting.getXMLRootNode(), name, noText, c_textType, noAttributes, c_prepend);
 }
