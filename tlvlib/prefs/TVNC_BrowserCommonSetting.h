@@ -76,8 +76,9 @@ public:
     void loadSetting(QString* dir);
 
     /**
-     * Writes the preferences to @a dir + "repostry.xml", in place. Before the first load the file stays as it
-     * was.
+     * Writes the preferences to @a dir + "repostry.xml", as TVNG_SetSafeSave() has it. Before the first load
+     * the file stays as it was. With a password for the proxy, a safe save makes a file that did not exist
+     * for its owner alone.
      *
      * Logs at level 3 "[TVNC_BrowserCommonSetting::saveSetting] start" and "... end". A null or empty
      * directory writes nothing and logs at level 2 "[TVNC_BrowserCommonSetting::saveSetting] Common Path is

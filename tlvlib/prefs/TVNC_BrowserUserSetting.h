@@ -55,8 +55,8 @@ public:
     void loadSetting(QString* dir);
 
     /**
-     * Writes the preferences to @a dir + "repostry_private.xml", in place. Before the first load the file
-     * stays as it was.
+     * Writes the preferences to @a dir + "repostry_private.xml", as TVNG_SetSafeSave() has it. Before the
+     * first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_BrowserUserSetting::saveSetting] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_BrowserUserSetting::saveSetting] User Path is NULL or

@@ -85,9 +85,9 @@ public:
     void loadBookmark(QString* dir, int si_loadMax, int& si_lastNumber);
 
     /**
-     * Writes all bookmarks to @a dir + "bookmark.xml", in place. Afterwards all pictures have their paths
-     * under @a dir. @a si_saveMax must be at least 1 and has no other effect. Before the first load the file
-     * stays as it was.
+     * Writes all bookmarks to @a dir + "bookmark.xml", as TVNG_SetSafeSave() has it. Afterwards all pictures
+     * have their paths under @a dir. @a si_saveMax must be at least 1 and has no other effect. Before the
+     * first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_BookmarksSetting::saveBookmark] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_BookmarksSetting::saveBookmark] Path is NULL or empty."; so

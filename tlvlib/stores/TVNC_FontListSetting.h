@@ -43,8 +43,8 @@ public:
     void loadFontList(QString dir);
 
     /**
-     * Writes the list to @a dir + "fontlist.xml", in place, with the numbers it has. Before the first load
-     * the file stays as it was.
+     * Writes the list to @a dir + "fontlist.xml", as TVNG_SetSafeSave() has it, with the numbers it has.
+     * Before the first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_FontListSetting::saveFontList] start" and "... end". An empty directory writes
      * nothing and logs at level 2 "[TVNC_FontListSetting::saveFontList] Path is empty.".

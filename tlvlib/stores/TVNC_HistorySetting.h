@@ -90,8 +90,8 @@ public:
     void loadHistory(QString* dir, int si_loadMax);
 
     /**
-     * Writes the list to @a dir + "visit.xml", in place and in its present order. Before the first load the
-     * file stays as it was.
+     * Writes the list to @a dir + "visit.xml", as TVNG_SetSafeSave() has it, and in its present order. Before
+     * the first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_HistorySetting::saveHistory] start" and "... end". Nothing is written, and level
      * 2 tells why: for a null or empty directory "[TVNC_HistorySetting::saveHistory] Path is NULL or empty.",

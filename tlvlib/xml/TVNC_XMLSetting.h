@@ -38,8 +38,7 @@ public:
 
     /**
      * Replaces the document by the one in the file at @a path. A file that is missing, unreadable or without
-     * an element gives an empty root; see TVNC_XMLReader for damaged files. When memory runs out, the
-     * document stays what it was.
+     * an element gives an empty root; see TVNC_XMLReader for damaged files.
      *
      * Logs at level 3 "[TVNC_XMLSetting::loadBookmark] start" and "... end", whatever the store. An empty
      * path keeps the document and logs at level 2 "[TVNC_XMLSetting::load] Path is NULL or empty.". When
@@ -49,8 +48,9 @@ public:
     virtual void load(QString& path);
 
     /**
-     * Writes the document into the file at @a path, in place. Without a root the file stays as it was. Write
-     * errors go unnoticed, except that a file which cannot be opened is logged by TVNC_XMLWriter.
+     * Writes the document into the file at @a path, as TVNG_SetSafeSave() has it. Without a root the file
+     * stays as it was. In place, write errors go unnoticed, except that a file which cannot be opened is
+     * logged by TVNC_XMLWriter; where the file is replaced whole, TVNG_GetSaveError() tells them all.
      *
      * Logs at level 3 "[TVNC_XMLSetting::save] start" and "[TVNC_XMLSetting::saveBookmark] end", whatever the
      * store; for an empty path at level 2 "[TVNC_XMLSetting::save] Path is NULL or empty."; when there is no
