@@ -14,6 +14,8 @@
 #include <QtCore/QHash>
 #include <QtCore/QMutex>
 
+#include <memory>
+
 namespace {
 
 // --- The filter of a reader -------------------------------------------------------------------------------
@@ -29,13 +31,13 @@ public:
     /// Gives a reader a filter, or none, and deletes the one that it had.
     void replace(const TVNC_XMLReader* pc_reader, TVNC_XMLInput* pc_input)
     {
-        QScopedPointer<TVNC_XMLInput> input(pc_input);
-        QScopedPointer<TVNC_XMLInput> earlier; // deleted when nothing is locked any more
+        std::unique_ptr<TVNC_XMLInput> input(pc_input);
+        std::unique_ptr<TVNC_XMLInput> earlier; // deleted when nothing is locked any more
         QMutexLocker locker(&mutex_);
         earlier.reset(inputs_.take(pc_reader));
         if (input) {
-            inputs_.insert(pc_reader, input.data());
-            input.take();
+            inputs_.insert(pc_reader, input.get());
+            input.release();
         }
     }
 
@@ -150,7 +152,7 @@ TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
 
 TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
 {
-    QScopedPointer<TVNC_XMLNode> root;
+    std::unique_ptr<TVNC_XMLNode> root;
     const bool b_complete = TVNG_hasMemoryFor([&] {
         // Not a local object: error and position can only be asked for afterwards while the reader's device
         // stays what it was.
@@ -169,7 +171,7 @@ TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
         }
     });
     if (b_complete)
-        return root.take();
+        return root.release();
     stop(*this);
     return nullptr;
 }
