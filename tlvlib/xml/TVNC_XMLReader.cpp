@@ -12,6 +12,7 @@
 #include <QtCore/QHash>
 #include <QtCore/QMutex>
 
+#include <memory>
 #include <new>
 
 namespace {
@@ -36,13 +37,13 @@ public:
     /// Gives a reader a filter, or none, and deletes the one that it had.
     void replace(const TVNC_XMLReader* pc_reader, TVNC_XMLInput* pc_input)
     {
-        QScopedPointer<TVNC_XMLInput> input(pc_input);
-        QScopedPointer<TVNC_XMLInput> earlier; // deleted when nothing is locked any more
+        std::unique_ptr<TVNC_XMLInput> input(pc_input);
+        std::unique_ptr<TVNC_XMLInput> earlier; // deleted when nothing is locked any more
         QMutexLocker locker(&mutex_);
         earlier.reset(inputs_.take(pc_reader));
         if (input) {
-            inputs_.insert(pc_reader, input.data());
-            input.take();
+            inputs_.insert(pc_reader, input.get());
+            input.release();
         }
     }
 
@@ -166,7 +167,7 @@ TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
 
 TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
 {
-    QScopedPointer<TVNC_XMLNode> root;
+    std::unique_ptr<TVNC_XMLNode> root;
     try {
         // Not a local object: error and position can only be asked for afterwards while the reader's device
         // stays what it was.
@@ -187,7 +188,7 @@ TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
         stop(*this);
         return nullptr;
     }
-    return root.take();
+    return root.release();
 }
 
 TVNC_XMLNode* TVNC_XMLReader::readXMLNode(TVNC_XMLNode* pc_parent)
