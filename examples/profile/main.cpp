@@ -416,6 +416,7 @@ int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
     startLog();
+    TVNG_SetSafeSave(1); // every save from now on leaves a whole file, the earlier or the new one
     const int exitCode = run(application.arguments());
     end();
     return exitCode;

@@ -109,9 +109,8 @@ public:
     /**
      * Replaces the file @a dir + "cookie.ini" by one with these cookies. All are written, however many, with
      * everything they have; @a si_saveMax must be at least 1 and has no other effect. The directory ends in
-     * "/". Missing directories are made by Qt 5, and there must be write access to the directory: another
-     * file is written there and renamed, with a "cookie.ini.lock" beside it meanwhile. The document is not
-     * touched.
+     * "/". There must be write access to it. Unless saves are safe, Qt 5 makes missing directories, writes
+     * another file and renames it, with a "cookie.ini.lock" beside it meanwhile. The document is not touched.
      *
      * Logs at level 3 "[TVNC_CookieSetting::saveCookieInfo] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_CookieSetting::saveCookieInfo] Path is NULL or empty."; so
