@@ -289,6 +289,7 @@ int main(int argc, char** argv)
     const QStringList arguments = application.arguments();
     if (arguments.size() != 3 || (arguments.at(1) != "fill" && arguments.at(1) != "show"))
         return usage();
+    TVNG_SetSafeSave(1); // no save is torn by a power cut
     Profile profile(arguments.at(2));
     if (arguments.at(1) == "fill") {
         if (!QDir().mkpath(profile.common) || !QDir().mkpath(profile.thumbnails())) {

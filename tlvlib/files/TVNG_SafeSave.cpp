@@ -5,7 +5,6 @@
 namespace {
 
 bool b_safeSave = false;
-bool b_secretSave = false;
 
 /// Never destroyed: a store may be saved while the process ends.
 QString& saveError()
@@ -34,19 +33,4 @@ bool TVNG_isSafeSave()
 void TVNG_setSaveError(const QString& error)
 {
     saveError() = error;
-}
-
-TVNC_SecretSave::TVNC_SecretSave(bool b_secret) : b_before_(b_secretSave)
-{
-    b_secretSave = b_secret;
-}
-
-TVNC_SecretSave::~TVNC_SecretSave()
-{
-    b_secretSave = b_before_;
-}
-
-bool TVNC_SecretSave::isActive()
-{
-    return b_secretSave;
 }
