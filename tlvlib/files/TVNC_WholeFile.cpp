@@ -1,5 +1,6 @@
 #include "tlvlib/files/TVNC_WholeFile.h"
 
+#include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/TVNG_memory.h"
 

@@ -6,7 +6,6 @@
 namespace {
 
 bool b_safeSave = false;
-bool b_secretSave = false;
 
 /// What TVNG_GetSaveError() answers.
 struct SaveError
@@ -34,19 +33,4 @@ bool TVNG_isSafeSave()
 void TVNG_setSaveError(const QString& error)
 {
     TVNG_immortal<SaveError>().text = error;
-}
-
-TVNC_SecretSave::TVNC_SecretSave(bool b_secret) : b_before_(b_secretSave)
-{
-    b_secretSave = b_secret;
-}
-
-TVNC_SecretSave::~TVNC_SecretSave()
-{
-    b_secretSave = b_before_;
-}
-
-bool TVNC_SecretSave::isActive()
-{
-    return b_secretSave;
 }

@@ -14,22 +14,4 @@ bool TVNG_isSafeSave();
 /// What TVNG_GetSaveError() answers from now on; empty after a save that succeeded.
 void TVNG_setSaveError(const QString& error);
 
-/**
- * Tells whether what is saved while it lives holds credentials or cookies: a safe save then makes a file that
- * did not exist for its owner alone.
- */
-class TVNC_SecretSave
-{
-public:
-    explicit TVNC_SecretSave(bool b_secret);
-    ~TVNC_SecretSave();
-
-    static bool isActive();
-
-private:
-    Q_DISABLE_COPY(TVNC_SecretSave)
-
-    const bool b_before_;
-};
-
 #endif

@@ -1,7 +1,7 @@
 #include "tlvlib/prefs/TVNC_BrowserCommonSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
-#include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_immortal.h"

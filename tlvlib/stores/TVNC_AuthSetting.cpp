@@ -1,7 +1,7 @@
 #include "tlvlib/stores/TVNC_AuthSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
-#include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Base64.h"

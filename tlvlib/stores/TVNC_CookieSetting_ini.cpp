@@ -2,6 +2,7 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 
