@@ -177,6 +177,8 @@ bool namesStay(QString pack)
 {
     TVNC_XMLReader reader;
     const std::unique_ptr<TVNC_XMLNode> root(reader.read(pack));
+    if (!root) // no memory
+        return false;
     for (TVNC_XMLNode* image : root->getXMLNodeChildren()) {
         const QString name = image->getAttribute().value("src").toString();
         if (name.isEmpty() || name.contains('/') || !name.endsWith(".png", Qt::CaseInsensitive))

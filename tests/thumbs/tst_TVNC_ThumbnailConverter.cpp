@@ -46,6 +46,7 @@ private slots:
     void emptyDirectoryGivesAnEmptyPack();
     void missingDirectoryGivesAnEmptyPack();
     void emptyFileIsPackedEmpty();
+    void controlCharactersInNamesAreLost();
     void packingReplacesTheFile();
     void packLogsItsSteps();
     void packNeedsItsArguments();
@@ -309,6 +310,7 @@ void tst_TVNC_ThumbnailConverter::onlyPngFilesArePacked()
     writeFile(pngDir() + utf8("b.txt"), "x");
     writeFile(pngDir() + utf8("png"), "x");
     writeFile(pngDir() + utf8("c.png.bak"), "x");
+    writeFile(pngDir() + utf8(".hidden.png"), "x");
     QVERIFY(QDir().mkdir(pngDir() + utf8("d.png")));
     QVERIFY(QFile::link(pngDir() + utf8("a.Png"), pngDir() + utf8("e.png")));
     pack();
@@ -337,6 +339,15 @@ void tst_TVNC_ThumbnailConverter::emptyFileIsPackedEmpty()
     pack();
     QVERIFY(readFile(file()).contains("    <image src=\"b.png\"/>\n"
                                       "    <image src=\"a.png\"><![CDATA[eA==]]></image>\n"));
+}
+
+void tst_TVNC_ThumbnailConverter::controlCharactersInNamesAreLost()
+{
+    writeFile(pngDir() + utf8("a\x01"
+                              "b.png"),
+              "x");
+    pack();
+    QVERIFY(readFile(file()).contains("    <image src=\"ab.png\"><![CDATA[eA==]]></image>\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::packingReplacesTheFile()

@@ -71,8 +71,9 @@ public:
     char getStartUp();
 
     /// @name When what the browser has collected is deleted
-    /// 0 "notDelete", 1 "logout", 2 "timeout". Any other code, and any other text in the document, stands for
-    /// 0. Deleting is the application's work.
+    /// 0 "notDelete", 1 "logout" (the user ends the use), 2 "timeout" (nobody has used the browser for a
+    /// while). Any other code, and any other text in the document, stands for 0. Deleting is the
+    /// application's work.
     /// @{
 
     /// For cookies.
@@ -88,8 +89,9 @@ public:
     /// @}
     /// @name Texts
     /// Up to 256 bytes of UTF-8. A setter returns false for a longer text and changes nothing then; an empty
-    /// one is accepted. For null, a getter logs at level 2 "[TVNC_BrowserUserSetting::getHomePage] Parameter
-    /// is NULL.", with its own name.
+    /// one is accepted. A text of blanks alone comes back as empty from a file, and a carriage return as a
+    /// line feed. For null, a getter logs at level 2 "[TVNC_BrowserUserSetting::getHomePage] Parameter is
+    /// NULL.", with its own name.
     /// @{
 
     /// The home page's address. Answered as "about:blank" when it is missing, too long or empty.

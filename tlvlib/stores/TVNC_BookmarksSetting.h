@@ -12,7 +12,8 @@ struct TVNS_Bookmark
     /// The title shown to the user. Adding cuts it to 100 bytes of UTF-8.
     QString title;
 
-    /// The page's address, at most 256 bytes of UTF-8.
+    /// The page's address, at most 256 bytes of UTF-8. A carriage return in it, as in a title, comes back as
+    /// a line feed from a file, and a text of blanks alone as empty.
     QString href;
 
     /// The full path of the bookmark's picture, at most 256 bytes of UTF-8; see TVNC_BookmarksSetting.
@@ -106,7 +107,8 @@ public:
      * "[TVNC_BookmarksSetting::setBookmark] Failed to new TVNC_XMLNode.". A refusal has no line of its own.
      *
      * @return false when @a pc_bookmark is null, its address or its thumbnail is longer than 256 bytes of
-     *         UTF-8, or memory ran out; nothing is added then
+     *         UTF-8, or memory ran out; nothing is added then. Before the first load true is no promise: the
+     *         bookmark is lost.
      */
     bool setBookmark(TVNS_Bookmark* pc_bookmark);
 
@@ -121,7 +123,7 @@ public:
 
     /**
      * Removes a bookmark, if there is one of this number, and renumbers the rest. Its picture stays: read its
-     * path first, and hand it to deleteThumbnail().
+     * path first, save, and then hand it to deleteThumbnail().
      *
      * Logs at level 3 "[TVNC_BookmarksSetting::deleteBookmark] si_nodeNum:%d".
      */

@@ -61,8 +61,9 @@ public:
     QString getFont(int si_index);
 
     /**
-     * Adds a font at the end. The same name may be added again. From the 1000th font on, fonts are stored but
-     * get no number. Nothing is saved.
+     * Adds a font at the end. The same name may be added again. One of blanks alone is taken, but comes back
+     * as empty from a file; a carriage return comes back as a line feed. From the 1000th font on, fonts are
+     * stored but get no number. Nothing is saved.
      *
      * Logs at level 3 "[TVNC_FontListSetting::addFont]". An empty name is refused and logged at level 2 as
      * "[TVNC_FontListSetting::addFont] FontName is empty.".

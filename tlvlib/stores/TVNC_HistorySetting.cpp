@@ -117,7 +117,7 @@ void putBack(TVNC_XMLNode& root, const Visit& visit)
         fields.at(i)->setTextType(TVNG_CHARACTER_DATA);
     QDate date;
     QTime time;
-    QString& text = TVNC_NodeAccess::text(*fields.at(2));
+    QString& text = fields.at(2)->getText();
     if (!TVNG_clockParts(text, names().dateTimeFormat, date, time))
         text = TVNG_clockText(TVNG_clockTime(text, names().dateTimeFormat), names().dateTimeFormat);
     char c_prepend = 1;

@@ -23,7 +23,8 @@ struct TLVLIB_EXPORT TVNS_History
     /// The page's title, of any length.
     QString title;
 
-    /// The page's address, of any length.
+    /// The page's address, of any length. A carriage return in it, as in a title, comes back as a line feed
+    /// from a file, and a text of blanks alone as empty.
     QString url;
 
     /**
@@ -159,7 +160,8 @@ public:
 
     /**
      * Puts the newest visit first. Visits of the same minute come in the order in which the quicksort of the
-     * device leaves them, which is not that of the file.
+     * device leaves them, which is not that of the file: it changes with every load, and with it which of
+     * them updateHistory() takes for the oldest.
      *
      * The list is built anew: only records that are found by a number below the count of all records are
      * taken over (of a file that this library wrote, the first 999), each as a "pageInfo" with its three

@@ -10,6 +10,7 @@
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QFile>
@@ -113,8 +114,11 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
             QString path = pngDir + name;
             QByteArray base64;
             encode_base64(path, base64);
-            QString text = QString::fromLatin1(base64.constData(), static_cast<int>(base64.size()));
-            setThumbnail(text, name, pc_root);
+            QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
+            const int si_before = static_cast<int>(images.size());
+            setThumbnail(noText, name, pc_root);
+            if (images.size() > si_before && !base64.isEmpty())
+                TVNC_PackedText::set(*images.last(), base64.constData(), static_cast<int>(base64.size()));
         }
     });
     if (b_complete)
@@ -147,7 +151,9 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
         if (pc_image->getName() != names().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
         const bool b_decoded = TVNG_hasMemoryFor([&] {
-            QByteArray base64 = pc_image->getText().toUtf8();
+            QByteArray base64 = TVNC_PackedText::bytes(*pc_image);
+            if (base64.isNull())
+                base64 = pc_image->getText().toUtf8();
             QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();
             if (!decode_base64(base64, path) && !base64.isEmpty() && saveError.isEmpty())
                 saveError = TVNG_GetSaveError();

@@ -21,8 +21,9 @@ TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
  * @endcode
  *
  * Each "image" holds a file's name and, in base64 without line breaks, its bytes. Nothing looks at whether
- * they are a picture. The whole pack is in memory meanwhile: less than three times the bytes of the files,
- * which come back when the thread's event loop runs.
+ * they are a picture. Names lose what a document cannot hold, such as most control characters, and files are
+ * then unpacked under other names than they had. The whole pack is in memory meanwhile: less than three times
+ * the bytes of the files, which come back when the thread's event loop runs.
  *
  * Nothing is kept between two conversions. Paths are joined as they are, so directories end in "/". Failures
  * are log lines, all at level 1 but those of the setting base.
@@ -63,9 +64,9 @@ public:
 
     /**
      * Packs the files of a directory whose names end in ".png", in small or capital letters, the last name
-     * first. Directories and symbolic links are left out. A file that cannot be read becomes an empty
-     * "image". A null argument is logged as "[TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid
-     * Parameter.".
+     * first. Hidden files, directories and symbolic links are left out. A file that cannot be read, or has no
+     * bytes, becomes an empty "image", which is not unpacked again. A null argument is logged as
+     * "[TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid Parameter.".
      *
      * @param pc_pngDir  the directory, in ASCII and with "/" at its end
      * @param pc_xmlPath the pack's full path, in ASCII
@@ -75,7 +76,7 @@ public:
     /**
      * Unpacks a document, whatever its root. Only an "image" whose text is a CDATA section is unpacked; one
      * that fails does not stop the others. "src" is joined to the directory as it is and may name a file
-     * elsewhere: look at packs of doubtful origin first.
+     * elsewhere: look at packs of doubtful origin first, as docs/integration.md tells.
      *
      * A null argument is logged as "[TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Invalid Parameter.".
      * A null child of the root ends the unpacking and is logged as "[TVNC_ThumbnailConverter] XMLNode is

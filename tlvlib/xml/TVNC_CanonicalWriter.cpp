@@ -3,6 +3,7 @@
 #include "tlvlib/format/TVNC_XMLCharacters.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNG_walkTree.h"
 
 #include <cstring>
@@ -25,6 +26,14 @@ bool isName(const QString& name)
             return false;
     }
     return true;
+}
+
+/// Whether bytes of ASCII are written as they are, in one CDATA section: none is a control character, and no
+/// section ends within.
+bool fitsOneSection(const QByteArray& ascii)
+{
+    return !std::memchr(ascii.constData(), '>', static_cast<size_t>(ascii.size())) &&
+           TVNC_XMLCharacters::arePrintable(ascii.constData(), static_cast<int>(ascii.size()));
 }
 
 /// Whether anything is left of a text without what XML cannot hold.
@@ -292,7 +301,14 @@ private:
         const char c_type = node.getTextType();
         if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return false;
-        const QString& text = TVNC_NodeAccess::text(node);
+        const QByteArray packed = TVNC_PackedText::bytes(node);
+        if (c_type == TVNG_CDATA_SECTION && !packed.isNull() && fitsOneSection(packed)) {
+            output_.literal(">" TVNG_CDATA_START);
+            output_.bytes(packed.constData(), static_cast<int>(packed.size()));
+            output_.literal(TVNG_CDATA_END);
+            return true;
+        }
+        const QString& text = node.getText();
         if (!hasWritable(text))
             return false;
         output_.literal(">");

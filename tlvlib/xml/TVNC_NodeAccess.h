@@ -12,14 +12,16 @@ struct TVNC_NodeAccess
 {
     /// Bits of a node's state.
     enum State {
-        NUMBERED = 1, ///< the list of children is marked
-        EXPOSED = 2,  ///< a reference to a part of the node is in foreign hands
-        LEAVING = 4,  ///< the node is about to be deleted with its parent
+        NUMBERED = 1,    ///< the list of children is marked
+        EXPOSED = 2,     ///< a reference to a part of the node is in foreign hands
+        LEAVING = 4,     ///< the node is about to be deleted with its parent
+        PACKED_TEXT = 8, ///< the text is one of TVNC_PackedText
     };
 
     static QList<TVNC_XMLNode*>& children(TVNC_XMLNode& node) { return node.children_; }
     static QXmlStreamAttributes& attributes(TVNC_XMLNode& node) { return node.attributes_; }
     static QString& name(TVNC_XMLNode& node) { return node.name_; }
+    /// As it is stored, perhaps packed; getText() gives it as it is.
     static QString& text(TVNC_XMLNode& node) { return node.text_; }
     static unsigned char& state(TVNC_XMLNode& node) { return node.uc_state_; }
 };

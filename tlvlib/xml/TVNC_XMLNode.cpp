@@ -2,6 +2,7 @@
 
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
 namespace {
@@ -91,6 +92,7 @@ QString& TVNC_XMLNode::getName()
 
 QString& TVNC_XMLNode::getText()
 {
+    TVNC_PackedText::unpack(*this);
     return text_;
 }
 
@@ -106,6 +108,7 @@ void TVNC_XMLNode::setName(QString& name)
 
 void TVNC_XMLNode::setText(QString& text)
 {
+    uc_state_ &= static_cast<unsigned char>(~TVNC_NodeAccess::PACKED_TEXT);
     text_ = text;
 }
 

@@ -183,7 +183,7 @@ private:
         const char c_type = node.getTextType();
         if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return;
-        const QString text = TVNC_XMLCharacters::writable(TVNC_NodeAccess::text(node));
+        const QString text = TVNC_XMLCharacters::writable(node.getText());
         if (text.isEmpty())
             return;
         if (c_type == TVNG_CDATA_SECTION)
