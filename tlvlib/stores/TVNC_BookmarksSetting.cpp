@@ -3,16 +3,12 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QFile>
 
 namespace {
-
-/// In bytes of UTF-8.
-const int TITLE_MAX_BYTES = 100;
-const int URL_MAX_BYTES = 256;
-const int PATH_MAX_BYTES = 256;
 
 /// The name of a picture, and its parts in characters.
 const char THUMBNAIL_NAME[] = "%06d.PNG";
@@ -152,18 +148,18 @@ int TVNC_BookmarksSetting::getBookmarkCnt()
 bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
 {
     TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::setBookmark]");
-    if (!pc_bookmark || !TVNG_fitsUtf8(pc_bookmark->href, URL_MAX_BYTES) ||
-        !TVNG_fitsUtf8(pc_bookmark->thumbnail, PATH_MAX_BYTES))
+    if (!pc_bookmark || !TVNG_fitsUtf8(pc_bookmark->href, TVNG_URL_MAX_BYTES) ||
+        !TVNG_fitsUtf8(pc_bookmark->thumbnail, TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return false;
     TVNC_XMLNode* pc_record = TVNG_addRecord(*this, names().bookmark, 1);
     if (!pc_record) {
         TVNG_DebugPrint(1, "[TVNC_BookmarksSetting::setBookmark] Failed to new TVNC_XMLNode.");
         return false;
     }
-    const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TITLE_MAX_BYTES);
+    const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TVNG_TITLE_MAX_BYTES);
     TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, CHARACTER_DATA);
     TVNG_addField(*this, pc_record, names().title,
-                  b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TITLE_MAX_BYTES),
+                  b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TVNG_TITLE_MAX_BYTES),
                   CHARACTER_DATA);
     TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, CHARACTER_DATA);
     TVNG_releaseDetached(pc_record);
@@ -203,7 +199,7 @@ bool TVNC_BookmarksSetting::getBookmarkTitle(int si_id, QString* pc_out)
     if (!pc_title)
         return false;
     // True also when the title is withheld: browsers take false for a bookmark that is gone.
-    if (TVNG_fitsUtf8(pc_title->getText(), TITLE_MAX_BYTES))
+    if (TVNG_fitsUtf8(pc_title->getText(), TVNG_TITLE_MAX_BYTES))
         *pc_out = pc_title->getText();
     return true;
 }
@@ -223,13 +219,13 @@ bool TVNC_BookmarksSetting::getBookmarkURL(int si_id, QString* pc_out)
     TVNC_XMLNode* pc_href = pc_out ? getBookmarkChildNode(si_id, HREF) : nullptr;
     if (!pc_href)
         return false;
-    *pc_out = TVNG_fitsUtf8(pc_href->getText(), URL_MAX_BYTES) ? pc_href->getText() : names().aboutBlank;
+    *pc_out = TVNG_fitsUtf8(pc_href->getText(), TVNG_URL_MAX_BYTES) ? pc_href->getText() : names().aboutBlank;
     return true;
 }
 
 bool TVNC_BookmarksSetting::setBookmarkURL(int si_id, QString* pc_url)
 {
-    if (!pc_url || !TVNG_fitsUtf8(*pc_url, URL_MAX_BYTES))
+    if (!pc_url || !TVNG_fitsUtf8(*pc_url, TVNG_URL_MAX_BYTES))
         return false;
     TVNC_XMLNode* pc_href = getBookmarkChildNode(si_id, HREF);
     if (!pc_href)
@@ -249,7 +245,7 @@ bool TVNC_BookmarksSetting::getBookmarkThumbnailFilePath(int si_id, QString* pc_
 
 bool TVNC_BookmarksSetting::setBookmarkThumbnailFilePath(int si_id, QString* pc_path)
 {
-    if (!pc_path || !TVNG_fitsUtf8(*pc_path, PATH_MAX_BYTES))
+    if (!pc_path || !TVNG_fitsUtf8(*pc_path, TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return false;
     return setThumbFilePath(getBookmarkChildNode(si_id, THUMBNAIL), *pc_path);
 }
@@ -316,7 +312,7 @@ TVNC_XMLNode* TVNC_BookmarksSetting::getThumbNode(int& si_index)
 
 QString TVNC_BookmarksSetting::getThumbFilePath(TVNC_XMLNode* pc_node)
 {
-    if (!pc_node || !TVNG_fitsUtf8(pc_node->getText(), PATH_MAX_BYTES))
+    if (!pc_node || !TVNG_fitsUtf8(pc_node->getText(), TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return QString();
     return pc_node->getText();
 }

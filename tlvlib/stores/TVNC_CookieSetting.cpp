@@ -4,6 +4,7 @@
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QVector>
@@ -11,10 +12,6 @@
 // The document and its conversion from and to cookie.ini. Nothing of a cookie goes into a log line.
 
 namespace {
-
-/// How many entries of a document the conversions look at, and the maximum that they hand to the load and the
-/// save of cookie.ini.
-const int CONVERTED_MAX = 20;
 
 const char CHARACTER_DATA = 0;
 const char CDATA_SECTION = 1;
@@ -33,7 +30,7 @@ struct Names
         , contents(QEXC_TextCodec::fromSJIS("contents"))
         , isSecure(QEXC_TextCodec::fromSJIS("true"))
         , isNotSecure(QEXC_TextCodec::fromSJIS("false"))
-        , expiresFormat(QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm:ss"))
+        , expiresFormat(QEXC_TextCodec::fromSJIS(TVNG_EXPIRES_FORMAT))
     {
     }
     QString root;
@@ -168,9 +165,9 @@ void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir
     load(xmlPath);
     const QList<TVNS_CookieInfo> infos = getAllCookieInfo();
     QList<QNetworkCookie> cookies;
-    for (int i = 0; i < infos.size() && i < CONVERTED_MAX; ++i)
+    for (int i = 0; i < infos.size() && i < TVNG_CONVERTED_MAX; ++i)
         cookies.append(cookieOf(infos.at(i)));
-    saveCookieInfo(cookies, &iniDir, CONVERTED_MAX);
+    saveCookieInfo(cookies, &iniDir, TVNG_CONVERTED_MAX);
     deleteAllSetting();
 }
 
@@ -182,12 +179,12 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
     }
     QString iniDir = TVNG_fromCString(pc_iniDir);
     QString xmlPath = TVNG_fromCString(pc_xmlPath);
-    QList<QNetworkCookie> cookies = loadCookieInfo(&iniDir, CONVERTED_MAX);
+    QList<QNetworkCookie> cookies = loadCookieInfo(&iniDir, TVNG_CONVERTED_MAX);
     load(xmlPath);
     QList<TVNS_CookieInfo> infos = getAllCookieInfo();
 
     // Each entry counts for one cookie only: of two equal cookies with one entry, the second is new.
-    const int si_infos = qMin(static_cast<int>(infos.size()), CONVERTED_MAX);
+    const int si_infos = qMin(static_cast<int>(infos.size()), TVNG_CONVERTED_MAX);
     QVector<bool> isMatched(si_infos, false);
     QVector<bool> isNew(static_cast<int>(cookies.size()), true);
     for (int i = 0; i < cookies.size(); ++i) {

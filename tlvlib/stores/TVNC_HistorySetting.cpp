@@ -4,6 +4,7 @@
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/util/TVNG_quickSort.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
@@ -23,7 +24,7 @@ struct Names
         , title(QEXC_TextCodec::fromSJIS("title"))
         , url(QEXC_TextCodec::fromSJIS("url"))
         , dateTime(QEXC_TextCodec::fromSJIS("dateTime"))
-        , dateTimeFormat(QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm"))
+        , dateTimeFormat(QEXC_TextCodec::fromSJIS(TVNG_DATE_TIME_FORMAT))
     {
     }
     QString file;

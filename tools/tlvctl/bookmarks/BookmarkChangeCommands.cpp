@@ -1,14 +1,12 @@
-#include "tools/tlvctl/bookmarks/BookmarkChangeCommands.h"
+#include "tools/tlvctl/bookmarks/BookmarkCommands.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/bookmarks/BookmarkList.h"
-#include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSet>
 #include <QtGui/QImageReader>
 
 namespace {
@@ -19,16 +17,10 @@ const QString IMAGE = "image";
 const QString IMAGE_SIZE = "image-size";
 const QString KEEP_IMAGE = "keep-image";
 
-bool refuse(const BookmarkList& list, const QString& problem)
-{
-    complain(list.file().path(), QString("nothing was changed: %1").arg(problem));
-    return false;
-}
-
 bool checkUrl(const BookmarkList& list, const QString& url)
 {
-    const QString problem = url.isEmpty() ? "is empty" : problemWithText(url, BookmarkList::URL_MAX_BYTES);
-    return problem.isEmpty() || refuse(list, QString("the address %1 %2").arg(quoted(url), problem));
+    const QString problem = problemWithName(url, TVNG_URL_MAX_BYTES);
+    return problem.isEmpty() || list.refuse(QString("the address %1 %2").arg(quoted(url), problem));
 }
 
 /// Cuts a title where that is asked for. Complains and returns false when it cannot be kept.
@@ -36,12 +28,11 @@ bool readTitle(const BookmarkList& list, const QCommandLineParser& arguments, QS
 {
     if (arguments.isSet(CLIP))
         title = list.clipped(title);
-    const QString problem = problemWithText(title, BookmarkList::TITLE_MAX_BYTES);
+    const QString problem = problemWithText(title, TVNG_TITLE_MAX_BYTES);
     if (problem.isEmpty())
         return true;
-    const bool isTooLong = utf8Size(title) > BookmarkList::TITLE_MAX_BYTES;
-    return refuse(
-        list,
+    const bool isTooLong = utf8Size(title) > TVNG_TITLE_MAX_BYTES;
+    return list.refuse(
         QString("the title %1 %2%3").arg(quoted(title), problem, isTooLong ? "; --clip cuts it" : QString()));
 }
 
@@ -150,10 +141,8 @@ int addBookmark(const QCommandLineParser& arguments)
         if (!image.isNull() && !picture.write(image))
             return Outcome::REFUSED;
         bookmark.thumbnail = picture.path();
-        if (!list.add(bookmark)) {
-            refuse(list, "the store refuses the bookmark");
-            return Outcome::REFUSED;
-        }
+        if (!list.add(bookmark))
+            return refused(list, "the store refuses the bookmark");
         changes.append(changeLine("added", numberText(0), BookmarkList::line(bookmark)));
         if (!bookmark.thumbnail.isEmpty())
             changes.append(pictureLine("added", bookmark.thumbnail));
@@ -181,10 +170,8 @@ int renameBookmark(const QCommandLineParser& arguments)
             changes.append(changeLine("as is", numberText(*number), BookmarkList::line(record.bookmark)));
             return Outcome::UNCHANGED;
         }
-        if (!list.rename(*number, title)) {
-            refuse(list, QString("bookmark %1 has no title to change").arg(numberText(*number)));
-            return Outcome::REFUSED;
-        }
+        if (!list.rename(*number, title))
+            return refused(list, QString("bookmark %1 has no title to change").arg(numberText(*number)));
         record.bookmark.title = title;
         changes.append(changeLine("renamed", numberText(*number), BookmarkList::line(record.bookmark)));
         return Outcome::CHANGED;
@@ -238,11 +225,10 @@ int setThumbnail(const QCommandLineParser& arguments)
         earlier = record.bookmark.thumbnail;
         if (!picture.write(*image))
             return Outcome::REFUSED;
-        if (!list.setThumbnail(*number, picture.path())) {
-            refuse(list, QString("bookmark %1 has no element \"thumbnail\"; remove it and add it again")
-                             .arg(numberText(*number)));
-            return Outcome::REFUSED;
-        }
+        if (!list.setThumbnail(*number, picture.path()))
+            return refused(list,
+                           QString("bookmark %1 has no element \"thumbnail\"; remove it and add it again")
+                               .arg(numberText(*number)));
         changes.append(changeLine("changed", numberText(*number), BookmarkList::line(record.bookmark)));
         changes.append(pictureLine("added", picture.path()));
         return Outcome::CHANGED;
@@ -260,7 +246,7 @@ QCommandLineOption imageSizeOption()
 
 QCommandLineOption clipOption()
 {
-    return {CLIP, QString("Cut a title of more than %1 bytes of UTF-8.").arg(BookmarkList::TITLE_MAX_BYTES)};
+    return {CLIP, QString("Cut a title of more than %1 bytes of UTF-8.").arg(TVNG_TITLE_MAX_BYTES)};
 }
 
 const char* const NUMBER_DESCRIPTION = "The number of a bookmark, as \"tlvctl bookmarks list\" shows it.";
@@ -269,67 +255,52 @@ const char* const NUMBER_DESCRIPTION = "The number of a bookmark, as \"tlvctl bo
 
 Command bookmarkAddCommand()
 {
-    Command command;
-    command.name = "add";
-    command.summary = "Add a bookmark in front.";
+    Command command("add", "Add a bookmark in front.", addBookmark);
     command.details = "The new bookmark gets number 000. Its picture is written into the directory\n"
                       "\"thumbnail\" beside the file, under the next number.";
     command.examples = {"tlvctl bookmarks add /data/settings http://example.com/ --title Example",
                         "tlvctl bookmarks add /data/settings http://example.com/ --image page.jpg"};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"URL", "The page's address, at most 256 bytes of UTF-8."}};
-    command.options = {{TITLE, "The page's title, at most 100 bytes of UTF-8.", "T"},
-                       clipOption(),
-                       {IMAGE, "A picture for the bookmark, in any format that Qt reads.", "FILE"},
-                       imageSizeOption()};
-    command.options += changeOptions("bookmark.xml");
-    command.run = addBookmark;
+    command.options = changeOptions(
+        "bookmark.xml", {{TITLE, "The page's title, at most 100 bytes of UTF-8.", "T"},
+                         clipOption(),
+                         {IMAGE, "A picture for the bookmark, in any format that Qt reads.", "FILE"},
+                         imageSizeOption()});
     return command;
 }
 
 Command bookmarkRenameCommand()
 {
-    Command command;
-    command.name = "rename";
-    command.summary = "Give a bookmark another title.";
+    Command command("rename", "Give a bookmark another title.", renameBookmark);
     command.examples = {"tlvctl bookmarks rename /data/settings 003 \"A better title\""};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"NUMBER", NUMBER_DESCRIPTION},
                          {"TITLE", "The title, at most 100 bytes of UTF-8."}};
-    command.options = {clipOption()};
-    command.options += changeOptions("bookmark.xml");
-    command.run = renameBookmark;
+    command.options = changeOptions("bookmark.xml", {clipOption()});
     return command;
 }
 
 Command bookmarkRemoveCommand()
 {
-    Command command;
-    command.name = "remove";
-    command.summary = "Remove bookmarks and their pictures.";
+    Command command("remove", "Remove bookmarks and their pictures.", removeBookmarks);
     command.details = "The numbers are those that \"tlvctl bookmarks list\" shows. Nothing is removed when\n"
                       "one of them is absent. A picture that another bookmark shows stays.";
     command.examples = {"tlvctl bookmarks remove /data/settings 003 007"};
     command.arguments = {directoryArgument("bookmark.xml"), numbersArgument()};
-    command.options = {{KEEP_IMAGE, "Keep the pictures."}};
-    command.options += changeOptions("bookmark.xml");
-    command.run = removeBookmarks;
+    command.options = changeOptions("bookmark.xml", {{KEEP_IMAGE, "Keep the pictures."}});
     return command;
 }
 
 Command bookmarkThumbnailCommand()
 {
-    Command command;
-    command.name = "thumbnail";
-    command.summary = "Give a bookmark another picture.";
+    Command command("thumbnail", "Give a bookmark another picture.", setThumbnail);
     command.details = "The picture is written under the next number. The earlier one is removed, unless\n"
                       "another bookmark shows it.";
     command.examples = {"tlvctl bookmarks thumbnail /data/settings 003 page.png"};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"NUMBER", NUMBER_DESCRIPTION},
                          {"FILE", "A picture, in any format that Qt reads."}};
-    command.options = {imageSizeOption()};
-    command.options += changeOptions("bookmark.xml");
-    command.run = setThumbnail;
+    command.options = changeOptions("bookmark.xml", {imageSizeOption()});
     return command;
 }

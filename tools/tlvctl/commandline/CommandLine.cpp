@@ -1,9 +1,12 @@
 #include "tools/tlvctl/commandline/CommandLine.h"
 
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/LogFile.h"
 #include "tools/tlvctl/commandline/Text.h"
 
+#include <tlvlib/diag/TVNG_DebugPrint.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtGui/QGuiApplication>
 
 #include <algorithm>
@@ -15,6 +18,43 @@ namespace {
 const QString HELP = "help";
 const QString VERSION = "version";
 const QString LOG_LEVEL = "log-level";
+
+/// Where the library writes its log.
+const QString LOG_FILE = "/ata07/Talvenor/tmp/tlvlog.log";
+
+/// The library only drops its messages when its file cannot be opened.
+void checkLogFile()
+{
+    QFile file(LOG_FILE);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return;
+    const QString dir = QFileInfo(LOG_FILE).path();
+    const QString advice = QFileInfo(dir).isDir()
+                               ? "check the permissions of the file and its directory"
+                               : QString("create the directory with \"mkdir -p %1\"").arg(dir);
+    complain(LOG_FILE, QString("no log is written: %1; %2").arg(file.errorString(), advice));
+}
+
+/// Reads a log level, a number from 0 to 3. False when it is none.
+bool parseLogLevel(const QString& text, int& level)
+{
+    if (text.size() != 1 || text.at(0) < '0' || text.at(0) > '3')
+        return false;
+    level = text.at(0).digitValue();
+    return true;
+}
+
+/**
+ * Sets what the library logs into its file, and complains when that file cannot be written. The system log is
+ * left to the programs of the device: a list of fonts alone would be a thousand lines in it.
+ */
+void setLogLevel(int level)
+{
+    g_uc_SystemLogLevel = 0;
+    TVNG_DebugSetLogLevel(static_cast<unsigned long>(level));
+    if (level > 0)
+        checkLogFile();
+}
 
 /**
  * Qt's application object, which the parser's help and the fonts need. It is made only when the command is
@@ -188,7 +228,7 @@ QList<QCommandLineOption> allOptions(const Command& command, bool isTool)
     options.append({LOG_LEVEL,
                     QString("Write the library's log file, %1: 0 nothing (the default), 1 failures, "
                             "2 also rejected input, 3 everything.")
-                        .arg(logFilePath()),
+                        .arg(LOG_FILE),
                     "N"});
     return options;
 }

@@ -1,8 +1,8 @@
 #include "tools/tlvctl/cookies/CookieList.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <QtCore/QDataStream>
 #include <QtCore/QDateTime>
@@ -14,18 +14,17 @@
 namespace {
 
 const QString INI_NAME = "cookie.ini";
-const QString TIME_FORMAT = "yyyy/MM/dd hh:mm:ss";
+const QString TIME_FORMAT = TVNG_EXPIRES_FORMAT;
 
 // --- The document -----------------------------------------------------------------------------------------
 
 /// The text of an element. One that is missing is a flaw.
 QString textOf(TVNC_XMLNode& entry, const char* element, std::vector<Flaw>& flaws)
 {
-    QString name = element;
-    if (TVNC_XMLNode* const child = entry.getXMLNodeChildByName(name))
-        return child->getText();
-    flaws.push_back({"elementMissing", QString("no element \"%1\": read as empty").arg(element)});
-    return QString();
+    const std::optional<QString> text = textOf(entry, element);
+    if (!text)
+        flaws.push_back(missingElement(element, ": read as empty"));
+    return text.value_or(QString());
 }
 
 bool isTime(const QString& text)
@@ -38,10 +37,7 @@ bool isTime(const QString& text)
 CookieRecord readEntry(TVNC_XMLNode& node)
 {
     CookieRecord record;
-    if (node.getName() != "webSiteInfo")
-        record.flaws.push_back(
-            {"notNamedWebSiteInfo",
-             QString("element %1 instead of \"webSiteInfo\"").arg(quoted(node.getName()))});
+    checkName(node, "webSiteInfo", {"notNamedWebSiteInfo", QString()}, record.flaws);
     record.domain = textOf(node, "website", record.flaws);
     record.name = textOf(node, "name", record.flaws).toUtf8();
     record.path = textOf(node, "path", record.flaws);
@@ -57,6 +53,16 @@ CookieRecord readEntry(TVNC_XMLNode& node)
             {"expiryUnreadable", QString("expiry %1 is not of the form \"%2\": read as none")
                                      .arg(quoted(record.expires), TIME_FORMAT)});
     return record;
+}
+
+QString flagsOf(const CookieRecord& record)
+{
+    QStringList flags;
+    if (record.secure == "true")
+        flags.append("secure");
+    if (record.httpOnly.value_or(false))
+        flags.append("HttpOnly");
+    return flags.join(' ');
 }
 
 // --- cookie.ini -------------------------------------------------------------------------------------------
@@ -118,11 +124,11 @@ QString CookieRecord::line() const
 }
 
 CookieDocument::CookieDocument(const QString& path)
-    : Store(QFileInfo(path).path(), QFileInfo(path).fileName()), store_(*TVNC_CookieSetting::getInstance())
+    : StoreOf(QFileInfo(path).path(), QFileInfo(path).fileName())
 {
 }
 
-void CookieDocument::load()
+void CookieDocument::loadSetting()
 {
     QString path = file().path();
     store_.load(path);
@@ -134,36 +140,47 @@ void CookieDocument::save()
     store_.save(path);
 }
 
-TVNC_XMLNode& CookieDocument::root() const
+std::vector<CookieRecord> CookieDocument::records() const
 {
-    return *store_.getXMLRootNode();
-}
-
-int CookieDocument::count() const
-{
-    return static_cast<int>(store_.getAllCookieInfo().size());
-}
-
-CookieFile CookieDocument::read() const
-{
-    CookieFile cookies;
+    std::vector<CookieRecord> records;
     QSet<int> taken;
     const QList<TVNC_XMLNode*> nodes = root().getXMLNodeChildren();
     for (TVNC_XMLNode* node : nodes) {
         CookieRecord record = readEntry(*node);
-        record.filePosition = static_cast<int>(cookies.records.size());
+        record.filePosition = static_cast<int>(records.size());
         record.number = numberOf(*node, taken);
         if (!record.number || *record.number < 0 || *record.number >= nodes.size())
             record.flaws.insert(
                 record.flaws.begin(),
                 {"hidden",
                  QString("has no number from 0 to %1: the store does not see it").arg(nodes.size() - 1)});
-        cookies.records.push_back(record);
+        records.push_back(record);
     }
-    if (nodes.size() > CONVERTED_MAX)
-        cookies.remarks.append(
-            QString("the conversions look at the first %1 entries only").arg(CONVERTED_MAX));
-    return cookies;
+    return records;
+}
+
+QStringList CookieDocument::remarks() const
+{
+    if (root().getXMLNodeChildren().size() <= TVNG_CONVERTED_MAX)
+        return {};
+    return {QString("the conversions look at the first %1 entries only").arg(TVNG_CONVERTED_MAX)};
+}
+
+void printCookies(const CookieFile& cookies, int counted, bool withValues)
+{
+    const std::vector<CookieRecord>& records = cookies.records;
+    const auto cells = [&records, withValues](size_t i) {
+        const CookieRecord& record = records[i];
+        QStringList row{printableBytes(record.name), printable(record.domain), printable(record.path),
+                        flagsOf(record), printable(record.expires)};
+        if (withValues)
+            row.append(printableBytes(record.value));
+        return row;
+    };
+    QStringList header{"name", "domain", "path", "flags", "expires"};
+    if (withValues)
+        header.append("value");
+    printRecords(counted, header, {records.begin(), records.end()}, cells, cookies.remarks);
 }
 
 bool isCookieIni(const QString& path)
@@ -198,7 +215,7 @@ std::optional<CookieFile> readCookieIni(const QString& dir)
     cookies.remarks += remarksAbout(settings.value("Cookie/cookies").toByteArray());
     QString storeDir = dir;
     for (const QNetworkCookie& cookie :
-         TVNC_CookieSetting::getInstance()->loadCookieInfo(&storeDir, CONVERTED_MAX)) {
+         TVNC_CookieSetting::getInstance()->loadCookieInfo(&storeDir, TVNG_CONVERTED_MAX)) {
         CookieRecord record = recordOf(cookie);
         record.number = record.filePosition = static_cast<int>(cookies.records.size());
         cookies.records.push_back(record);

@@ -33,26 +33,30 @@ struct CookieFile
     QStringList remarks;
 };
 
-/// How many entries of a document the conversions look at.
-const int CONVERTED_MAX = 20;
-
 /// A cookie document.
-class CookieDocument : public Store
+class CookieDocument : public StoreOf<TVNC_CookieSetting>
 {
 public:
     explicit CookieDocument(const QString& path);
 
-    void load() override;
     void save() override;
-    TVNC_XMLNode& root() const override;
-    int count() const override;
+    int count() const override { return static_cast<int>(store_.getAllCookieInfo().size()); }
 
     /// All entries, in the order of the document.
-    CookieFile read() const;
+    std::vector<CookieRecord> records() const;
+    QStringList remarks() const override;
+    CookieFile read() const { return {records(), remarks()}; }
 
-private:
-    TVNC_CookieSetting& store_;
+protected:
+    void loadSetting() override;
 };
+
+/**
+ * Prints the cookies of a file as "tlvctl cookies list" does.
+ *
+ * @param counted how many of them the store sees
+ */
+void printCookies(const CookieFile& cookies, int counted, bool withValues);
 
 /// Whether a path names a cookie.ini: a directory does, and a file of that name.
 bool isCookieIni(const QString& path);

@@ -1,15 +1,14 @@
-#include "tools/tlvctl/files/CheckCommand.h"
+#include "tools/tlvctl/files/FileCommands.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/auth/AuthList.h"
 #include "tools/tlvctl/bookmarks/BookmarkList.h"
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
 #include "tools/tlvctl/cookies/CookieList.h"
 #include "tools/tlvctl/fonts/FontList.h"
 #include "tools/tlvctl/history/HistoryList.h"
 #include "tools/tlvctl/prefs/Preferences.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -91,8 +90,7 @@ struct CheckedFile
     std::function<bool()> rewrite; ///< complains and returns false when that fails
 };
 
-template <typename Kind>
-CheckedFile checkedStore(const std::shared_ptr<Kind>& store, const std::function<QStringList()>& findings)
+CheckedFile checkedStore(const std::shared_ptr<Store>& store, const std::function<QStringList()>& findings)
 {
     return {[=] { return checkStore(*store, findings); },
             [=] {
@@ -113,20 +111,6 @@ CheckedFile checkedList(const std::shared_ptr<Kind>& list, const std::function<Q
     });
 }
 
-CheckedFile checkedFonts(const QString& dir)
-{
-    const auto list = std::make_shared<FontList>(dir);
-    return checkedStore(list, [list] {
-        QStringList lines;
-        for (const FontRecord& record : list->records()) {
-            for (const FontFlaw flaw : record.flaws)
-                lines.append(FontList::line(record.number, printable(record.name)) + ": " +
-                             FontList::explanation(flaw, record));
-        }
-        return lines;
-    });
-}
-
 CheckedFile checkedPreferences(const QString& scope, const QString& dir)
 {
     const std::shared_ptr<Preferences> preferences = Preferences::open(scope, dir);
@@ -137,18 +121,6 @@ CheckedFile checkedPreferences(const QString& scope, const QString& dir)
                 lines.append(record.preference->name + ": " + explanationsOf(record.flaws));
         }
         return lines;
-    });
-}
-
-CheckedFile checkedCookieDocument(const QString& dir)
-{
-    const auto document = std::make_shared<CookieDocument>(dir + "cookies.xml");
-    return checkedStore(document, [document] {
-        const CookieFile file = document->read();
-        QStringList lines;
-        for (const CookieRecord& record : file.records)
-            addFlaws(lines, record);
-        return lines + file.remarks;
     });
 }
 
@@ -171,7 +143,8 @@ CheckedFile checkedCookieIni(const QString& dir)
     const auto rewrite = [dir, path] {
         QString iniDir = dir;
         auto* store = TVNC_CookieSetting::getInstance();
-        store->saveCookieInfo(store->loadCookieInfo(&iniDir, CONVERTED_MAX), &iniDir, CONVERTED_MAX);
+        store->saveCookieInfo(store->loadCookieInfo(&iniDir, TVNG_CONVERTED_MAX), &iniDir,
+                              TVNG_CONVERTED_MAX);
         const std::optional<CookieFile> file = readCookieIni(dir);
         return file && file->remarks.isEmpty();
     };
@@ -180,23 +153,20 @@ CheckedFile checkedCookieIni(const QString& dir)
 
 std::vector<CheckedFile> filesOf(const QString& dir)
 {
+    const auto fonts = std::make_shared<FontList>(dir);
     const auto bookmarks = std::make_shared<BookmarkList>(dir);
     const auto history = std::make_shared<HistoryList>(dir, NUMBERED_MAX);
     const auto auth = std::make_shared<AuthList>(dir, NUMBERED_MAX);
-    return {checkedPreferences("common", dir),
-            checkedFonts(dir),
-            checkedPreferences("user", dir),
-            checkedList(bookmarks,
-                        [bookmarks] {
-                            return remarkAboutNumbers(bookmarks->renumbered()) + checkPictures(*bookmarks);
-                        }),
-            checkedList(history,
-                        [history] {
-                            return remarkAboutNumbers(history->renumbered()) + history->changesOfLoading();
-                        }),
-            checkedList(auth, [auth] { return remarkAboutNumbers(auth->renumbered()); }),
-            checkedCookieDocument(dir),
-            checkedCookieIni(dir)};
+    const auto cookies = std::make_shared<CookieDocument>(dir + "cookies.xml");
+    return {
+        checkedPreferences("common", dir),
+        checkedList(fonts, [] { return QStringList(); }),
+        checkedPreferences("user", dir),
+        checkedList(bookmarks, [bookmarks] { return bookmarks->remarks() + checkPictures(*bookmarks); }),
+        checkedList(history, [history] { return history->Store::remarks() + history->changesOfLoading(); }),
+        checkedList(auth, [auth] { return auth->remarks(); }),
+        checkedList(cookies, [cookies] { return cookies->remarks(); }),
+        checkedCookieIni(dir)};
 }
 
 // --- The command ------------------------------------------------------------------------------------------
@@ -234,13 +204,8 @@ bool repair(const CheckedFile& file, const Findings& found)
 void writeFindings(JsonWriter& json, const Findings& found)
 {
     json.beginObject();
-    json.member("file");
-    json.string(found.path);
-    json.member("findings");
-    json.beginArray();
-    for (const QString& line : found.lines)
-        json.string(line);
-    json.endArray();
+    json.member("file", found.path);
+    json.member("findings", found.lines);
     json.endObject();
 }
 
@@ -286,9 +251,7 @@ int check(const QCommandLineParser& arguments)
 
 Command checkCommand()
 {
-    Command command;
-    command.name = "check";
-    command.summary = "Check all files of a settings directory.";
+    Command command("check", "Check all files of a settings directory.", check);
     command.details =
         "Says of each file what the library does not read, hides, renames or drops. With\n"
         "--repair, a file with findings is copied beside itself and then written as the library\n"
@@ -297,6 +260,5 @@ Command checkCommand()
     command.examples = {"tlvctl check /data/user", "tlvctl check --repair /data/user"};
     command.arguments = {{"DIR", "The settings directory of the device or of a user."}};
     command.options = {jsonOption(), {REPAIR, "Write what the library would keep, after a copy."}};
-    command.run = check;
     return command;
 }

@@ -3,7 +3,9 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl history": the visited pages.
-Command historyCommands();
+Command historyListCommand();
+Command historyFindCommand();
+Command historyAddCommand();
+Command historyRemoveCommand();
 
 #endif

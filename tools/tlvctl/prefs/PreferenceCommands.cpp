@@ -1,12 +1,12 @@
 #include "tools/tlvctl/prefs/PreferenceCommands.h"
 
-#include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Password.h"
 #include "tools/tlvctl/commandline/Table.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/prefs/PreferenceTables.h"
+#include "tools/tlvctl/prefs/Preferences.h"
 #include "tools/tlvctl/records/StoreChange.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -72,23 +72,12 @@ void printPreferences(const Preferences& preferences, bool withPasswords)
 void writePreference(JsonWriter& json, const PreferenceRecord& record, bool withPasswords)
 {
     const Preference& preference = *record.preference;
-    json.beginObject();
-    json.member("name");
-    json.string(preference.name);
+    json.member("name", preference.name);
     if (!preference.isSecret || withPasswords) {
         writeBytes(json, "value", "valueBase64", record.value);
-        json.member("stored");
-        if (record.stored)
-            json.string(*record.stored);
-        else
-            json.null();
+        json.member("stored", record.stored);
     }
-    json.member("flaws");
-    json.beginArray();
-    for (const Flaw& flaw : record.flaws)
-        json.string(flaw.name);
-    json.endArray();
-    json.endObject();
+    json.member("flaws", namesOf(record.flaws));
 }
 
 int showPreferences(const QCommandLineParser& arguments)
@@ -100,11 +89,10 @@ int showPreferences(const QCommandLineParser& arguments)
     return listStore(
         *preferences, arguments, [&] { printPreferences(*preferences, withPasswords); },
         [&](JsonWriter& json) {
-            json.member("preferences");
-            json.beginArray();
-            for (const PreferenceRecord& record : preferences->records())
-                writePreference(json, record, withPasswords);
-            json.endArray();
+            writeArray(json, "preferences", preferences->records(),
+                       [withPasswords](JsonWriter& member, const PreferenceRecord& record) {
+                           writePreference(member, record, withPasswords);
+                       });
         });
 }
 
@@ -122,24 +110,21 @@ int getPreference(const QCommandLineParser& arguments)
                  QString("%1 is only shown with --show-passwords").arg(preference->name));
         return FAILED;
     }
-    const Document document = readDocument(preferences->file().path());
-    if (document.state == Document::State::UNREADABLE) {
-        complain(preferences->file().path(),
-                 QString("cannot be read: %1; make it readable").arg(printable(document.problem)));
+    const QString path = preferences->file().path();
+    const Document document = readDocument(path);
+    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
         return FAILED;
-    }
     preferences->load();
     const PreferenceRecord record = preferences->record(*preference);
     if (arguments.isSet("json")) {
         JsonWriter json;
+        json.beginObject();
         writePreference(json, record, withPasswords);
+        json.endObject();
     } else {
         printLine(printableBytes(record.value));
     }
-    if (document.state != Document::State::DAMAGED)
-        return DONE;
-    complainAboutDamage(preferences->file().path(), document);
-    return FAILED;
+    return exitCodeOfReading(path, document);
 }
 
 // --- set --------------------------------------------------------------------------------------------------
@@ -158,10 +143,9 @@ std::optional<QByteArray> readValue(const Preferences& preferences, const Prefer
     QByteArray value = argument.toUtf8();
     if (preference.isSecret) {
         if (argument != "-") {
-            complain(
-                preferences.file().path(),
+            preferences.refuse(
                 QString(
-                    "nothing was changed: give \"-\" for the value of %1, which is then read from "
+                    "give \"-\" for the value of %1, which is then read from "
                     "--password-file, from standard input or from the keyboard; every user of the machine "
                     "can read a command line")
                     .arg(preference.name));
@@ -175,8 +159,7 @@ std::optional<QByteArray> readValue(const Preferences& preferences, const Prefer
     QString problem;
     const std::optional<QByteArray> checked = preference.checkedValue(value, problem);
     if (!checked)
-        complain(preferences.file().path(),
-                 QString("nothing was changed: %1 %2").arg(preference.name, problem));
+        preferences.refuse(QString("%1 %2").arg(preference.name, problem));
     return checked;
 }
 
@@ -190,12 +173,10 @@ std::optional<std::vector<Wish>> readWishes(const Preferences& preferences,
         const Preference* const preference = findPreference(preferences, words.at(i));
         if (!preference)
             return std::nullopt;
-        for (const Wish& wish : wishes) {
-            if (wish.preference == preference) {
-                complain(preferences.file().path(),
-                         QString("nothing was changed: %1 is set twice").arg(preference->name));
-                return std::nullopt;
-            }
+        if (std::any_of(wishes.begin(), wishes.end(),
+                        [preference](const Wish& wish) { return wish.preference == preference; })) {
+            preferences.refuse(QString("%1 is set twice").arg(preference->name));
+            return std::nullopt;
         }
         const std::optional<QByteArray> value =
             readValue(preferences, *preference, words.at(i + 1), arguments);
@@ -216,11 +197,8 @@ Outcome grant(const Preferences& preferences, const Wish& wish, QStringList& cha
         changes.append(QString("%1: %2, as it was").arg(preference.name, value));
         return Outcome::UNCHANGED;
     }
-    if (!preference.set(wish.value)) {
-        complain(preferences.file().path(),
-                 QString("nothing was changed: the store refuses the value of %1").arg(preference.name));
-        return Outcome::REFUSED;
-    }
+    if (!preference.set(wish.value))
+        return refused(preferences, QString("the store refuses the value of %1").arg(preference.name));
     if (preference.isSecret)
         changes.append(QString("%1: another one").arg(preference.name));
     else
@@ -269,39 +247,33 @@ QString namesOf(const std::vector<Preference>& table)
     return lines;
 }
 
-Command showCommand()
+} // namespace
+
+Command preferenceShowCommand()
 {
-    Command command;
-    command.name = "show";
-    command.summary = "Show all preferences with their values.";
+    Command command("show", "Show all preferences with their values.", showPreferences);
     command.details = "Where the file holds something else than the store answers, the name is marked with\n"
                       "*, and a line below the table tells what.";
     command.examples = {"tlvctl prefs show common /data/settings",
                         "tlvctl prefs show user /data/user --json"};
     command.arguments = {SCOPE, DIR};
     command.options = {jsonOption(), SHOW_PASSWORDS_OPTION};
-    command.run = showPreferences;
     return command;
 }
 
-Command getCommand()
+Command preferenceGetCommand()
 {
-    Command command;
-    command.name = "get";
-    command.summary = "Print the value of a preference.";
+    Command command("get", "Print the value of a preference.", getPreference);
     command.examples = {"tlvctl prefs get common /data/settings proxy.host"};
     command.arguments = {
         SCOPE, DIR, {"NAME", "The name of a preference, as \"tlvctl prefs show\" shows it."}};
     command.options = {jsonOption(), SHOW_PASSWORDS_OPTION};
-    command.run = getPreference;
     return command;
 }
 
-Command setCommand()
+Command preferenceSetCommand()
 {
-    Command command;
-    command.name = "set";
-    command.summary = "Set preferences.";
+    Command command("set", "Set preferences.", setPreferences);
     command.details =
         "All values are checked before the first is set. The names for common are:" +
         namesOf(commonPreferences()) + "\nand for user:" + namesOf(userPreferences()) +
@@ -315,22 +287,7 @@ Command setCommand()
                          DIR,
                          {"NAME", "The name of a preference."},
                          {"VALUE", "Its value; more names and values may follow.", true}};
-    command.options = {
-        {PASSWORD_FILE, "Read the proxy's password from this file, at most 80 bytes.", "FILE"}};
-    command.options += changeOptions("the file");
-    command.run = setPreferences;
+    command.options = changeOptions(
+        "the file", {{PASSWORD_FILE, "Read the proxy's password from this file, at most 80 bytes.", "FILE"}});
     return command;
-}
-
-} // namespace
-
-Command preferenceCommands()
-{
-    Command group;
-    group.name = "prefs";
-    group.summary = "Show or set preferences of the device or of a user.";
-    group.examples = {"tlvctl prefs show common /data/settings", "tlvctl prefs get user /data/user page.zoom",
-                      "tlvctl prefs set common /data/settings proxy.host proxy.example.net"};
-    group.commands = {showCommand(), getCommand(), setCommand()};
-    return group;
 }

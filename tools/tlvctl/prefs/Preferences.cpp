@@ -1,8 +1,6 @@
 #include "tools/tlvctl/prefs/Preferences.h"
 
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/prefs/PreferenceTables.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 #include <tlvlib/prefs/TVNC_BrowserUserSetting.h>
@@ -41,11 +39,8 @@ private:
 /// The text of a leaf; nothing when the document lacks it.
 std::optional<QString> textIn(TVNC_XMLNode* root, const Preference& preference)
 {
-    QString group = preference.group;
-    QString leaf = preference.leaf;
-    TVNC_XMLNode* node = root ? root->getXMLNodeChildByName(group) : nullptr;
-    node = node ? node->getXMLNodeChildByName(leaf) : nullptr;
-    return node ? std::optional<QString>(node->getText()) : std::nullopt;
+    TVNC_XMLNode* const group = root ? childOf(*root, preference.group) : nullptr;
+    return group ? textOf(*group, preference.leaf) : std::nullopt;
 }
 
 /// What is wrong with a text in the document that the store does not answer as it stands.
@@ -132,12 +127,6 @@ std::unique_ptr<Preferences> Preferences::open(const QString& scope, const QStri
         return std::make_unique<PreferencesOf<TVNC_BrowserUserSetting>>(dir, "repostry_private.xml",
                                                                         userPreferences());
     return nullptr;
-}
-
-void Preferences::load()
-{
-    fileRoot_ = readDocument(file().path()).root;
-    loadSetting();
 }
 
 QStringList Preferences::changesOfLoading() const

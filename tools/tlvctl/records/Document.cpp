@@ -10,7 +10,6 @@
 #include <QtCore/QFileInfo>
 
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -73,8 +72,18 @@ QString describe(const Damage& damage)
         .arg(QString::number(damage.line), QString::number(damage.column), printable(damage.reason));
 }
 
-void complainAboutDamage(const QString& path, const Document& document)
+bool checkReadable(const QString& path, const Document& document, const QString& advice)
 {
+    if (document.state != Document::State::MISSING && document.state != Document::State::UNREADABLE)
+        return true;
+    complain(path, QString("cannot be read: %1; %2").arg(printable(document.problem), advice));
+    return false;
+}
+
+int exitCodeOfReading(const QString& path, const Document& document)
+{
+    if (document.state != Document::State::DAMAGED)
+        return DONE;
     const QString damage = describe(document.damage);
     if (document.root)
         complain(path, damage + "; everything behind that place is not read. Correct the file there, or "
@@ -82,24 +91,22 @@ void complainAboutDamage(const QString& path, const Document& document)
     else
         complain(path, "no settings document: it holds no element, " + damage +
                            "; check that it is the right file");
+    return FAILED;
 }
 
 void writeCompleteness(JsonWriter& json, const Document& document)
 {
-    json.member("complete");
-    json.boolean(document.state != Document::State::DAMAGED);
+    const bool isComplete = document.state != Document::State::DAMAGED;
+    json.member("complete", isComplete);
     json.member("error");
-    if (document.state != Document::State::DAMAGED) {
+    if (isComplete) {
         json.null();
         return;
     }
     json.beginObject();
-    json.member("line");
-    json.number(document.damage.line);
-    json.member("column");
-    json.number(document.damage.column);
-    json.member("message");
-    json.string(document.damage.reason);
+    json.member("line", document.damage.line);
+    json.member("column", document.damage.column);
+    json.member("message", document.damage.reason);
     json.endObject();
 }
 

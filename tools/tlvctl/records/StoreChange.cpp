@@ -1,6 +1,5 @@
 #include "tools/tlvctl/records/StoreChange.h"
 
-#include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/Text.h"
 #include "tools/tlvctl/records/Record.h"
 
@@ -40,10 +39,9 @@ bool checkPresent(const Store& store, const std::set<int>& numbers)
     for (const int number : numbers) {
         if (present.contains(number))
             continue;
-        complain(store.file().path(),
-                 QString("nothing was changed: there is no record %1; see what the command "
-                         "\"list\" shows")
-                     .arg(numberText(number)));
+        store.refuse(QString("there is no record %1; see what the command "
+                             "\"list\" shows")
+                         .arg(numberText(number)));
         return false;
     }
     return true;
@@ -51,12 +49,19 @@ bool checkPresent(const Store& store, const std::set<int>& numbers)
 
 } // namespace
 
-QList<QCommandLineOption> changeOptions(const QString& fileName)
+Outcome refused(const Store& store, const QString& problem)
 {
-    return {
-        {DRY_RUN, "Write nothing, but say what would change."},
-        {FORCE,
-         QString("Go on when %1 cannot be read to its end. What could not be read is lost.").arg(fileName)}};
+    store.refuse(problem);
+    return Outcome::REFUSED;
+}
+
+QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCommandLineOption>& own)
+{
+    return own +
+           QList<QCommandLineOption>{
+               {DRY_RUN, "Write nothing, but say what would change."},
+               {FORCE, QString("Go on when %1 cannot be read to its end. What could not be read is lost.")
+                           .arg(fileName)}};
 }
 
 int changeStore(Store& store, const QCommandLineParser& arguments,
@@ -97,6 +102,16 @@ std::optional<int> recordNumber(const QString& argument)
     if (!number)
         wrongUsage(QString("%1 is no number of a record").arg(quoted(argument)));
     return number;
+}
+
+bool checkAddable(const Store& store, const QString& what, const QString& text, const QString& problem,
+                  const QString& advice)
+{
+    if (!problem.isEmpty())
+        complain(
+            store.file().path(),
+            QString("nothing was added: the %1 %2 %3; give %4").arg(what, quoted(text), problem, advice));
+    return problem.isEmpty();
 }
 
 bool isDryRun(const QCommandLineParser& arguments)

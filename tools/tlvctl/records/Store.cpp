@@ -1,7 +1,9 @@
-#include "tools/tlvctl/records/StoreFile.h"
+#include "tools/tlvctl/records/Store.h"
 
 #include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
+#include "tools/tlvctl/records/Record.h"
 
 #include <QtCore/QFileInfo>
 
@@ -56,8 +58,40 @@ bool StoreFile::checkSaved(TVNC_XMLNode& expected) const
         problem = "it holds something else than was to be saved";
     else
         return true;
-    complain(path(), QString("saving failed: %1; check the permissions of the file and its directory and "
-                             "the free space (\"df %2\"), then look at the file before trying again")
-                         .arg(problem, printable(dir_)));
+    complainAboutSaving(problem, ", then look at the file before trying again");
     return false;
+}
+
+void StoreFile::complainAboutSaving(const QString& problem, const QString& advice) const
+{
+    complain(path(), QString("saving failed: %1; check the permissions of the file and its directory and "
+                             "the free space (\"df %2\")%3")
+                         .arg(problem, printable(dir_), advice));
+}
+
+bool Store::refuse(const QString& problem) const
+{
+    complain(file_.path(), "nothing was changed: " + problem);
+    return false;
+}
+
+void Store::load()
+{
+    std::unique_ptr<TVNC_XMLNode> fileRoot = readDocument(file_.path()).root;
+    renumbered_ = countRenumbered(fileRoot.get());
+    loadSetting();
+    compareWithFile(std::move(fileRoot));
+}
+
+QStringList Store::remarks() const
+{
+    if (renumbered_ == 0)
+        return {};
+    return {QString("numbers that stand otherwise in the file, and are given anew by loading: %1")
+                .arg(renumbered_)};
+}
+
+void Store::writeRemarks(JsonWriter& json) const
+{
+    json.member("renumbered", renumbered_);
 }

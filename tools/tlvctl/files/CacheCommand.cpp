@@ -1,4 +1,4 @@
-#include "tools/tlvctl/files/CacheCommands.h"
+#include "tools/tlvctl/files/FileCommands.h"
 
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/JsonWriter.h"
@@ -42,20 +42,13 @@ void writeResult(const Content& removed, const Content& left, bool exists, bool 
 {
     JsonWriter json;
     json.beginObject();
-    json.member("directory");
-    json.string(CACHE_DIR);
-    json.member("exists");
-    json.boolean(exists);
-    json.member("dryRun");
-    json.boolean(isDryRun);
-    json.member("removedFiles");
-    json.number(removed.files);
-    json.member("removedBytes");
-    json.number(removed.bytes);
-    json.member("leftFiles");
-    json.number(left.files);
-    json.member("leftBytes");
-    json.number(left.bytes);
+    json.member("directory", CACHE_DIR);
+    json.member("exists", exists);
+    json.member("dryRun", isDryRun);
+    json.member("removedFiles", removed.files);
+    json.member("removedBytes", removed.bytes);
+    json.member("leftFiles", left.files);
+    json.member("leftBytes", left.bytes);
     json.endObject();
 }
 
@@ -103,28 +96,15 @@ int clear(const QCommandLineParser& arguments)
     return FAILED;
 }
 
-Command clearCommand()
+} // namespace
+
+Command cacheClearCommand()
 {
-    Command command;
-    command.name = "clear";
-    command.summary = "Empty the browser's disk cache.";
+    Command command("clear", "Empty the browser's disk cache.", clear);
     command.details = "The cache is in " + CACHE_DIR +
                       ", which is fixed. Files there that are not\n"
                       "the cache's stay, and are counted. Stop the browser first.";
     command.examples = {"tlvctl cache clear"};
     command.options = {jsonOption(), {"dry-run", "Remove nothing, but count what is there."}};
-    command.run = clear;
     return command;
-}
-
-} // namespace
-
-Command cacheCommands()
-{
-    Command group;
-    group.name = "cache";
-    group.summary = "Empty the browser's disk cache.";
-    group.examples = {"tlvctl cache clear"};
-    group.commands = {clearCommand()};
-    return group;
 }
