@@ -2,12 +2,12 @@
 
 #include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/bookmarks/BookmarkList.h"
+#include "tools/tlvctl/bookmarks/Pictures.h"
 #include "tools/tlvctl/commandline/Text.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
-#include <QtGui/QImageReader>
 
 namespace {
 
@@ -39,17 +39,13 @@ bool readTitle(const BookmarkList& list, const QCommandLineParser& arguments, QS
 /// Reads a picture and scales it to a thumbnail. Complains and returns nothing when that fails.
 std::optional<QImage> readImage(const QString& path, const QSize& largest)
 {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    QSize size = reader.size();
-    const bool isTooLarge = size.width() > largest.width() || size.height() > largest.height();
-    if (size.isValid() && isTooLarge)
-        reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    const QImage image = reader.read();
+    QFile file(path);
+    QString problem;
+    const QImage image = readPicture(file, largest, problem);
     if (!image.isNull())
         return image;
     complain(path, QString("nothing was changed: this cannot be read as a picture: %1; name a picture file")
-                       .arg(printable(reader.errorString())));
+                       .arg(printable(problem)));
     return std::nullopt;
 }
 
@@ -63,43 +59,6 @@ std::optional<QSize> imageSize(const QCommandLineParser& arguments)
     wrongUsage(QString("size %1 is none of the form 160x120").arg(quoted(text)));
     return std::nullopt;
 }
-
-/// Writes the picture for a bookmark. When what follows fails, the picture goes again.
-class NewPicture
-{
-public:
-    NewPicture(const BookmarkList& list, const QCommandLineParser& arguments)
-        : list_(list), isDryRun_(isDryRun(arguments))
-    {
-    }
-
-    ~NewPicture()
-    {
-        if (isWritten_ && !isKept_)
-            QFile::remove(path_);
-    }
-
-    NewPicture(const NewPicture&) = delete;
-    NewPicture& operator=(const NewPicture&) = delete;
-
-    /// Complains and returns false when that fails.
-    bool write(const QImage& image)
-    {
-        path_ = list_.nextPicture();
-        isWritten_ = !isDryRun_ && list_.writePicture(image);
-        return isWritten_ || isDryRun_;
-    }
-
-    QString path() const { return path_; }
-    void keep() { isKept_ = true; }
-
-private:
-    const BookmarkList& list_;
-    bool isDryRun_;
-    QString path_;
-    bool isWritten_ = false;
-    bool isKept_ = false;
-};
 
 QString pictureLine(const char* verb, const QString& path)
 {
@@ -136,11 +95,11 @@ int addBookmark(const QCommandLineParser& arguments)
             return FAILED;
         image = *read;
     }
-    NewPicture picture(list, arguments);
+    NewPictures picture(list, isDryRun(arguments));
     const auto add = [&](QStringList& changes) {
         if (!image.isNull() && !picture.write(image))
             return Outcome::REFUSED;
-        bookmark.thumbnail = picture.path();
+        bookmark.thumbnail = picture.last();
         if (!list.add(bookmark))
             return refused(list, "the store refuses the bookmark");
         changes.append(changeLine("added", numberText(0), BookmarkList::line(bookmark)));
@@ -216,7 +175,7 @@ int setThumbnail(const QCommandLineParser& arguments)
     const std::optional<QImage> image = readImage(arguments.positionalArguments().at(2), *largest);
     if (!image)
         return FAILED;
-    NewPicture picture(list, arguments);
+    NewPictures picture(list, isDryRun(arguments));
     QString earlier;
     const auto set = [&](QStringList& changes) {
         if (!checkPresent(list, *number))
@@ -225,12 +184,12 @@ int setThumbnail(const QCommandLineParser& arguments)
         earlier = record.bookmark.thumbnail;
         if (!picture.write(*image))
             return Outcome::REFUSED;
-        if (!list.setThumbnail(*number, picture.path()))
+        if (!list.setThumbnail(*number, picture.last()))
             return refused(list,
                            QString("bookmark %1 has no element \"thumbnail\"; remove it and add it again")
                                .arg(numberText(*number)));
         changes.append(changeLine("changed", numberText(*number), BookmarkList::line(record.bookmark)));
-        changes.append(pictureLine("added", picture.path()));
+        changes.append(pictureLine("added", picture.last()));
         return Outcome::CHANGED;
     };
     return changeStore(list, arguments, set, [&](QStringList& changes) {

@@ -9,5 +9,7 @@ Command bookmarkAddCommand();
 Command bookmarkRenameCommand();
 Command bookmarkRemoveCommand();
 Command bookmarkThumbnailCommand();
+Command bookmarkExportCommand();
+Command bookmarkImportCommand();
 
 #endif

@@ -141,13 +141,15 @@ QString BookmarkList::nextPicture() const
     return thumbnailDir() + pictureName(lastPicture() + 1);
 }
 
-bool BookmarkList::writePicture(QImage image) const
+bool BookmarkList::writePicture(QImage image)
 {
     const QString picture = nextPicture();
     QString path = thumbnailDir();
     int number = lastPicture();
-    if (QDir().mkpath(path) && store_.setThumbnail(&image, &path, number))
+    if (QDir().mkpath(path) && store_.setThumbnail(&image, &path, number)) {
+        lastNumber_ = number;
         return true;
+    }
     complain(picture,
              QString("nothing was changed: the picture cannot be written; check the permissions of its "
                      "directory and the free space (\"df %1\")")

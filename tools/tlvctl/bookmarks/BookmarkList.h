@@ -58,7 +58,7 @@ public:
     QString nextPicture() const;
 
     /// Writes that picture and makes the directory for it. Complains and returns false when that fails.
-    bool writePicture(QImage image) const;
+    bool writePicture(QImage image);
 
     /// How many bookmarks show the picture of a path.
     int users(const QString& picture) const;

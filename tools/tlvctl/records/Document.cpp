@@ -13,17 +13,6 @@
 
 namespace {
 
-Damage damageFoundBy(const TVNC_XMLReader& reader)
-{
-    Damage damage;
-    damage.line = reader.lineNumber();
-    damage.column = reader.columnNumber();
-    damage.reason = reader.errorString();
-    if (damage.reason.endsWith('.'))
-        damage.reason.chop(1); // it goes into a sentence of ours
-    return damage;
-}
-
 /// The same in all but their children.
 bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
 {
@@ -34,6 +23,17 @@ bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
 }
 
 } // namespace
+
+Damage damageFoundBy(const TVNC_XMLReader& reader)
+{
+    Damage damage;
+    damage.line = reader.lineNumber();
+    damage.column = reader.columnNumber();
+    damage.reason = reader.errorString();
+    if (damage.reason.endsWith('.'))
+        damage.reason.chop(1); // it goes into a sentence of ours
+    return damage;
+}
 
 Document readDocument(const QString& path)
 {
