@@ -228,7 +228,7 @@ int importCommand(const QCommandLineParser& arguments)
     const std::optional<QByteArray> bytes = readImport(path);
     if (!bytes)
         return FAILED;
-    const BookmarkFile file = *format == HTML ? readHtml(*bytes) : readXbel(*bytes);
+    const BookmarkFile file = *format == HTML ? readHtml(*bytes) : readXbel(path);
     if (!file.problem.isEmpty()) {
         refuseImport(path, "it " + file.problem);
         return FAILED;

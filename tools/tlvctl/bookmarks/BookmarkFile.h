@@ -33,7 +33,7 @@ QByteArray writeXbel(const std::vector<FiledBookmark>& bookmarks);
 
 /// Reads the HTML file in whatever encoding and state it is, with a progress bar.
 BookmarkFile readHtml(const QByteArray& bytes);
-BookmarkFile readXbel(const QByteArray& bytes);
+BookmarkFile readXbel(const QString& path);
 
 /// A title on one line, without blanks that stand alone, so that every format can carry it.
 QString plainTitle(const QString& title);

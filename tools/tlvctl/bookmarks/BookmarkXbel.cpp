@@ -1,12 +1,8 @@
 #include "tools/tlvctl/bookmarks/BookmarkFile.h"
 
-#include "tools/tlvctl/commandline/Text.h"
 #include "tools/tlvctl/records/Document.h"
 #include "tools/tlvctl/records/Record.h"
 
-#include <tlvlib/xml/TVNC_XMLReader.h>
-
-#include <QtCore/QBuffer>
 #include <QtCore/QXmlStreamWriter>
 
 namespace {
@@ -49,21 +45,17 @@ QByteArray writeXbel(const std::vector<FiledBookmark>& bookmarks)
     return bytes;
 }
 
-BookmarkFile readXbel(const QByteArray& bytes)
+BookmarkFile readXbel(const QString& path)
 {
-    QByteArray copy = bytes;
-    QBuffer buffer(&copy);
-    buffer.open(QIODevice::ReadOnly);
     BookmarkFile file;
     // The library's own reader: it has been made for documents of any size and depth, and for hostile ones.
-    TVNC_XMLReader reader;
-    const std::unique_ptr<TVNC_XMLNode> root(reader.read(buffer));
-    if (reader.hasError())
-        file.problem = QString("is %1").arg(describe(damageFoundBy(reader)));
-    else if (!root || root->getName() != "xbel")
+    const Document document = readDocument(path);
+    if (document.state == Document::State::DAMAGED)
+        file.problem = "is " + describe(document.damage);
+    else if (!document.root || document.root->getName() != "xbel")
         file.problem = "is no XBEL: its root is not \"xbel\"";
     else
         walkTree(
-            *root, [&file](TVNC_XMLNode& node, int) { add(node, file); }, [](TVNC_XMLNode&) {});
+            *document.root, [&file](TVNC_XMLNode& node, int) { add(node, file); }, [](TVNC_XMLNode&) {});
     return file;
 }

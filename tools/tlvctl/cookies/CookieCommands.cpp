@@ -251,18 +251,6 @@ void printResult(const Conversion& conversion, const StoreFile& changed, bool is
     printCookies(document, copy.count(), false);
 }
 
-/// Complains and returns false when a file with something else than cookies would be replaced.
-bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool isForced)
-{
-    if (isForced || cookies.remarks.isEmpty())
-        return true;
-    complain(ini.path(),
-             QString("holds more than whole cookies (%1); nothing was changed, because that would be "
-                     "lost. Go on with --force")
-                 .arg(cookies.remarks.join("; ")));
-    return false;
-}
-
 int convert(const Conversion& conversion, bool isToIni, const QCommandLineParser& arguments)
 {
     const StoreFile& source = isToIni ? conversion.document() : conversion.ini();

@@ -6,5 +6,7 @@
 Command cookieListCommand();
 Command cookieToIniCommand();
 Command cookieFromIniCommand();
+Command cookieExportCommand();
+Command cookieImportCommand();
 
 #endif

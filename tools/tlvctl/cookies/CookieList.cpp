@@ -9,6 +9,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -159,6 +160,19 @@ std::vector<CookieRecord> CookieDocument::records() const
     return records;
 }
 
+void CookieDocument::add(std::vector<QNetworkCookie> cookies)
+{
+    QXmlStreamAttributes attributes;
+    attributes.append("docInfo", "1.0");
+    QString name = "cookie";
+    QString id = "id";
+    root().setName(name);
+    root().setAttribute(attributes);
+    std::for_each(cookies.rbegin(), cookies.rend(),
+                  [this](QNetworkCookie& cookie) { store_.addCookieInfo(cookie); });
+    store_.setIDforChildren(id);
+}
+
 QStringList CookieDocument::remarks() const
 {
     if (root().getXMLNodeChildren().size() <= TVNG_CONVERTED_MAX)
@@ -221,4 +235,15 @@ std::optional<CookieFile> readCookieIni(const QString& dir)
         cookies.records.push_back(record);
     }
     return cookies;
+}
+
+bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool isForced)
+{
+    if (isForced || cookies.remarks.isEmpty())
+        return true;
+    complain(ini.path(),
+             QString("holds more than whole cookies (%1); nothing was changed, because that would be "
+                     "lost. Go on with --force")
+                 .arg(cookies.remarks.join("; ")));
+    return false;
 }

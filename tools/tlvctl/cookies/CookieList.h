@@ -45,6 +45,13 @@ public:
     /// All entries, in the order of the document.
     std::vector<CookieRecord> records() const;
     QStringList remarks() const override;
+
+    /// Removes the entry of a number. The others are numbered anew.
+    void remove(int number) { store_.deleteCookieInfo(number); }
+
+    /// Adds entries in front, in their order.
+    void add(std::vector<QNetworkCookie> cookies);
+
     CookieFile read() const { return {records(), remarks()}; }
 
 protected:
@@ -69,5 +76,8 @@ QString cookieIniDir(const QString& path);
  * file has no cookies.
  */
 std::optional<CookieFile> readCookieIni(const QString& dir);
+
+/// Complains and returns false when a file with something else than cookies would be replaced.
+bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool isForced);
 
 #endif

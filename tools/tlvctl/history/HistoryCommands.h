@@ -7,5 +7,6 @@ Command historyListCommand();
 Command historyFindCommand();
 Command historyAddCommand();
 Command historyRemoveCommand();
+Command historyExportCommand();
 
 #endif

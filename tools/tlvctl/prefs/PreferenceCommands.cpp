@@ -3,7 +3,7 @@
 #include "tools/tlvctl/commandline/Password.h"
 #include "tools/tlvctl/commandline/Table.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/prefs/Preferences.h"
+#include "tools/tlvctl/prefs/PreferenceWishes.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <algorithm>
@@ -13,38 +13,9 @@ namespace {
 const QString SHOW_PASSWORDS = "show-passwords";
 const QString PASSWORD_FILE = "password-file";
 
-/// Complains and returns null when the first argument is no scope.
-std::unique_ptr<Preferences> openPreferences(const QCommandLineParser& arguments)
-{
-    const QString scope = arguments.positionalArguments().at(0);
-    std::unique_ptr<Preferences> preferences = Preferences::open(scope, pathArgument(arguments, 1));
-    if (!preferences)
-        wrongUsage(QString("%1 is neither \"common\" nor \"user\"").arg(quoted(scope)));
-    return preferences;
-}
-
-/// Complains and returns null when there is no preference of this name.
-const Preference* findPreference(const Preferences& preferences, const QString& name)
-{
-    if (const Preference* const found = preferences.find(name))
-        return found;
-    QStringList names;
-    for (const Preference& preference : preferences.table())
-        names.append(preference.name);
-    complain(preferences.file().path(),
-             QString("there is no preference %1; there are %2").arg(quoted(name), names.join(", ")));
-    return nullptr;
-}
-
 QString shownValue(const Preference& preference, const QByteArray& value, bool withPasswords)
 {
     return preference.isSecret && !withPasswords ? "(hidden)" : printableBytes(value);
-}
-
-/// A value in a line of its own words, where an empty one would not be seen.
-QString namedValue(const Preference& preference, const QByteArray& value)
-{
-    return value.isEmpty() ? "\"\"" : shownValue(preference, value, false);
 }
 
 // --- show, get --------------------------------------------------------------------------------------------
@@ -129,13 +100,6 @@ int getPreference(const QCommandLineParser& arguments)
 
 // --- set --------------------------------------------------------------------------------------------------
 
-/// A value that was asked for.
-struct Wish
-{
-    const Preference* preference;
-    QByteArray value;
-};
-
 /// Reads a value. Complains and returns nothing when it cannot be one.
 std::optional<QByteArray> readValue(const Preferences& preferences, const Preference& preference,
                                     const QString& argument, const QCommandLineParser& arguments)
@@ -187,26 +151,6 @@ std::optional<std::vector<Wish>> readWishes(const Preferences& preferences,
     return wishes;
 }
 
-/// Sets a preference, unless the file has that value already.
-Outcome grant(const Preferences& preferences, const Wish& wish, QStringList& changes)
-{
-    const Preference& preference = *wish.preference;
-    const PreferenceRecord before = preferences.record(preference);
-    const QString value = preference.isSecret ? "(hidden)" : namedValue(preference, wish.value);
-    if (before.stored && *before.stored == preference.storedText(wish.value)) {
-        changes.append(QString("%1: %2, as it was").arg(preference.name, value));
-        return Outcome::UNCHANGED;
-    }
-    if (!preference.set(wish.value))
-        return refused(preferences, QString("the store refuses the value of %1").arg(preference.name));
-    if (preference.isSecret)
-        changes.append(QString("%1: another one").arg(preference.name));
-    else
-        changes.append(
-            QString("%1: %2 -> %3").arg(preference.name, namedValue(preference, before.value), value));
-    return Outcome::CHANGED;
-}
-
 int setPreferences(const QCommandLineParser& arguments)
 {
     const std::unique_ptr<Preferences> preferences = openPreferences(arguments);
@@ -219,23 +163,11 @@ int setPreferences(const QCommandLineParser& arguments)
     const std::optional<std::vector<Wish>> wishes = readWishes(*preferences, arguments);
     if (!wishes)
         return FAILED;
-    return changeStore(*preferences, arguments, [&](QStringList& changes) {
-        Outcome all = Outcome::UNCHANGED;
-        for (const Wish& wish : *wishes) {
-            const Outcome outcome = grant(*preferences, wish, changes);
-            if (outcome == Outcome::REFUSED)
-                return outcome;
-            if (outcome == Outcome::CHANGED)
-                all = outcome;
-        }
-        return all;
-    });
+    return grantWishes(*preferences, *wishes, arguments);
 }
 
 // --- The commands -----------------------------------------------------------------------------------------
 
-const Argument SCOPE{"common|user", "The preferences of the device, or those of a user."};
-const Argument DIR{"DIR", "The settings directory that holds repostry.xml or repostry_private.xml."};
 const QCommandLineOption SHOW_PASSWORDS_OPTION{SHOW_PASSWORDS, "Show the proxy's password, too."};
 
 /// The names of all preferences, for the help.
@@ -256,7 +188,7 @@ Command preferenceShowCommand()
                       "*, and a line below the table tells what.";
     command.examples = {"tlvctl prefs show common /data/settings",
                         "tlvctl prefs show user /data/user --json"};
-    command.arguments = {SCOPE, DIR};
+    command.arguments = {scopeArgument(), preferenceDirArgument()};
     command.options = {jsonOption(), SHOW_PASSWORDS_OPTION};
     return command;
 }
@@ -265,8 +197,9 @@ Command preferenceGetCommand()
 {
     Command command("get", "Print the value of a preference.", getPreference);
     command.examples = {"tlvctl prefs get common /data/settings proxy.host"};
-    command.arguments = {
-        SCOPE, DIR, {"NAME", "The name of a preference, as \"tlvctl prefs show\" shows it."}};
+    command.arguments = {scopeArgument(),
+                         preferenceDirArgument(),
+                         {"NAME", "The name of a preference, as \"tlvctl prefs show\" shows it."}};
     command.options = {jsonOption(), SHOW_PASSWORDS_OPTION};
     return command;
 }
@@ -283,8 +216,8 @@ Command preferenceSetCommand()
         "tlvctl prefs set common /data/settings proxy.host proxy.example.net proxy.enabled yes",
         "tlvctl prefs set user /data/user page.zoom 1.2",
         "tlvctl prefs set common /data/settings proxy.password - --password-file secret"};
-    command.arguments = {SCOPE,
-                         DIR,
+    command.arguments = {scopeArgument(),
+                         preferenceDirArgument(),
                          {"NAME", "The name of a preference."},
                          {"VALUE", "Its value; more names and values may follow.", true}};
     command.options = changeOptions(

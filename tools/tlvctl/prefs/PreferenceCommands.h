@@ -6,5 +6,7 @@
 Command preferenceShowCommand();
 Command preferenceGetCommand();
 Command preferenceSetCommand();
+Command preferenceExportCommand();
+Command preferenceImportCommand();
 
 #endif

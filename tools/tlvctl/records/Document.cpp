@@ -13,17 +13,6 @@
 
 namespace {
 
-/// The same in all but their children.
-bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
-{
-    // Without a text there is nothing that could be of a type.
-    const bool sameType = left.getText().isEmpty() || left.getTextType() == right.getTextType();
-    return left.getName() == right.getName() && left.getAttribute() == right.getAttribute() &&
-           left.getText() == right.getText() && sameType;
-}
-
-} // namespace
-
 Damage damageFoundBy(const TVNC_XMLReader& reader)
 {
     Damage damage;
@@ -34,6 +23,17 @@ Damage damageFoundBy(const TVNC_XMLReader& reader)
         damage.reason.chop(1); // it goes into a sentence of ours
     return damage;
 }
+
+/// The same in all but their children.
+bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
+{
+    // Without a text there is nothing that could be of a type.
+    const bool sameType = left.getText().isEmpty() || left.getTextType() == right.getTextType();
+    return left.getName() == right.getName() && left.getAttribute() == right.getAttribute() &&
+           left.getText() == right.getText() && sameType;
+}
+
+} // namespace
 
 Document readDocument(const QString& path)
 {

@@ -9,7 +9,6 @@
 #include <vector>
 
 class JsonWriter;
-class TVNC_XMLReader;
 
 /// Where and why the library stopped reading a document before its end.
 struct Damage
@@ -36,9 +35,6 @@ struct Document
 };
 
 Document readDocument(const QString& path);
-
-/// Where a reader that has stopped before the end did so.
-Damage damageFoundBy(const TVNC_XMLReader& reader);
 
 /// "damaged at line 3, column 17 (what the parser says)", fit for a terminal.
 QString describe(const Damage& damage);
