@@ -31,6 +31,7 @@ struct CookieFile
 {
     std::vector<CookieRecord> records;
     QStringList remarks;
+    bool isDamaged = false; ///< whether cookie.ini is not as a browser writes it
 };
 
 /// A cookie document.
@@ -45,7 +46,7 @@ public:
     /// All entries, in the order of the document.
     std::vector<CookieRecord> records() const;
     QStringList remarks() const override;
-    CookieFile read() const { return {records(), remarks()}; }
+    CookieFile read() const { return {records(), remarks(), false}; }
 
 protected:
     void loadSetting() override;

@@ -26,7 +26,8 @@ enum class Outcome {
 /// Complains that nothing was changed, and why.
 Outcome refused(const Store& store, const QString& problem);
 
-/// A command's own options with those of every command that changes a store: "--dry-run" and "--force".
+/// A command's own options with those of every command that changes a store: "--dry-run", "--force" and
+/// "--json".
 QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCommandLineOption>& own = {});
 
 /**
@@ -65,8 +66,11 @@ std::optional<int> parseNumber(const QString& text);
 /// Reads an argument that is the number of a record. Complains and returns nothing when it is none.
 std::optional<int> recordNumber(const QString& argument);
 
-/// Complains and returns false when the loaded store has no record of this number.
-bool checkPresent(const Store& store, int number);
+/// Whether the loaded store has a record of this number.
+bool hasRecord(const Store& store, int number);
+
+/// What there is to say where it has none.
+QString noSuchRecord(int number);
 
 /**
  * Complains and returns false when the store or its file cannot keep a text that is to be added.
