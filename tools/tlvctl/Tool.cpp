@@ -7,6 +7,7 @@
 #include "tools/tlvctl/fonts/FontCommands.h"
 #include "tools/tlvctl/history/HistoryCommands.h"
 #include "tools/tlvctl/prefs/PreferenceCommands.h"
+#include "tools/tlvctl/report/ReportCommand.h"
 #include "tools/tlvctl/thumbnails/ThumbnailCommands.h"
 
 namespace {
@@ -32,6 +33,7 @@ Command tool()
     tool.commands = {
         showCommand(),
         checkCommand(),
+        reportCommand(),
         group("fonts", "List or change the fonts that are offered to the user.",
               {fontListCommand(), fontAddCommand(), fontImportCommand()},
               {"tlvctl fonts list /data/settings", "tlvctl fonts add /data/settings \"DejaVu Sans\"",

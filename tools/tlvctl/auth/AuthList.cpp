@@ -70,7 +70,10 @@ void readRecord(TVNC_XMLNode& node, AuthRecord& record)
 
 } // namespace
 
-AuthList::AuthList(const QString& dir, int maximum) : StoreOf(dir, "authinfo.xml"), maximum_(maximum) {}
+AuthList::AuthList(const QString& dir, int maximum)
+    : StoreOf(dir, "authinfo.xml", {"authentication", "authInfo"}), maximum_(maximum)
+{
+}
 
 void AuthList::loadSetting()
 {

@@ -39,8 +39,12 @@ bool readTitle(const BookmarkList& list, const QCommandLineParser& arguments, QS
 /// Reads a picture and scales it to a thumbnail. Complains and returns nothing when that fails.
 std::optional<QImage> readImage(const QString& path, const QSize& largest)
 {
+    QString problem = problemWithPlace(path);
+    if (!problem.isEmpty()) {
+        complain(path, QString("nothing was changed: %1; name a picture file").arg(problem));
+        return std::nullopt;
+    }
     QFile file(path);
-    QString problem;
     const QImage image = readPicture(file, largest, problem);
     if (!image.isNull())
         return image;
@@ -65,16 +69,17 @@ QString pictureLine(const char* verb, const QString& path)
     return changeLine(verb, "   ", printable(path));
 }
 
-/// Deletes a picture that no bookmark shows any more.
-void deletePicture(const BookmarkList& list, const QString& path, bool isDryRun, QStringList& changes)
+/// Deletes a picture that no bookmark shows any more. False when that fails.
+bool deletePicture(const BookmarkList& list, const QString& path, bool isDryRun, QStringList& changes)
 {
     if (!path.startsWith(list.thumbnailDir()) || list.users(path) > 0 || !QFile::exists(path))
-        return;
+        return true;
     if (!isDryRun && !QFile::remove(path)) {
         changes.append(pictureLine("kept", path) + " (cannot be removed)");
-        return;
+        return false;
     }
     changes.append(pictureLine("removed", path));
+    return true;
 }
 
 // --- add --------------------------------------------------------------------------------------------------
@@ -122,8 +127,8 @@ int renameBookmark(const QCommandLineParser& arguments)
     if (!list.checkSavable() || !readTitle(list, arguments, title))
         return FAILED;
     return changeStore(list, arguments, [&](QStringList& changes) {
-        if (!checkPresent(list, *number))
-            return Outcome::REFUSED;
+        if (!hasRecord(list, *number))
+            return refused(list, noSuchRecord(*number));
         BookmarkRecord record = list.record(*number);
         if (list.storedTitle(*number) == title) {
             changes.append(changeLine("as is", numberText(*number), BookmarkList::line(record.bookmark)));
@@ -145,6 +150,7 @@ int removeBookmarks(const QCommandLineParser& arguments)
     if (!list.checkSavable())
         return FAILED;
     QStringList pictures;
+    bool isDone = true;
     const auto describe = [&](int number) {
         const TVNS_Bookmark bookmark = list.record(number).bookmark;
         pictures.append(bookmark.thumbnail);
@@ -154,11 +160,12 @@ int removeBookmarks(const QCommandLineParser& arguments)
         pictures.removeDuplicates();
         for (const QString& picture : pictures) {
             if (!arguments.isSet(KEEP_IMAGE))
-                deletePicture(list, picture, isDryRun(arguments), changes);
+                isDone = deletePicture(list, picture, isDryRun(arguments), changes) && isDone;
         }
     };
-    return removeRecords(
+    const int exitCode = removeRecords(
         list, arguments, describe, [&list](int number) { list.remove(number); }, deletePictures);
+    return exitCode == DONE && !isDone ? FAILED : exitCode;
 }
 
 // --- thumbnail --------------------------------------------------------------------------------------------
@@ -178,8 +185,8 @@ int setThumbnail(const QCommandLineParser& arguments)
     NewPictures picture(list, isDryRun(arguments));
     QString earlier;
     const auto set = [&](QStringList& changes) {
-        if (!checkPresent(list, *number))
-            return Outcome::REFUSED;
+        if (!hasRecord(list, *number))
+            return refused(list, noSuchRecord(*number));
         const BookmarkRecord record = list.record(*number);
         earlier = record.bookmark.thumbnail;
         if (!picture.write(*image))

@@ -9,7 +9,6 @@
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <QtCore/QBuffer>
-#include <QtCore/QFile>
 #include <QtCore/QSet>
 
 #include <algorithm>
@@ -18,9 +17,6 @@ namespace {
 
 const QString HTML = "html";
 const std::vector<Format> FORMATS{{HTML, {"html", "htm"}}, {"xbel", {"xbel"}}};
-
-/// Pictures go out and come in at no larger a size, so that the way there and back changes none.
-const QSize PICTURE_SIZE(320, 240);
 
 /// Why an address is no bookmark's, to follow it; empty when it can be.
 QString problemWithAddress(const QString& href)
@@ -39,19 +35,6 @@ QString leftOutLine(const std::optional<int>& number, const TVNS_Bookmark& bookm
 }
 
 // --- export -----------------------------------------------------------------------------------------------
-
-/// The picture of a bookmark as PNG; empty when it has none that can be read.
-QByteArray pngOf(const BookmarkRecord& record)
-{
-    QFile file(record.bookmark.thumbnail);
-    QString problem;
-    const QImage image = record.hasPicture ? readPicture(file, PICTURE_SIZE, problem) : QImage();
-    QByteArray png;
-    QBuffer buffer(&png);
-    if (!image.isNull())
-        image.save(&buffer, "PNG");
-    return png;
-}
 
 Export exportBookmarks(const BookmarkList& list, bool isHtml)
 {

@@ -25,7 +25,7 @@ public:
     static const int DIR_MAX_BYTES;
 
     /// @param dir the settings directory, with or without a "/" at its end
-    explicit BookmarkList(const QString& dir) : StoreOf(dir, "bookmark.xml") {}
+    explicit BookmarkList(const QString& dir) : StoreOf(dir, "bookmark.xml", {"bookmarks", "bookmark"}) {}
 
     /// Complains and returns false when the directory is too long for saving.
     bool checkSavable() const;

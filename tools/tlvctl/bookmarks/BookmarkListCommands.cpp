@@ -86,9 +86,15 @@ int showBookmark(const QCommandLineParser& arguments)
     BookmarkList list(pathArgument(arguments));
     if (!list.file().checkDirectory())
         return FAILED;
-    list.load();
-    if (!checkPresent(list, *number))
+    const QString path = list.file().path();
+    const Document document = readDocument(path);
+    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
         return FAILED;
+    list.load();
+    if (!hasRecord(list, *number)) {
+        complain(path, noSuchRecord(*number));
+        return FAILED;
+    }
     return listStore(
         list, arguments, [&] { printBookmark(list.record(*number)); },
         [&](JsonWriter& json) { writeBookmark(json, list.record(*number)); });

@@ -1,5 +1,6 @@
 #include "tools/tlvctl/bookmarks/Pictures.h"
 
+#include <QtCore/QBuffer>
 #include <QtCore/QFile>
 #include <QtGui/QImageReader>
 
@@ -24,6 +25,18 @@ QImage readPicture(QIODevice& device, const QSize& largest, QString& problem)
     const QImage image = reader.read();
     problem = reader.errorString();
     return image;
+}
+
+QByteArray pngOf(const BookmarkRecord& record)
+{
+    QFile file(record.bookmark.thumbnail);
+    QString problem;
+    const QImage image = record.hasPicture ? readPicture(file, PICTURE_SIZE, problem) : QImage();
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (!image.isNull())
+        image.save(&buffer, "PNG");
+    return png;
 }
 
 NewPictures::~NewPictures()

@@ -15,6 +15,12 @@
  */
 QImage readPicture(QIODevice& device, const QSize& largest, QString& problem);
 
+/// Pictures go out and come in at no larger a size, so that the way there and back changes none.
+const QSize PICTURE_SIZE(320, 240);
+
+/// The picture of a bookmark as PNG; empty when it has none that can be read.
+QByteArray pngOf(const BookmarkRecord& record);
+
 /// Writes pictures for new bookmarks. When what follows fails, the pictures go again.
 class NewPictures
 {

@@ -1,13 +1,16 @@
 #include "tools/tlvctl/cookies/CookieCommands.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/commandline/Text.h"
 #include "tools/tlvctl/cookies/CookieList.h"
+#include "tools/tlvctl/records/DirectoryLock.h"
 #include "tools/tlvctl/records/StoreChange.h"
+
+#include <tlvlib/files/TVNG_SafeSave.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QHash>
-#include <QtCore/QSaveFile>
 #include <QtCore/QTemporaryDir>
 
 #include <deque>
@@ -71,7 +74,11 @@ int listIni(const QCommandLineParser& arguments, bool withValues)
     } else {
         printLine("records: 0, because there is no " + printable(file.path()));
     }
-    return DONE;
+    if (!cookies->isDamaged)
+        return DONE;
+    complain(file.path(),
+             "damaged; restore it from a copy, or have \"tlvctl check --repair\" keep what is whole");
+    return FAILED;
 }
 
 int listCookies(const QCommandLineParser& arguments)
@@ -129,8 +136,24 @@ public:
         TVNC_CookieSetting::getInstance()->convertCookieIniToXML(source.data(), destination.data());
     }
 
-    bool writeIni() const { return replace(ini_, iniCopyDir() + "cookie.ini"); }
-    bool writeDocument() const { return replace(document_, documentCopy()); }
+    /// Saves what the conversion has made of the copies.
+    bool writeIni() const
+    {
+        auto* store = TVNC_CookieSetting::getInstance();
+        QString copyDir = iniCopyDir();
+        QString dir = ini_.dir();
+        store->saveCookieInfo(store->loadCookieInfo(&copyDir, TVNG_CONVERTED_MAX), &dir, TVNG_CONVERTED_MAX);
+        if (TVNG_GetSaveError().isEmpty())
+            return true;
+        ini_.complainAboutSaving(printable(TVNG_GetSaveError()));
+        return false;
+    }
+
+    bool writeDocument() const
+    {
+        CookieDocument(documentCopy()).load();
+        return CookieDocument(document_.path()).saveChecked(); // of the one store that there is
+    }
 
 private:
     static bool copy(const QString& from, const QString& to)
@@ -139,17 +162,6 @@ private:
             return true;
         complain(from, "cannot be read, or not be copied to /tmp; make it a readable file, and look for free "
                        "space with \"df /tmp\"");
-        return false;
-    }
-
-    static bool replace(const StoreFile& file, const QString& copy)
-    {
-        QFile source(copy);
-        QSaveFile destination(file.path());
-        const bool isOpen = source.open(QIODevice::ReadOnly) && destination.open(QIODevice::WriteOnly);
-        if (isOpen && destination.write(source.readAll()) == source.size() && destination.commit())
-            return true;
-        file.complainAboutSaving(printable(destination.errorString()));
         return false;
     }
 
@@ -251,27 +263,57 @@ void printResult(const Conversion& conversion, const StoreFile& changed, bool is
     printCookies(document, copy.count(), false);
 }
 
+bool refuse(const StoreFile& file, const QString& problem)
+{
+    complain(file.path(), problem + ". Name the right file, or go on with --force");
+    return false;
+}
+
+/// Complains and returns false when the source is missing, another file, damaged or without a cookie.
+bool checkSource(const StoreFile& source, const std::vector<CookieRecord>& cookies, const QStringList& damage)
+{
+    if (!QFileInfo::exists(source.path()))
+        return refuse(source, "no such file; nothing was changed, because all cookies would be removed");
+    if (!damage.isEmpty())
+        return refuse(source, QString("damaged (%1); nothing was changed, because cookies would be lost")
+                                  .arg(damage.join("; ")));
+    return !cookies.empty() ||
+           refuse(source, "holds no cookies; nothing was changed, because all cookies would be removed");
+}
+
+/// Writes the result, after a copy of what it replaces.
+bool write(const Conversion& conversion, bool isToIni, QStringList& lines)
+{
+    const StoreFile& target = isToIni ? conversion.ini() : conversion.document();
+    const std::optional<QString> copy = target.keepCopy();
+    if (!copy || !(isToIni ? conversion.writeIni() : conversion.writeDocument()))
+        return false;
+    if (!copy->isEmpty())
+        lines.append(QString("as it was, the file is in %1").arg(printable(*copy)));
+    return true;
+}
+
 int convert(const Conversion& conversion, bool isToIni, const QCommandLineParser& arguments)
 {
     const StoreFile& source = isToIni ? conversion.document() : conversion.ini();
+    const StoreFile& target = isToIni ? conversion.ini() : conversion.document();
     const bool isForced = arguments.isSet("force");
-    if (!isForced && !QFileInfo::exists(source.path())) {
-        complain(source.path(),
-                 isToIni ? "no such file; nothing was changed, because cookie.ini would be "
-                           "emptied. Name the cookie document, or go on with --force"
-                         : "no such file; nothing was changed, because the document's cookies would "
-                           "be removed. Name the directory of cookie.ini, or go on with --force");
+    const CookieDocument root(conversion.document().path());
+    if (!isForced && (!conversion.document().checkReplaceable(false) ||
+                      !root.checkRoot(readDocument(conversion.document().path()))))
         return FAILED;
-    }
-    if (!conversion.document().checkReplaceable(isForced) || !conversion.begin())
+    if (!target.checkWritable() || !conversion.begin())
         return FAILED;
     const std::optional<CookieFile> iniBefore = readCookieIni(conversion.iniCopyDir());
     if (!iniBefore || (isToIni && !checkIniReplaceable(conversion.ini(), *iniBefore, isForced)))
         return FAILED;
     const CookieFile documentBefore = readCopy(conversion);
+    if (!isForced && !(isToIni ? checkSource(source, documentBefore.records, {})
+                               : checkSource(source, iniBefore->records, iniBefore->remarks)))
+        return FAILED;
     isToIni ? conversion.toIni() : conversion.fromIni();
     const std::optional<CookieFile> ini = readCookieIni(conversion.iniCopyDir());
-    if (!ini || (!isDryRun(arguments) && !(isToIni ? conversion.writeIni() : conversion.writeDocument())))
+    if (!ini)
         return FAILED;
 
     const CookieFile document = readCopy(conversion);
@@ -284,22 +326,33 @@ int convert(const Conversion& conversion, bool isToIni, const QCommandLineParser
         lines.append(QString("cookies that %1 HttpOnly, which the document does not hold: %2")
                          .arg(isToIni ? "were" : "are")
                          .arg(lost));
-    printResult(conversion, isToIni ? conversion.ini() : conversion.document(), isDryRun(arguments), lines,
-                *ini, document);
+    if (!isDryRun(arguments) && !write(conversion, isToIni, lines))
+        return FAILED;
+    printResult(conversion, target, isDryRun(arguments), lines, *ini, document);
     return DONE;
+}
+
+/// Converts while the target's directory is held; the source is only read.
+int convertAlone(const Conversion& conversion, bool isToIni, const QCommandLineParser& arguments)
+{
+    DirectoryLock lock;
+    const StoreFile& target = isToIni ? conversion.ini() : conversion.document();
+    if (!isDryRun(arguments) && !lock.take(target.dir()))
+        return FAILED;
+    return convert(conversion, isToIni, arguments);
 }
 
 int toIni(const QCommandLineParser& arguments)
 {
     const Conversion conversion(pathArgument(arguments, 0), pathArgument(arguments, 1));
-    return conversion.ini().checkDirectory() ? convert(conversion, true, arguments) : FAILED;
+    return conversion.ini().checkDirectory() ? convertAlone(conversion, true, arguments) : FAILED;
 }
 
 int fromIni(const QCommandLineParser& arguments)
 {
     const Conversion conversion(pathArgument(arguments, 1), pathArgument(arguments, 0));
     const bool isPlace = conversion.ini().checkDirectory() && conversion.document().checkDirectory();
-    return isPlace ? convert(conversion, false, arguments) : FAILED;
+    return isPlace ? convertAlone(conversion, false, arguments) : FAILED;
 }
 
 const Argument DOCUMENT{"XML", "The cookie document."};

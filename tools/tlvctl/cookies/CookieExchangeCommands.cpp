@@ -246,20 +246,24 @@ int importIntoIni(const std::vector<QNetworkCookie>& wanted, const QStringList& 
     DirectoryLock lock;
     if (!ini.checkDirectory() || (!isDryRun(arguments) && !lock.take(ini.dir())))
         return FAILED;
+    const bool isForced = arguments.isSet("force");
     const std::optional<CookieFile> file = readCookieIni(ini.dir());
-    if (!file || !checkIniReplaceable(ini, *file, arguments.isSet("force")))
+    if (!file || !checkIniReplaceable(ini, *file, isForced) || !ini.checkWritable())
         return FAILED;
     const std::vector<QNetworkCookie> present = cookiesIn(ini.dir());
-    QStringList changes;
+    QStringList changes = leftOut;
     const Plan plan = planImport(present, wanted, arguments.isSet(REPLACE), INI, changes);
-    if (!plan.added.empty() && !isDryRun(arguments) && !saveIni(ini, after(plan, present)))
+    changes.append(summary(plan, leftOut.size()));
+    const bool isSaving = !plan.added.empty() && !isDryRun(arguments);
+    if (isSaving && !file->remarks.isEmpty()) {
+        const std::optional<QString> copy = ini.keepCopy();
+        if (!copy)
+            return FAILED;
+        changes.append(QString("as it was, the file is in %1").arg(printable(*copy)));
+    }
+    if (isSaving && !saveIni(ini, after(plan, present)))
         return FAILED;
-    if (isDryRun(arguments))
-        printLine(QString("dry run: nothing is written to %1, where this would change:")
-                      .arg(printable(ini.path())));
-    for (const QString& line : leftOut + changes)
-        printLine(line);
-    printLine(summary(plan, leftOut.size()));
+    tellChanges(ini, arguments, changes);
     return DONE;
 }
 

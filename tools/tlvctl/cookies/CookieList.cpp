@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <sys/stat.h>
+
 namespace {
 
 const QString INI_NAME = "cookie.ini";
@@ -106,10 +108,12 @@ QStringList remarksAbout(const QByteArray& stored)
         else if (cookies != 1)
             remarks.append(QString("entry %1 holds %2 cookies instead of one").arg(entries).arg(cookies));
     }
-    if (entries < count)
-        remarks.append(QString("the file says that it holds %1 entries, but there are %2")
-                           .arg(static_cast<qint32>(count))
-                           .arg(entries));
+    // Every entry takes some bytes; a number beyond that is none that a browser has written.
+    if (count > static_cast<quint32>(stored.size()))
+        remarks.append(QString("damaged: the number of entries is none, and %1 are there").arg(entries));
+    else if (entries < count)
+        remarks.append(
+            QString("the file says that it holds %1 entries, but there are %2").arg(count).arg(entries));
     if (!stream.atEnd())
         remarks.append(QString("behind the %1 entries that the file says it holds, %2 bytes are not read")
                            .arg(entries)
@@ -125,7 +129,7 @@ QString CookieRecord::line() const
 }
 
 CookieDocument::CookieDocument(const QString& path)
-    : StoreOf(QFileInfo(path).path(), QFileInfo(path).fileName())
+    : StoreOf(QFileInfo(path).path(), QFileInfo(path).fileName(), {"cookie", "webSiteInfo"})
 {
 }
 
@@ -138,7 +142,9 @@ void CookieDocument::loadSetting()
 void CookieDocument::save()
 {
     QString path = file().path();
+    const mode_t mask = umask(S_IRWXG | S_IRWXO); // a new document is its owner's alone
     store_.save(path);
+    umask(mask);
 }
 
 std::vector<CookieRecord> CookieDocument::records() const
@@ -226,7 +232,9 @@ std::optional<CookieFile> readCookieIni(const QString& dir)
         if (key != "Cookie/cookies")
             cookies.remarks.append(QString("key %1 is not the store's: saving removes it").arg(quoted(key)));
     }
-    cookies.remarks += remarksAbout(settings.value("Cookie/cookies").toByteArray());
+    const QStringList ofList = remarksAbout(settings.value("Cookie/cookies").toByteArray());
+    cookies.isDamaged = !ofList.isEmpty() || settings.status() != QSettings::NoError;
+    cookies.remarks += ofList;
     QString storeDir = dir;
     for (const QNetworkCookie& cookie :
          TVNC_CookieSetting::getInstance()->loadCookieInfo(&storeDir, TVNG_CONVERTED_MAX)) {

@@ -31,6 +31,7 @@ struct CookieFile
 {
     std::vector<CookieRecord> records;
     QStringList remarks;
+    bool isDamaged = false; ///< whether cookie.ini is not as a browser writes it
 };
 
 /// A cookie document.
@@ -52,7 +53,7 @@ public:
     /// Adds entries in front, in their order.
     void add(std::vector<QNetworkCookie> cookies);
 
-    CookieFile read() const { return {records(), remarks()}; }
+    CookieFile read() const { return {records(), remarks(), false}; }
 
 protected:
     void loadSetting() override;

@@ -1,3 +1,4 @@
+#include "tools/tlvctl/files/Check.h"
 #include "tools/tlvctl/files/FileCommands.h"
 
 #include "tlvlib/util/TVNG_limits.h"
@@ -248,6 +249,21 @@ int check(const QCommandLineParser& arguments)
 }
 
 } // namespace
+
+std::vector<FileReport> checkDirectory(const QString& dir, bool /*isRepairing*/)
+{
+    std::vector<FileReport> reports;
+    for (const CheckedFile& file : filesOf(dir)) {
+        const std::optional<Findings> found = file.check();
+        if (!found)
+            continue;
+        FileReport report{found->path, {}};
+        for (const QString& line : found->lines)
+            report.findings.push_back({line});
+        reports.push_back(report);
+    }
+    return reports;
+}
 
 Command checkCommand()
 {

@@ -19,7 +19,7 @@ class FontList : public StoreOf<TVNC_FontListSetting>
 {
 public:
     /// @param dir the settings directory, with or without a "/" at its end
-    explicit FontList(const QString& dir) : StoreOf(dir, "fontlist.xml") {}
+    explicit FontList(const QString& dir) : StoreOf(dir, "fontlist.xml", {"fontlist", "font"}) {}
 
     void save() override { store_.saveFontList(file().dir()); }
     int count() const override { return store_.getCount(); }

@@ -99,7 +99,10 @@ std::vector<bool> takenOver(const QList<TVNC_XMLNode*>& records)
 
 } // namespace
 
-HistoryList::HistoryList(const QString& dir, int maximum) : StoreOf(dir, "visit.xml"), maximum_(maximum) {}
+HistoryList::HistoryList(const QString& dir, int maximum)
+    : StoreOf(dir, "visit.xml", {"history", "pageInfo"}), maximum_(maximum)
+{
+}
 
 void HistoryList::loadSetting()
 {

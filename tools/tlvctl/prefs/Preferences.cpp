@@ -12,8 +12,8 @@ template <typename Setting>
 class PreferencesOf : public Preferences
 {
 public:
-    PreferencesOf(const QString& dir, const QString& name, std::vector<Preference> table)
-        : Preferences(dir, name, std::move(table)), store_(*Setting::getInstance())
+    PreferencesOf(const QString& dir, const QString& name, const char* root, std::vector<Preference> table)
+        : Preferences(dir, name, root, std::move(table)), store_(*Setting::getInstance())
     {
     }
 
@@ -113,19 +113,20 @@ std::optional<QByteArray> Preference::checkedValue(const QByteArray& value, QStr
     return std::nullopt;
 }
 
-Preferences::Preferences(const QString& dir, const QString& name, std::vector<Preference> table)
-    : Store(dir, name), table_(std::move(table))
+Preferences::Preferences(const QString& dir, const QString& name, const char* root,
+                         std::vector<Preference> table)
+    : Store(dir, name, {root, nullptr}), table_(std::move(table))
 {
 }
 
 std::unique_ptr<Preferences> Preferences::open(const QString& scope, const QString& dir)
 {
     if (scope == "common")
-        return std::make_unique<PreferencesOf<TVNC_BrowserCommonSetting>>(dir, "repostry.xml",
-                                                                          commonPreferences());
+        return std::make_unique<PreferencesOf<TVNC_BrowserCommonSetting>>(
+            dir, "repostry.xml", "repostry_common", commonPreferences());
     if (scope == "user")
         return std::make_unique<PreferencesOf<TVNC_BrowserUserSetting>>(dir, "repostry_private.xml",
-                                                                        userPreferences());
+                                                                        "repostry", userPreferences());
     return nullptr;
 }
 

@@ -80,7 +80,7 @@ public:
     bool isLoadedFromFile() const { return fileRoot_ != nullptr; }
 
 protected:
-    Preferences(const QString& dir, const QString& name, std::vector<Preference> table);
+    Preferences(const QString& dir, const QString& name, const char* root, std::vector<Preference> table);
 
     void compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override { fileRoot_ = std::move(fileRoot); }
 

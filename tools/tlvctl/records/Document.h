@@ -34,6 +34,9 @@ struct Document
     std::unique_ptr<TVNC_XMLNode> root;
 };
 
+/// "Is a directory", "Is a FIFO" and so on; empty for a file, and where there is nothing.
+QString problemWithPlace(const QString& path);
+
 Document readDocument(const QString& path);
 
 /// "damaged at line 3, column 17 (what the parser says)", fit for a terminal.

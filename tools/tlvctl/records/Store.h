@@ -9,6 +9,7 @@
 #include <QtCore/QStringList>
 
 #include <memory>
+#include <optional>
 
 /**
  * The file of a store in a settings directory, with what has to be checked around the store's own loading and
@@ -33,6 +34,13 @@ public:
     /// Whether the file may be replaced: no if that would lose what could not be read, unless forced.
     bool checkReplaceable(bool isForced) const;
 
+    /// Whether there is no file, or one that may be written.
+    bool checkWritable() const;
+
+    /// Keeps a copy of the file beside it, under the first free name of those that end in ".bak", ".bak2" and
+    /// so on. Complains and returns nothing when that fails; an empty name when there is no file.
+    std::optional<QString> keepCopy() const;
+
     /// Whether the file holds exactly this tree. Write errors, which the stores do not detect, end here.
     bool checkSaved(TVNC_XMLNode& expected) const;
 
@@ -44,6 +52,14 @@ private:
     QString name_;
 };
 
+/// What the elements of a document are called.
+struct DocumentForm
+{
+    const char* root;
+    const char* record;           ///< null for preferences, which are no list
+    const char* attribute = "id"; ///< of a record
+};
+
 /// A store of the library together with its file in a settings directory.
 class Store
 {
@@ -52,13 +68,16 @@ public:
      * @param dir  the settings directory, with or without a "/" at its end
      * @param name the file's name in it
      */
-    Store(const QString& dir, const QString& name) : file_(dir, name) {}
+    Store(const QString& dir, const QString& name, const DocumentForm& form) : file_(dir, name), form_(form)
+    {
+    }
     virtual ~Store() = default;
 
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
     const StoreFile& file() const { return file_; }
+    const DocumentForm& form() const { return form_; }
 
     /// Complains that nothing was changed, and why. Always false.
     bool refuse(const QString& problem) const;
@@ -66,11 +85,17 @@ public:
     /// Has the store load the file. What becomes of it is not checked.
     void load();
 
+    /// Whether the file is no other document: its root, if there is one, has the store's name.
+    bool checkRoot(const Document& document) const;
+
     /// Has the store save the file. What becomes of it is not checked.
     virtual void save() = 0;
 
     /// Whether the file holds what save() was to write. Complains where it does not.
     virtual bool checkSaved() { return file_.checkSaved(root()); }
+
+    /// Saves the file as a command's result: whole, read back, and with a complaint when that went wrong.
+    bool saveChecked();
 
     /// The document in memory. There is one after load().
     virtual TVNC_XMLNode& root() const = 0;
@@ -101,6 +126,7 @@ protected:
 
 private:
     StoreFile file_;
+    DocumentForm form_;
     int renumbered_ = 0;
 };
 

@@ -26,7 +26,8 @@ enum class Outcome {
 /// Complains that nothing was changed, and why.
 Outcome refused(const Store& store, const QString& problem);
 
-/// A command's own options with those of every command that changes a store: "--dry-run" and "--force".
+/// A command's own options with those of every command that changes a store: "--dry-run", "--force" and
+/// "--json".
 QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCommandLineOption>& own = {});
 
 /**
@@ -42,6 +43,9 @@ QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCo
 int changeStore(Store& store, const QCommandLineParser& arguments,
                 const std::function<Outcome(QStringList& changes)>& change,
                 const std::function<void(QStringList& changes)>& finish = nullptr);
+
+/// Prints what has changed in a file, or what would with "--dry-run", as text or JSON.
+void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes);
 
 /// The argument "NUMBER...", which removeRecords() takes.
 Argument numbersArgument();
@@ -65,8 +69,11 @@ std::optional<int> parseNumber(const QString& text);
 /// Reads an argument that is the number of a record. Complains and returns nothing when it is none.
 std::optional<int> recordNumber(const QString& argument);
 
-/// Complains and returns false when the loaded store has no record of this number.
-bool checkPresent(const Store& store, int number);
+/// Whether the loaded store has a record of this number.
+bool hasRecord(const Store& store, int number);
+
+/// What there is to say where it has none.
+QString noSuchRecord(int number);
 
 /**
  * Complains and returns false when the store or its file cannot keep a text that is to be added.

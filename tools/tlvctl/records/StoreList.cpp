@@ -8,6 +8,9 @@
 
 namespace {
 
+/// How many notes stand below a list.
+const int NOTES_MAX = 20;
+
 void writeList(const Store& store, const Document& document,
                const std::function<void(JsonWriter&)>& writeMembers)
 {
@@ -57,10 +60,13 @@ void printRecords(int counted, const QStringList& header, const std::vector<List
         table.addRow(QStringList(numberText(records[i].number) + mark) + cells(i));
     }
     table.print();
+    int noted = 0;
     for (const ListedRecord& record : records) {
-        if (!record.flaws.empty())
+        if (!record.flaws.empty() && ++noted <= NOTES_MAX)
             printLine("* " + recordName(record) + ": " + explanationsOf(record.flaws));
     }
+    if (noted > NOTES_MAX)
+        printLine(QString("* and %1 more, which --json tells").arg(noted - NOTES_MAX));
     for (const QString& remark : remarks)
         printLine(remark);
     printCount(counted, records, "marked");

@@ -3,14 +3,15 @@
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/Table.h"
 #include "tools/tlvctl/commandline/Text.h"
+#include "tools/tlvctl/records/DirectoryLock.h"
 #include "tools/tlvctl/records/StoreChange.h"
 #include "tools/tlvctl/thumbnails/ThumbnailPack.h"
 
+#include <tlvlib/files/TVNG_SafeSave.h>
 #include <tlvlib/thumbs/TVNC_ThumbnailConverter.h>
 #include <tlvlib/xml/TVNC_XMLWriter.h>
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
 
 namespace {
 
@@ -119,15 +120,11 @@ QString writeFile(const PackedPicture& picture, const QString& dir)
 {
     QByteArray base64 = picture.node->getText().toLatin1();
     QString path = dir + picture.name;
-    if (!TVNC_ThumbnailConverter::getInstance()->decode_base64(base64, path))
-        return "cannot be written; check the permissions of the directory";
-    const qint64 written = QFileInfo(path).size();
-    if (written != picture.bytes)
-        return QString("was only written to %1 of its %2 bytes; check the free space (\"df %3\")")
-            .arg(written)
-            .arg(picture.bytes)
-            .arg(printable(dir));
-    return QString();
+    if (TVNC_ThumbnailConverter::getInstance()->decode_base64(base64, path) && TVNG_GetSaveError().isEmpty())
+        return QString();
+    return QString(
+               "cannot be written: %1; check the permissions of the directory and the free space (\"df %2\")")
+        .arg(printable(TVNG_GetSaveError()), printable(dir));
 }
 
 /// Writes all pictures. The lines tell which ones could not be.
@@ -178,6 +175,9 @@ int unpack(const QCommandLineParser& arguments)
                                   "with --force");
         return FAILED;
     }
+    DirectoryLock lock;
+    if (!isDryRun(arguments) && !lock.take(dir.dir()))
+        return FAILED;
     const std::vector<PackedPicture> pictures = picturesOf(*pack);
     if (!checkPictures(file, dir.dir(), pictures, permissions))
         return FAILED;
@@ -259,13 +259,12 @@ QStringList addPictures(TVNC_XMLNode& root, const StoreFile& dir)
     return problems;
 }
 
-/// Writes the pack beside the file first, so that an older one is only lost to a whole one.
 bool save(const StoreFile& file, TVNC_XMLNode& root)
 {
-    QSaveFile out(file.path());
-    if (out.open(QIODevice::WriteOnly) && TVNC_XMLWriter().write(out, &root) && out.commit())
+    QString path = file.path();
+    if (TVNC_XMLWriter().write(path, &root) && TVNG_GetSaveError().isEmpty())
         return file.checkSaved(root);
-    file.complainAboutSaving(printable(out.errorString()));
+    file.complainAboutSaving(printable(TVNG_GetSaveError()));
     return false;
 }
 
@@ -304,7 +303,9 @@ int pack(const QCommandLineParser& arguments)
     const QFileInfo target(pathArgument(arguments, 1));
     const StoreFile file(target.path(), target.fileName());
     const bool isForced = arguments.isSet("force");
-    if (!dir.checkDirectory() || !file.checkDirectory() || !checkReplaceable(file, isForced))
+    DirectoryLock lock;
+    if (!dir.checkDirectory() || !file.checkDirectory() || (!isDryRun(arguments) && !lock.take(file.dir())) ||
+        !checkReplaceable(file, isForced) || !file.checkWritable())
         return FAILED;
 
     Document document;
@@ -316,7 +317,13 @@ int pack(const QCommandLineParser& arguments)
         complain(file.path(), "nothing was written; see to these files, or go on without them with --force");
         return FAILED;
     }
-    if (!isDryRun(arguments) && !save(file, *document.root))
+    if (!isForced && document.root->getXMLNodeChildren().isEmpty() && QFileInfo::exists(file.path())) {
+        complain(dir.dir(),
+                 "holds no pictures; nothing was written, because the pack would be emptied. Name the "
+                 "directory of the pictures, or go on with --force");
+        return FAILED;
+    }
+    if (!isDryRun(arguments) && ((isForced && !file.keepCopy()) || !save(file, *document.root)))
         return FAILED;
     const std::vector<PackedPicture> pictures = picturesOf(document);
     if (arguments.isSet("json"))
