@@ -477,9 +477,9 @@ void tst_tlvctl_exchange::preferencesComeAndGo()
     QCOMPARE(readFile(other + "repostry.xml"), readFile(path("repostry.xml")));
     QCOMPARE(tlvctl({"prefs", "export", "common", other, path("again.json")}).code, 0);
     QCOMPARE(readFile(path("again.json")), readFile(path("out.json")));
-    writeFile(path("part.json"), "{\"common\": {\"proxy.http-port\": 8080, \"cookies.accept\": true}}");
+    writeFile(path("part.json"), "{\"common\": {\"proxy.http-port\": 3128, \"cookies.accept\": true}}");
     QCOMPARE(tlvctl({"prefs", "import", "common", other, path("part.json")}).out,
-             QByteArray("cookies.accept: no -> yes\nproxy.http-port: \"\" -> 8080\n"));
+             QByteArray("cookies.accept: no -> yes\nproxy.http-port: 8080 -> 3128\n"));
 }
 
 void tst_tlvctl_exchange::passwordGoesOnDemand()
