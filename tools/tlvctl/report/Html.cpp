@@ -41,7 +41,7 @@ th { border-top: 0; color: var(--dim); font-weight: 600; }
 .bar { display: grid; grid-template-columns: minmax(6rem, 14rem) 1fr 6rem; gap: .75rem; align-items: center;
   font-size: .9rem; }
 .bar span:last-child { text-align: right; }
-.bar i { display: block; height: .8rem; min-width: 1px; border-radius: .2rem; background: var(--bar);
+.bar i { display: block; height: .8rem; border-radius: .2rem; background: var(--bar);
   -webkit-print-color-adjust: exact; print-color-adjust: exact; }
 svg { display: block; width: 100%; height: auto; }
 svg rect { fill: var(--bar); }
