@@ -71,4 +71,12 @@ QString cookieIniDir(const QString& path);
  */
 std::optional<CookieFile> readCookieIni(const QString& dir);
 
+/**
+ * The cookies of a damaged cookie.ini, each whole, in its order.
+ *
+ * @param lost     how many more the file says it holds, or begins
+ * @param rejected the bytes of those
+ */
+QList<QNetworkCookie> recoverCookies(const QString& dir, int& lost, QByteArray& rejected);
+
 #endif
