@@ -8,6 +8,7 @@
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
+#include <QtCore/QtEndian>
 
 #include <algorithm>
 #include <utility>
@@ -254,4 +255,54 @@ bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool i
                      "lost. Go on with --force")
                  .arg(cookies.remarks.join("; ")));
     return false;
+}
+
+namespace {
+
+const int LENGTH_BYTES = 4;
+
+/// The cookie whose length and form begin here; nothing when it is not one whole cookie.
+std::optional<QNetworkCookie> cookieAt(const QByteArray& stored, int at, int& behind)
+{
+    if (stored.size() - at <= LENGTH_BYTES)
+        return std::nullopt;
+    const quint32 length = qFromBigEndian<quint32>(stored.constData() + at);
+    if (length == 0 || length > static_cast<quint32>(stored.size() - at - LENGTH_BYTES))
+        return std::nullopt;
+    const QByteArray form = stored.mid(at + LENGTH_BYTES, static_cast<int>(length));
+    const QList<QNetworkCookie> cookies = QNetworkCookie::parseCookies(form);
+    const bool isText =
+        std::all_of(form.begin(), form.end(), [](char c) { return c >= ' ' || c == '\t' || c < 0; });
+    if (cookies.size() != 1 || cookies.first().name().isEmpty() || !isText)
+        return std::nullopt;
+    behind = at + LENGTH_BYTES + static_cast<int>(length);
+    return cookies.first();
+}
+
+} // namespace
+
+QList<QNetworkCookie> recoverCookies(const QString& dir, int& lost, QByteArray& rejected)
+{
+    QSettings settings(dir + INI_NAME, QSettings::IniFormat);
+    QByteArray stored = settings.value("Cookie/cookies").toByteArray();
+    for (const QString& key : settings.allKeys()) {
+        if (stored.isEmpty())
+            stored = settings.value(key).toByteArray(); // its name may be what is damaged
+    }
+    QList<QNetworkCookie> cookies;
+    lost = 0;
+    bool isInGap = false;
+    for (int at = LENGTH_BYTES; at < stored.size();) {
+        int behind = at;
+        if (const std::optional<QNetworkCookie> cookie = cookieAt(stored, at, behind)) {
+            cookies.append(*cookie);
+            at = behind;
+            isInGap = false;
+            continue;
+        }
+        lost += isInGap ? 0 : 1;
+        isInGap = true;
+        rejected += stored.at(at++);
+    }
+    return cookies;
 }

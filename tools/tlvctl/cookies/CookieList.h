@@ -81,4 +81,12 @@ std::optional<CookieFile> readCookieIni(const QString& dir);
 /// Complains and returns false when a file with something else than cookies would be replaced.
 bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool isForced);
 
+/**
+ * The cookies of a damaged cookie.ini, each whole, in its order.
+ *
+ * @param lost     how many more the file says it holds, or begins
+ * @param rejected the bytes of those
+ */
+QList<QNetworkCookie> recoverCookies(const QString& dir, int& lost, QByteArray& rejected);
+
 #endif
