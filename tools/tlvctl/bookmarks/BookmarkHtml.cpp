@@ -28,7 +28,7 @@ const int CHUNK_BYTES = 64 << 10;
 const int ATTRIBUTES_MAX = 1000;
 const int DEPTH_MAX = 1000;
 
-const char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
+const QByteArray BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 /**
  * The text of a file in UTF-8. What is UTF-8 is taken as that, whatever the file says of itself; all else by
@@ -36,7 +36,7 @@ const char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
  */
 QByteArray textOf(const QByteArray& bytes)
 {
-    QByteArray utf8 = bytes.startsWith(BYTE_ORDER_MARK) ? bytes.mid(qstrlen(BYTE_ORDER_MARK)) : bytes;
+    QByteArray utf8 = bytes.startsWith(BYTE_ORDER_MARK) ? bytes.mid(BYTE_ORDER_MARK.size()) : bytes;
     if (!utf8Text(utf8))
         utf8 = QTextCodec::codecForHtml(bytes, QTextCodec::codecForName("windows-1252"))
                    ->toUnicode(bytes)

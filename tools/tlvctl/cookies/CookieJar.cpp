@@ -11,8 +11,8 @@
 namespace {
 
 const char HEAD[] = "# Netscape HTTP Cookie File\n\n";
-const char HTTP_ONLY[] = "#HttpOnly_";
-const char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
+const QByteArray HTTP_ONLY = "#HttpOnly_";
+const QByteArray BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 /// The fields of a line. A value that is empty may lack its tab, too.
 enum Field { DOMAIN, SUBDOMAINS, PATH, SECURE, EXPIRES, NAME, VALUE, FIELDS };
@@ -35,7 +35,7 @@ std::optional<QNetworkCookie> readLine(QByteArray line, QString& problem)
     QNetworkCookie cookie;
     cookie.setHttpOnly(line.startsWith(HTTP_ONLY));
     if (cookie.isHttpOnly())
-        line.remove(0, static_cast<int>(qstrlen(HTTP_ONLY)));
+        line.remove(0, HTTP_ONLY.size());
     const QList<QByteArray> fields = line.split('\t');
     if (fields.size() != FIELDS && fields.size() != VALUE) {
         problem = QString("has %1 fields instead of %2").arg(fields.size()).arg(int(FIELDS));
@@ -88,7 +88,7 @@ QByteArray writeJar(const std::vector<QNetworkCookie>& cookies)
                                        expiryOf(cookie),
                                        cookie.name(),
                                        cookie.value()};
-        jar += (cookie.isHttpOnly() ? HTTP_ONLY : "") + fields.join('\t') + '\n';
+        jar += (cookie.isHttpOnly() ? HTTP_ONLY : QByteArray()) + fields.join('\t') + '\n';
     }
     return jar;
 }
@@ -97,8 +97,7 @@ std::vector<QNetworkCookie> readJar(const QByteArray& bytes, QStringList& leftOu
 {
     std::vector<QNetworkCookie> cookies;
     const QList<QByteArray> lines =
-        (bytes.startsWith(BYTE_ORDER_MARK) ? bytes.mid(static_cast<int>(qstrlen(BYTE_ORDER_MARK))) : bytes)
-            .split('\n');
+        (bytes.startsWith(BYTE_ORDER_MARK) ? bytes.mid(BYTE_ORDER_MARK.size()) : bytes).split('\n');
     Progress progress(static_cast<size_t>(lines.size()));
     for (int i = 0; i < lines.size(); ++i) {
         progress.advance();
