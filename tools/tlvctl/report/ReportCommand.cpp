@@ -265,7 +265,7 @@ int report(const QCommandLineParser& arguments)
     const StoreFile place(pathArgument(arguments), "the browser's files");
     if (!place.checkDirectory())
         return FAILED;
-    // Visited pages are nobody else's.
+    // Visited pages are nobody else's business.
     return writeExport(pathArgument(arguments, 1), page(place.dir()).toUtf8(), Readers::OWNER, arguments)
                ? DONE
                : FAILED;
