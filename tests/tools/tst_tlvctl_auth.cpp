@@ -474,7 +474,7 @@ void tst_tlvctl_auth::listNeedsAReadableFile()
 {
     const Run noDirectory = tlvctl({"auth", "list", path("none/")});
     QCOMPARE(noDirectory.code, 1);
-    QVERIFY(complains(noDirectory, path("none"), {"mkdir -p " + path("none")}));
+    QVERIFY(complains(noDirectory, path("none"), {"check the spelling"}));
 
     writeFile(filePath(), threeEntries());
     QFile::setPermissions(filePath(), QFileDevice::Permissions());
@@ -914,7 +914,7 @@ void tst_tlvctl_auth::changesDetectWriteErrors()
         const Run run = tlvctlReading("secret", command);
         QCOMPARE(run.code, 1);
         QCOMPARE(run.out, QByteArray());
-        QVERIFY(complains(run, filePath(), {"saving failed", "permissions"}));
+        QVERIFY(complains(run, filePath(), {"permission denied", "make the file writable"}));
         QVERIFY(keepsSecret(run, THREE_PASSWORDS));
         QCOMPARE(readFile(filePath()), threeEntries());
     }

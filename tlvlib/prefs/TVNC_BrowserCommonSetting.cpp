@@ -5,41 +5,30 @@
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 
 namespace {
-
-/// The words of the choices, in the order of their codes.
-const char REFUSE_ACCEPT[] = "refuse accept";
-const char FALSE_TRUE[] = "false true";
-const char USB_SOFT[] = "usb soft";
-
-/// In bytes of UTF-8.
-const int DOMAIN_MAX_BYTES = 253;
-const int PORT_MAX_BYTES = 5;
-
-/// In bytes before they become base64.
-const int LOGIN_MAX_BYTES = 80;
 
 /// Every preference of the document, in the order in which a new one gets them.
 struct Preferences : public TVNC_PreferenceList
 {
-    TVNC_ChoicePreference acceptCookie{*this, "cookie", "acceptCookie", REFUSE_ACCEPT, 1};
-    TVNC_ChoicePreference enableCache{*this, "cache", "enableCache", FALSE_TRUE, 1};
+    TVNC_ChoicePreference acceptCookie{*this, "cookie", "acceptCookie", TVNG_REFUSE_ACCEPT, 1};
+    TVNC_ChoicePreference enableCache{*this, "cache", "enableCache", TVNG_FALSE_TRUE, 1};
     TVNC_ChoicePreference cacheDeleteTiming{*this, "cache", "cacheDeleteTiming", TVNG_DELETE_TIMINGS, 0};
-    TVNC_ChoicePreference keyBoardPriority{*this, "keyboard", "priority", USB_SOFT, 1};
-    TVNC_ChoicePreference enableJavascript{*this, "javascript", "enableJavascript", FALSE_TRUE, 1};
-    TVNC_ChoicePreference enableFlashPlugin{*this, "plugin", "enableFlashPlugin", FALSE_TRUE, 1};
-    TVNC_ChoicePreference enableProxy{*this, "proxy", "enableProxy", FALSE_TRUE, 0};
-    TVNC_TextPreference hostName{*this, "proxy", "hostName", DOMAIN_MAX_BYTES, ""};
-    TVNC_TextPreference portHTTP{*this, "proxy", "portHTTP", PORT_MAX_BYTES, "8080"};
-    TVNC_TextPreference portHTTPS{*this, "proxy", "portHTTPS", PORT_MAX_BYTES, "8080"};
-    TVNC_ChoicePreference enableHTTP11{*this, "proxy", "enableHTTP11", FALSE_TRUE, 1};
-    TVNC_TextPreference unusedDomain{*this, "proxy", "unusedDomain", DOMAIN_MAX_BYTES, ""};
-    TVNC_ChoicePreference enableProxyAuth{*this, "proxy", "enableProxyAuth", FALSE_TRUE, 0};
-    TVNC_BytesPreference proxyUserName{*this, "proxy", "proxyUserName", LOGIN_MAX_BYTES};
-    TVNC_BytesPreference proxyUserPass{*this, "proxy", "proxyUserPass", LOGIN_MAX_BYTES};
-    TVNC_ChoicePreference enableSSL30{*this, "security", "enableSSL30", FALSE_TRUE, 1};
-    TVNC_ChoicePreference enableTLS10{*this, "security", "enableTLS10", FALSE_TRUE, 1};
+    TVNC_ChoicePreference keyBoardPriority{*this, "keyboard", "priority", TVNG_USB_SOFT, 1};
+    TVNC_ChoicePreference enableJavascript{*this, "javascript", "enableJavascript", TVNG_FALSE_TRUE, 1};
+    TVNC_ChoicePreference enableFlashPlugin{*this, "plugin", "enableFlashPlugin", TVNG_FALSE_TRUE, 1};
+    TVNC_ChoicePreference enableProxy{*this, "proxy", "enableProxy", TVNG_FALSE_TRUE, 0};
+    TVNC_TextPreference hostName{*this, "proxy", "hostName", TVNG_DOMAIN_MAX_BYTES, ""};
+    TVNC_TextPreference portHTTP{*this, "proxy", "portHTTP", TVNG_PORT_MAX_BYTES, "8080"};
+    TVNC_TextPreference portHTTPS{*this, "proxy", "portHTTPS", TVNG_PORT_MAX_BYTES, "8080"};
+    TVNC_ChoicePreference enableHTTP11{*this, "proxy", "enableHTTP11", TVNG_FALSE_TRUE, 1};
+    TVNC_TextPreference unusedDomain{*this, "proxy", "unusedDomain", TVNG_DOMAIN_MAX_BYTES, ""};
+    TVNC_ChoicePreference enableProxyAuth{*this, "proxy", "enableProxyAuth", TVNG_FALSE_TRUE, 0};
+    TVNC_BytesPreference proxyUserName{*this, "proxy", "proxyUserName", TVNG_LOGIN_MAX_BYTES};
+    TVNC_BytesPreference proxyUserPass{*this, "proxy", "proxyUserPass", TVNG_LOGIN_MAX_BYTES};
+    TVNC_ChoicePreference enableSSL30{*this, "security", "enableSSL30", TVNG_FALSE_TRUE, 1};
+    TVNC_ChoicePreference enableTLS10{*this, "security", "enableTLS10", TVNG_FALSE_TRUE, 1};
 };
 
 const Preferences& preferences()

@@ -4,34 +4,28 @@
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 
 namespace {
 
-/// The words of the choices, in the order of their codes.
-const char STARTUPS[] = "homepage lastpage";
-const char ZOOMS[] = "0.5 0.6 0.7 0.8 0.9 1.0 1.1 1.2 1.3 1.4 1.5";
-
-const int ZOOM_FIRST = 1;
 const int ZOOM_DEFAULT = 6;
-
-/// In bytes of UTF-8.
-const int TEXT_MAX_BYTES = 256;
 
 const char BLANK_PAGE[] = "about:blank";
 
 /// Every preference of the document, in the order in which a new one gets them.
 struct Preferences : public TVNC_PreferenceList
 {
-    TVNC_TextPreference home{*this,          "pageInfo", "home",
-                             TEXT_MAX_BYTES, BLANK_PAGE, TVNC_TextPreference::EMPTY_IS_DEFAULT};
-    TVNC_ChoicePreference startup{*this, "pageInfo", "startup", STARTUPS, 0};
-    TVNC_TextPreference lastPageURL{*this,          "pageInfo", "lastPageURL",
-                                    TEXT_MAX_BYTES, BLANK_PAGE, TVNC_TextPreference::EMPTY_IS_DEFAULT};
-    TVNC_ChoicePreference zoom{*this, "pageInfo", "Zoom", ZOOMS, ZOOM_DEFAULT, ZOOM_FIRST};
+    TVNC_TextPreference home{
+        *this, "pageInfo", "home", TVNG_TEXT_MAX_BYTES, BLANK_PAGE, TVNC_TextPreference::EMPTY_IS_DEFAULT};
+    TVNC_ChoicePreference startup{*this, "pageInfo", "startup", TVNG_START_UPS, 0};
+    TVNC_TextPreference lastPageURL{*this,         "pageInfo",
+                                    "lastPageURL", TVNG_TEXT_MAX_BYTES,
+                                    BLANK_PAGE,    TVNC_TextPreference::EMPTY_IS_DEFAULT};
+    TVNC_ChoicePreference zoom{*this, "pageInfo", "Zoom", TVNG_ZOOMS, ZOOM_DEFAULT, TVNG_ZOOM_FIRST};
     TVNC_ChoicePreference cookieDeleteTiming{*this, "cookie", "cookieDeleteTiming", TVNG_DELETE_TIMINGS, 0};
     TVNC_ChoicePreference authInfoDeleteTiming{*this, "authInfo", "authInfoDeleteTiming", TVNG_DELETE_TIMINGS,
                                                0};
-    TVNC_TextPreference fontName{*this, "font", "fontName", TEXT_MAX_BYTES, ""};
+    TVNC_TextPreference fontName{*this, "font", "fontName", TVNG_TEXT_MAX_BYTES, ""};
 };
 
 const Preferences& preferences()

@@ -61,8 +61,6 @@ void TVNC_PreferenceList::complete(TVNC_XMLSetting& setting, const char* pc_root
 
 // --- One of several words ---------------------------------------------------------------------------------
 
-const char TVNG_DELETE_TIMINGS[] = "notDelete logout timeout";
-
 TVNC_ChoicePreference::TVNC_ChoicePreference(QVector<const TVNC_Preference*>& list, const char* pc_group,
                                              const char* pc_leaf, const char* pc_words, int si_default,
                                              int si_firstCode)

@@ -119,9 +119,6 @@ private:
     int si_firstCode_;
 };
 
-/// The words of a choice in both documents: when something is deleted.
-extern const char TVNG_DELETE_TIMINGS[];
-
 /// A preference that is a text of limited length.
 class TVNC_TextPreference : public TVNC_Preference
 {

@@ -7,20 +7,13 @@
 #include "tlvlib/util/TVNG_Base64.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 // No member of a record goes into a log line, neither here nor below.
 
 namespace {
-
-/// In bytes of UTF-8.
-const int HOST_NAME_MAX_BYTES = 256;
-const int PORT_NUM_MAX_BYTES = 5;
-
-/// In bytes before they become base64.
-const int USER_MAX_BYTES = 272;
-const int PASSWD_MAX_BYTES = 272;
 
 /// The names and words in the document.
 struct Names
@@ -34,10 +27,12 @@ struct Names
     QString user = QEXC_TextCodec::fromSJIS("user");
     QString passwd = QEXC_TextCodec::fromSJIS("passwd");
 
-    static const unsigned char AUTH_TYPES = 3;
-    /// The word of each code.
-    QString authTypes[AUTH_TYPES] = {QEXC_TextCodec::fromSJIS("basic"), QEXC_TextCodec::fromSJIS("digest"),
-                                     QEXC_TextCodec::fromSJIS("NTLM")};
+    Names()
+    {
+        for (unsigned char i = 0; i < TVNG_AUTH_TYPE_COUNT; ++i)
+            authTypes[i] = QEXC_TextCodec::fromSJIS(TVNG_AUTH_TYPES[i]);
+    }
+    QString authTypes[TVNG_AUTH_TYPE_COUNT]; ///< the word of each code
 };
 
 Names& names()
@@ -48,13 +43,13 @@ Names& names()
 /// The word of a code; empty for a code that has none.
 QString wordOf(unsigned char uc_authType)
 {
-    return uc_authType < Names::AUTH_TYPES ? names().authTypes[uc_authType] : QString();
+    return uc_authType < TVNG_AUTH_TYPE_COUNT ? names().authTypes[uc_authType] : QString();
 }
 
 /// The code of a word. Words that are none count as "basic".
 unsigned char codeOf(const QString& word)
 {
-    for (unsigned char i = 0; i < Names::AUTH_TYPES; ++i) {
+    for (unsigned char i = 0; i < TVNG_AUTH_TYPE_COUNT; ++i) {
         if (names().authTypes[i] == word)
             return i;
     }
@@ -130,9 +125,9 @@ void TVNC_AuthSetting::saveAuthInfo(QString* dir, int si_saveMax)
 int TVNC_AuthSetting::setAuthInfo(TVNS_AuthInfo* pc_info)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::setAuthInfo]");
-    if (!pc_info || !TVNG_fitsUtf8(pc_info->hostName, HOST_NAME_MAX_BYTES) ||
-        !TVNG_fitsUtf8(pc_info->portNum, PORT_NUM_MAX_BYTES) || pc_info->user.size() > USER_MAX_BYTES ||
-        pc_info->passwd.size() > PASSWD_MAX_BYTES)
+    if (!pc_info || !TVNG_fitsUtf8(pc_info->hostName, TVNG_HOST_NAME_MAX_BYTES) ||
+        !TVNG_fitsUtf8(pc_info->portNum, TVNG_PORT_NUM_MAX_BYTES) ||
+        pc_info->user.size() > TVNG_USER_MAX_BYTES || pc_info->passwd.size() > TVNG_PASSWD_MAX_BYTES)
         return 0;
     addAuthInfo(pc_info);
     return 1;
@@ -178,12 +173,12 @@ int TVNC_AuthSetting::getAuthInfo(int si_index, TVNS_AuthInfo* pc_out)
         return 0;
     // What is missing or too long keeps the caller's value, and the result stays 1: browsers set defaults
     // beforehand.
-    copyText(pc_entry, names().hostName, HOST_NAME_MAX_BYTES, pc_out->hostName);
-    copyText(pc_entry, names().portNum, PORT_NUM_MAX_BYTES, pc_out->portNum);
+    copyText(pc_entry, names().hostName, TVNG_HOST_NAME_MAX_BYTES, pc_out->hostName);
+    copyText(pc_entry, names().portNum, TVNG_PORT_NUM_MAX_BYTES, pc_out->portNum);
     TVNC_XMLNode* pc_authType = pc_entry->getXMLNodeChildByName(names().authType);
     pc_out->authType = pc_authType ? codeOf(pc_authType->getText()) : static_cast<unsigned char>(0);
-    copyBytes(pc_entry, names().user, USER_MAX_BYTES, pc_out->user);
-    copyBytes(pc_entry, names().passwd, PASSWD_MAX_BYTES, pc_out->passwd);
+    copyBytes(pc_entry, names().user, TVNG_USER_MAX_BYTES, pc_out->user);
+    copyBytes(pc_entry, names().passwd, TVNG_PASSWD_MAX_BYTES, pc_out->passwd);
     return 1;
 }
 

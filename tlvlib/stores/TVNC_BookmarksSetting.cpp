@@ -8,6 +8,7 @@
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_digits.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
@@ -15,11 +16,6 @@
 #include <QtCore/QFile>
 
 namespace {
-
-/// In bytes of UTF-8.
-const int TITLE_MAX_BYTES = 100;
-const int URL_MAX_BYTES = 256;
-const int PATH_MAX_BYTES = 256;
 
 /// The name of a picture, and its parts in characters.
 const char THUMBNAIL_NAME[] = "%06d.PNG";
@@ -70,12 +66,12 @@ TVNC_XMLNode* childOf(TVNC_XMLNode* pc_record, char c_which)
 /// The title; none where it is over its limit.
 QString titleOf(TVNC_XMLNode& title)
 {
-    return TVNG_fitsUtf8(title.getText(), TITLE_MAX_BYTES) ? title.getText() : QString();
+    return TVNG_fitsUtf8(title.getText(), TVNG_TITLE_MAX_BYTES) ? title.getText() : QString();
 }
 
 QString urlOf(TVNC_XMLNode& href)
 {
-    return TVNG_fitsUtf8(href.getText(), URL_MAX_BYTES) ? href.getText() : names().aboutBlank;
+    return TVNG_fitsUtf8(href.getText(), TVNG_URL_MAX_BYTES) ? href.getText() : names().aboutBlank;
 }
 
 QString makeThumbFilePath(QString& path, QString& dir)
@@ -187,18 +183,18 @@ int TVNC_BookmarksSetting::getBookmarkCnt()
 bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
 {
     TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::setBookmark]");
-    if (!pc_bookmark || !TVNG_fitsUtf8(pc_bookmark->href, URL_MAX_BYTES) ||
-        !TVNG_fitsUtf8(pc_bookmark->thumbnail, PATH_MAX_BYTES))
+    if (!pc_bookmark || !TVNG_fitsUtf8(pc_bookmark->href, TVNG_URL_MAX_BYTES) ||
+        !TVNG_fitsUtf8(pc_bookmark->thumbnail, TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return false;
     TVNC_XMLNode* pc_record = TVNG_addRecord(*this, names().bookmark, 1);
     if (!pc_record) {
         TVNG_DebugPrint(1, "[TVNC_BookmarksSetting::setBookmark] Failed to new TVNC_XMLNode.");
         return false;
     }
-    const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TITLE_MAX_BYTES);
+    const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TVNG_TITLE_MAX_BYTES);
     TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_record, names().title,
-                  b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TITLE_MAX_BYTES),
+                  b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TVNG_TITLE_MAX_BYTES),
                   TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, TVNG_CHARACTER_DATA);
     TVNG_releaseDetached(pc_record);
@@ -236,7 +232,7 @@ bool TVNC_BookmarksSetting::getBookmarkTitle(int si_id, QString* pc_out)
     if (!pc_title)
         return false;
     // True also when the title is withheld: browsers take false for a bookmark that is gone.
-    if (TVNG_fitsUtf8(pc_title->getText(), TITLE_MAX_BYTES))
+    if (TVNG_fitsUtf8(pc_title->getText(), TVNG_TITLE_MAX_BYTES))
         *pc_out = pc_title->getText();
     return true;
 }
@@ -262,7 +258,7 @@ bool TVNC_BookmarksSetting::getBookmarkURL(int si_id, QString* pc_out)
 
 bool TVNC_BookmarksSetting::setBookmarkURL(int si_id, QString* pc_url)
 {
-    if (!pc_url || !TVNG_fitsUtf8(*pc_url, URL_MAX_BYTES))
+    if (!pc_url || !TVNG_fitsUtf8(*pc_url, TVNG_URL_MAX_BYTES))
         return false;
     TVNC_XMLNode* pc_href = getBookmarkChildNode(si_id, HREF);
     if (!pc_href)
@@ -282,7 +278,7 @@ bool TVNC_BookmarksSetting::getBookmarkThumbnailFilePath(int si_id, QString* pc_
 
 bool TVNC_BookmarksSetting::setBookmarkThumbnailFilePath(int si_id, QString* pc_path)
 {
-    if (!pc_path || !TVNG_fitsUtf8(*pc_path, PATH_MAX_BYTES))
+    if (!pc_path || !TVNG_fitsUtf8(*pc_path, TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return false;
     return setThumbFilePath(getBookmarkChildNode(si_id, THUMBNAIL), *pc_path);
 }
@@ -339,7 +335,7 @@ TVNC_XMLNode* TVNC_BookmarksSetting::getThumbNode(int& si_index)
 
 QString TVNC_BookmarksSetting::getThumbFilePath(TVNC_XMLNode* pc_node)
 {
-    if (!pc_node || !TVNG_fitsUtf8(pc_node->getText(), PATH_MAX_BYTES))
+    if (!pc_node || !TVNG_fitsUtf8(pc_node->getText(), TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return QString();
     return pc_node->getText();
 }

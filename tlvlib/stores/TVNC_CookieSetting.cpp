@@ -7,6 +7,7 @@
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
@@ -15,10 +16,6 @@
 // The document and its conversion from and to cookie.ini. Nothing of a cookie goes into a log line.
 
 namespace {
-
-/// How many entries of a document the conversions look at, and the maximum that they hand to the load and the
-/// save of cookie.ini.
-const int CONVERTED_MAX = 20;
 
 /// The names and words in the document.
 struct Names
@@ -33,7 +30,7 @@ struct Names
     QString contents = QEXC_TextCodec::fromSJIS("contents");
     QString isSecure = QEXC_TextCodec::fromSJIS("true");
     QString isNotSecure = QEXC_TextCodec::fromSJIS("false");
-    QString expiresFormat = QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm:ss");
+    QString expiresFormat = QEXC_TextCodec::fromSJIS(TVNG_EXPIRES_FORMAT);
 };
 
 Names& names()
@@ -154,9 +151,9 @@ void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir
     load(xmlPath);
     const QList<TVNS_CookieInfo> infos = getAllCookieInfo();
     QList<QNetworkCookie> cookies;
-    for (int i = 0; i < infos.size() && i < CONVERTED_MAX; ++i)
+    for (int i = 0; i < infos.size() && i < TVNG_CONVERTED_MAX; ++i)
         cookies.append(cookieOf(infos.at(i)));
-    saveCookieInfo(cookies, &iniDir, CONVERTED_MAX);
+    saveCookieInfo(cookies, &iniDir, TVNG_CONVERTED_MAX);
     deleteAllSetting();
 }
 
@@ -168,12 +165,12 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
     }
     QString iniDir = TVNG_fromCString(pc_iniDir);
     QString xmlPath = TVNG_fromCString(pc_xmlPath);
-    QList<QNetworkCookie> cookies = loadCookieInfo(&iniDir, CONVERTED_MAX);
+    QList<QNetworkCookie> cookies = loadCookieInfo(&iniDir, TVNG_CONVERTED_MAX);
     load(xmlPath);
     QList<TVNS_CookieInfo> infos = getAllCookieInfo();
 
     // Each entry counts for one cookie only: of two equal cookies with one entry, the second is new.
-    const int si_infos = qMin(static_cast<int>(infos.size()), CONVERTED_MAX);
+    const int si_infos = qMin(static_cast<int>(infos.size()), TVNG_CONVERTED_MAX);
     QVector<bool> isMatched(si_infos, false);
     QVector<bool> isNew(static_cast<int>(cookies.size()), true);
     for (int i = 0; i < cookies.size(); ++i) {

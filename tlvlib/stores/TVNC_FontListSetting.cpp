@@ -5,13 +5,11 @@
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 namespace {
-
-/// Longer names are stored but never handed out. In bytes of UTF-8.
-const int FONT_NAME_MAX = 256;
 
 /// The names in the document.
 struct Names
@@ -75,7 +73,7 @@ QString TVNC_FontListSetting::getFont(int si_index)
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::getFont]");
     TVNC_XMLNode* pc_font = TVNG_recordByNumber(*this, si_index);
     // Any numbered element is a font here, whatever its name; only getCount() looks at names.
-    if (!pc_font || !TVNG_fitsUtf8(pc_font->getText(), FONT_NAME_MAX))
+    if (!pc_font || !TVNG_fitsUtf8(pc_font->getText(), TVNG_FONT_NAME_MAX_BYTES))
         return QString();
     return pc_font->getText();
 }

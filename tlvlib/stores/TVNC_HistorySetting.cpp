@@ -6,6 +6,7 @@
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_limits.h"
 #include "tlvlib/util/TVNG_quickSort.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
@@ -24,7 +25,7 @@ struct Names
     QString title = QEXC_TextCodec::fromSJIS("title");
     QString url = QEXC_TextCodec::fromSJIS("url");
     QString dateTime = QEXC_TextCodec::fromSJIS("dateTime");
-    QString dateTimeFormat = QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm");
+    QString dateTimeFormat = QEXC_TextCodec::fromSJIS(TVNG_DATE_TIME_FORMAT);
 };
 
 Names& names()

@@ -3,7 +3,8 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl auth": the credentials for servers.
-Command authCommands();
+Command authListCommand();
+Command authAddCommand();
+Command authRemoveCommand();
 
 #endif

@@ -1,62 +1,21 @@
 #include "tools/tlvctl/auth/AuthList.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
-#include <QtCore/QSet>
-
-#include <utility>
-
 namespace {
-
-const char* const TYPE_NAMES[] = {"basic", "digest", "NTLM"};
-const unsigned char TYPE_COUNT = 3;
-
-/// The text of an element; nothing where there is no such element.
-std::optional<QString> textOf(TVNC_XMLNode& record, const char* element)
-{
-    QString name = element;
-    TVNC_XMLNode* const child = record.getXMLNodeChildByName(name);
-    return child ? std::optional<QString>(child->getText()) : std::nullopt;
-}
-
-QByteArray bytesOf(const QString& text)
-{
-    return QByteArray::fromBase64(text.toUtf8());
-}
-
-Flaw missing(const char* element)
-{
-    return {"elementMissing", QString("no element \"%1\"").arg(element)};
-}
-
-/// A host name or a port.
-void readText(TVNC_XMLNode& record, const char* element, int maxBytes, const char* tooLong, QString& value,
-              std::vector<Flaw>& flaws)
-{
-    const std::optional<QString> text = textOf(record, element);
-    if (!text)
-        flaws.push_back(missing(element));
-    else if (utf8Size(*text) > maxBytes)
-        flaws.push_back({tooLong, QString("\"%1\" of %2 bytes, over %3: the store does not answer it")
-                                      .arg(element)
-                                      .arg(utf8Size(*text))
-                                      .arg(maxBytes)});
-    else
-        value = *text;
-}
 
 void readType(TVNC_XMLNode& record, unsigned char& value, std::vector<Flaw>& flaws)
 {
     value = 0;
     const std::optional<QString> word = textOf(record, "authType");
     if (!word) {
-        flaws.push_back(missing("authType"));
+        flaws.push_back(missingElement("authType"));
         return;
     }
-    for (unsigned char type = 0; type < TYPE_COUNT; ++type) {
-        if (*word == TYPE_NAMES[type]) {
+    for (unsigned char type = 0; type < TVNG_AUTH_TYPE_COUNT; ++type) {
+        if (*word == TVNG_AUTH_TYPES[type]) {
             value = type;
             return;
         }
@@ -72,10 +31,10 @@ void readBytes(TVNC_XMLNode& record, const char* element, int maxBytes, const ch
 {
     const std::optional<QString> text = textOf(record, element);
     if (!text) {
-        flaws.push_back(missing(element));
+        flaws.push_back(missingElement(element));
         return;
     }
-    const QByteArray bytes = bytesOf(*text);
+    const QByteArray bytes = QByteArray::fromBase64(text->toUtf8());
     if (bytes.size() > maxBytes)
         flaws.push_back(
             {tooLong,
@@ -87,33 +46,37 @@ void readBytes(TVNC_XMLNode& record, const char* element, int maxBytes, const ch
             {notBase64, QString("\"%1\" is not all base64: the store reads what is").arg(element)});
 }
 
-AuthRecord readRecord(TVNC_XMLNode& node)
+/// A host name or a port.
+QString readText(TVNC_XMLNode& record, const char* element, int maxBytes, const char* tooLong,
+                 std::vector<Flaw>& flaws)
 {
-    AuthRecord record;
-    if (node.getName() != "authInfo")
-        record.flaws.push_back(
-            {"notNamedAuthInfo", QString("element %1 instead of \"authInfo\": answered, but not counted")
-                                     .arg(quoted(node.getName()))});
-    readText(node, "hostName", AuthList::HOST_MAX_BYTES, "hostTooLong", record.info.hostName, record.flaws);
-    readText(node, "portNum", AuthList::PORT_MAX_BYTES, "portTooLong", record.info.portNum, record.flaws);
-    readType(node, record.info.authType, record.flaws);
-    readBytes(node, "user", AuthList::USER_MAX_BYTES, "userTooLong", "userNotBase64", record.info.user,
-              record.flaws);
-    readBytes(node, "passwd", AuthList::PASSWORD_MAX_BYTES, "passwordTooLong", "passwordNotBase64",
-              record.info.passwd, record.flaws);
-    return record;
+    const QString explanation =
+        QString("\"%1\" of %2 bytes, over %3: the store does not answer it").arg(element, "%1", "%2");
+    return answeredText(record, element, maxBytes, {tooLong, explanation}, QString(), flaws);
+}
+
+void readRecord(TVNC_XMLNode& node, AuthRecord& record)
+{
+    std::vector<Flaw>& flaws = record.flaws;
+    TVNS_AuthInfo& info = record.info;
+    checkName(node, "authInfo", {"notNamedAuthInfo", ": answered, but not counted"}, flaws);
+    info.hostName = readText(node, "hostName", TVNG_HOST_NAME_MAX_BYTES, "hostTooLong", flaws);
+    info.portNum = readText(node, "portNum", TVNG_PORT_NUM_MAX_BYTES, "portTooLong", flaws);
+    readType(node, info.authType, flaws);
+    readBytes(node, "user", TVNG_USER_MAX_BYTES, "userTooLong", "userNotBase64", info.user, flaws);
+    readBytes(node, "passwd", TVNG_PASSWD_MAX_BYTES, "passwordTooLong", "passwordNotBase64", info.passwd,
+              flaws);
 }
 
 } // namespace
 
 AuthList::AuthList(const QString& dir, int maximum)
-    : Store(dir, "authinfo.xml"), store_(*TVNC_AuthSetting::getInstance()), maximum_(maximum)
+    : StoreOf(dir, "authinfo.xml", {"authentication", "authInfo"}), maximum_(maximum)
 {
 }
 
-void AuthList::load()
+void AuthList::loadSetting()
 {
-    renumbered_ = countRenumbered(readDocument(file().path()).root.get());
     QString dir = file().dir();
     store_.loadAuthInfo(&dir, maximum_);
 }
@@ -124,29 +87,9 @@ void AuthList::save()
     store_.saveAuthInfo(&dir, maximum_);
 }
 
-TVNC_XMLNode& AuthList::root() const
-{
-    return *store_.getXMLRootNode();
-}
-
-int AuthList::count() const
-{
-    return store_.getAuthInfoCnt();
-}
-
 std::vector<AuthRecord> AuthList::records() const
 {
-    std::vector<AuthRecord> records;
-    QSet<int> taken;
-    for (TVNC_XMLNode* node : std::as_const(root().getXMLNodeChildren())) {
-        AuthRecord record = readRecord(*node);
-        record.number = numberOf(*node, taken);
-        record.filePosition = static_cast<int>(records.size());
-        if (!record.number)
-            record.flaws.insert(record.flaws.begin(), {"noNumber", "has no number: cannot be asked for"});
-        records.push_back(record);
-    }
-    return records;
+    return readRecords<AuthRecord>(root(), readRecord);
 }
 
 TVNS_AuthInfo AuthList::entry(int number) const
@@ -154,11 +97,6 @@ TVNS_AuthInfo AuthList::entry(int number) const
     TVNS_AuthInfo info;
     store_.getAuthInfo(number, &info);
     return info;
-}
-
-void AuthList::remove(int number)
-{
-    store_.deleteAuthInfo(number);
 }
 
 bool AuthList::add(TVNS_AuthInfo info, QStringList& changes)
@@ -177,13 +115,13 @@ bool AuthList::add(TVNS_AuthInfo info, QStringList& changes)
 
 QString AuthList::typeName(unsigned char type)
 {
-    return type < TYPE_COUNT ? TYPE_NAMES[type] : QString();
+    return type < TVNG_AUTH_TYPE_COUNT ? TVNG_AUTH_TYPES[type] : QString();
 }
 
 std::optional<unsigned char> AuthList::typeOf(const QString& word)
 {
-    for (unsigned char type = 0; type < TYPE_COUNT; ++type) {
-        if (word.compare(TYPE_NAMES[type], Qt::CaseInsensitive) == 0)
+    for (unsigned char type = 0; type < TVNG_AUTH_TYPE_COUNT; ++type) {
+        if (word.compare(TVNG_AUTH_TYPES[type], Qt::CaseInsensitive) == 0)
             return type;
     }
     return std::nullopt;

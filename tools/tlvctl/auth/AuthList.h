@@ -5,9 +5,6 @@
 
 #include <tlvlib/stores/TVNC_AuthSetting.h>
 
-#include <QtCore/QByteArray>
-#include <QtCore/QString>
-
 #include <optional>
 #include <vector>
 
@@ -18,36 +15,25 @@ struct AuthRecord : ListedRecord
 };
 
 /// The credentials of a settings directory.
-class AuthList : public Store
+class AuthList : public StoreOf<TVNC_AuthSetting>
 {
 public:
-    /// What the store takes and hands out, in bytes, those of texts as UTF-8.
-    static const int HOST_MAX_BYTES = 256;
-    static const int PORT_MAX_BYTES = 5;
-    static const int USER_MAX_BYTES = 272;
-    static const int PASSWORD_MAX_BYTES = 272;
-
     /**
      * @param dir     the settings directory, with or without a "/" at its end
      * @param maximum how many entries the store is to keep
      */
     AuthList(const QString& dir, int maximum);
 
-    void load() override;
     void save() override;
-    TVNC_XMLNode& root() const override;
-    int count() const override;
+    int count() const override { return store_.getAuthInfoCnt(); }
 
     /// All records, in the order of the document.
     std::vector<AuthRecord> records() const;
 
-    /// How many records have another number now than in the file.
-    int renumbered() const { return renumbered_; }
-
     /// An entry that the store has.
     TVNS_AuthInfo entry(int number) const;
 
-    void remove(int number);
+    void remove(int number) { store_.deleteAuthInfo(number); }
 
     /**
      * Adds an entry in front as a browser does: when the store is full, its oldest entry goes. Appends lines
@@ -66,10 +52,11 @@ public:
     /// The line that shows an entry, without its password.
     static QString line(const TVNS_AuthInfo& info);
 
+protected:
+    void loadSetting() override;
+
 private:
-    TVNC_AuthSetting& store_;
     int maximum_;
-    int renumbered_ = 0;
 };
 
 #endif

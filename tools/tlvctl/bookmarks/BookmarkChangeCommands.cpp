@@ -1,15 +1,13 @@
-#include "tools/tlvctl/bookmarks/BookmarkChangeCommands.h"
+#include "tools/tlvctl/bookmarks/BookmarkCommands.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/bookmarks/BookmarkList.h"
-#include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/bookmarks/Pictures.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSet>
-#include <QtGui/QImageReader>
 
 namespace {
 
@@ -19,16 +17,10 @@ const QString IMAGE = "image";
 const QString IMAGE_SIZE = "image-size";
 const QString KEEP_IMAGE = "keep-image";
 
-bool refuse(const BookmarkList& list, const QString& problem)
-{
-    complain(list.file().path(), QString("nothing was changed: %1").arg(problem));
-    return false;
-}
-
 bool checkUrl(const BookmarkList& list, const QString& url)
 {
-    const QString problem = url.isEmpty() ? "is empty" : problemWithText(url, BookmarkList::URL_MAX_BYTES);
-    return problem.isEmpty() || refuse(list, QString("the address %1 %2").arg(quoted(url), problem));
+    const QString problem = problemWithName(url, TVNG_URL_MAX_BYTES);
+    return problem.isEmpty() || list.refuse(QString("the address %1 %2").arg(quoted(url), problem));
 }
 
 /// Cuts a title where that is asked for. Complains and returns false when it cannot be kept.
@@ -36,29 +28,28 @@ bool readTitle(const BookmarkList& list, const QCommandLineParser& arguments, QS
 {
     if (arguments.isSet(CLIP))
         title = list.clipped(title);
-    const QString problem = problemWithText(title, BookmarkList::TITLE_MAX_BYTES);
+    const QString problem = problemWithText(title, TVNG_TITLE_MAX_BYTES);
     if (problem.isEmpty())
         return true;
-    const bool isTooLong = utf8Size(title) > BookmarkList::TITLE_MAX_BYTES;
-    return refuse(
-        list,
+    const bool isTooLong = utf8Size(title) > TVNG_TITLE_MAX_BYTES;
+    return list.refuse(
         QString("the title %1 %2%3").arg(quoted(title), problem, isTooLong ? "; --clip cuts it" : QString()));
 }
 
 /// Reads a picture and scales it to a thumbnail. Complains and returns nothing when that fails.
 std::optional<QImage> readImage(const QString& path, const QSize& largest)
 {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    QSize size = reader.size();
-    const bool isTooLarge = size.width() > largest.width() || size.height() > largest.height();
-    if (size.isValid() && isTooLarge)
-        reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    const QImage image = reader.read();
+    QString problem = problemWithPlace(path);
+    if (!problem.isEmpty()) {
+        complain(path, QString("nothing was changed: %1; name a picture file").arg(problem));
+        return std::nullopt;
+    }
+    QFile file(path);
+    const QImage image = readPicture(file, largest, problem);
     if (!image.isNull())
         return image;
     complain(path, QString("nothing was changed: this cannot be read as a picture: %1; name a picture file")
-                       .arg(printable(reader.errorString())));
+                       .arg(printable(problem)));
     return std::nullopt;
 }
 
@@ -73,58 +64,22 @@ std::optional<QSize> imageSize(const QCommandLineParser& arguments)
     return std::nullopt;
 }
 
-/// Writes the picture for a bookmark. When what follows fails, the picture goes again.
-class NewPicture
-{
-public:
-    NewPicture(const BookmarkList& list, const QCommandLineParser& arguments)
-        : list_(list), isDryRun_(isDryRun(arguments))
-    {
-    }
-
-    ~NewPicture()
-    {
-        if (isWritten_ && !isKept_)
-            QFile::remove(path_);
-    }
-
-    NewPicture(const NewPicture&) = delete;
-    NewPicture& operator=(const NewPicture&) = delete;
-
-    /// Complains and returns false when that fails.
-    bool write(const QImage& image)
-    {
-        path_ = list_.nextPicture();
-        isWritten_ = !isDryRun_ && list_.writePicture(image);
-        return isWritten_ || isDryRun_;
-    }
-
-    QString path() const { return path_; }
-    void keep() { isKept_ = true; }
-
-private:
-    const BookmarkList& list_;
-    bool isDryRun_;
-    QString path_;
-    bool isWritten_ = false;
-    bool isKept_ = false;
-};
-
 QString pictureLine(const char* verb, const QString& path)
 {
     return changeLine(verb, "   ", printable(path));
 }
 
-/// Deletes a picture that no bookmark shows any more.
-void deletePicture(const BookmarkList& list, const QString& path, bool isDryRun, QStringList& changes)
+/// Deletes a picture that no bookmark shows any more. False when that fails.
+bool deletePicture(const BookmarkList& list, const QString& path, bool isDryRun, QStringList& changes)
 {
     if (!path.startsWith(list.thumbnailDir()) || list.users(path) > 0 || !QFile::exists(path))
-        return;
+        return true;
     if (!isDryRun && !QFile::remove(path)) {
         changes.append(pictureLine("kept", path) + " (cannot be removed)");
-        return;
+        return false;
     }
     changes.append(pictureLine("removed", path));
+    return true;
 }
 
 // --- add --------------------------------------------------------------------------------------------------
@@ -145,15 +100,13 @@ int addBookmark(const QCommandLineParser& arguments)
             return FAILED;
         image = *read;
     }
-    NewPicture picture(list, arguments);
+    NewPictures picture(list, isDryRun(arguments));
     const auto add = [&](QStringList& changes) {
         if (!image.isNull() && !picture.write(image))
             return Outcome::REFUSED;
-        bookmark.thumbnail = picture.path();
-        if (!list.add(bookmark)) {
-            refuse(list, "the store refuses the bookmark");
-            return Outcome::REFUSED;
-        }
+        bookmark.thumbnail = picture.last();
+        if (!list.add(bookmark))
+            return refused(list, "the store refuses the bookmark");
         changes.append(changeLine("added", numberText(0), BookmarkList::line(bookmark)));
         if (!bookmark.thumbnail.isEmpty())
             changes.append(pictureLine("added", bookmark.thumbnail));
@@ -174,17 +127,15 @@ int renameBookmark(const QCommandLineParser& arguments)
     if (!list.checkSavable() || !readTitle(list, arguments, title))
         return FAILED;
     return changeStore(list, arguments, [&](QStringList& changes) {
-        if (!checkPresent(list, *number))
-            return Outcome::REFUSED;
+        if (!hasRecord(list, *number))
+            return refused(list, noSuchRecord(*number));
         BookmarkRecord record = list.record(*number);
         if (list.storedTitle(*number) == title) {
             changes.append(changeLine("as is", numberText(*number), BookmarkList::line(record.bookmark)));
             return Outcome::UNCHANGED;
         }
-        if (!list.rename(*number, title)) {
-            refuse(list, QString("bookmark %1 has no title to change").arg(numberText(*number)));
-            return Outcome::REFUSED;
-        }
+        if (!list.rename(*number, title))
+            return refused(list, QString("bookmark %1 has no title to change").arg(numberText(*number)));
         record.bookmark.title = title;
         changes.append(changeLine("renamed", numberText(*number), BookmarkList::line(record.bookmark)));
         return Outcome::CHANGED;
@@ -199,6 +150,7 @@ int removeBookmarks(const QCommandLineParser& arguments)
     if (!list.checkSavable())
         return FAILED;
     QStringList pictures;
+    bool isDone = true;
     const auto describe = [&](int number) {
         const TVNS_Bookmark bookmark = list.record(number).bookmark;
         pictures.append(bookmark.thumbnail);
@@ -208,11 +160,12 @@ int removeBookmarks(const QCommandLineParser& arguments)
         pictures.removeDuplicates();
         for (const QString& picture : pictures) {
             if (!arguments.isSet(KEEP_IMAGE))
-                deletePicture(list, picture, isDryRun(arguments), changes);
+                isDone = deletePicture(list, picture, isDryRun(arguments), changes) && isDone;
         }
     };
-    return removeRecords(
+    const int exitCode = removeRecords(
         list, arguments, describe, [&list](int number) { list.remove(number); }, deletePictures);
+    return exitCode == DONE && !isDone ? FAILED : exitCode;
 }
 
 // --- thumbnail --------------------------------------------------------------------------------------------
@@ -229,22 +182,21 @@ int setThumbnail(const QCommandLineParser& arguments)
     const std::optional<QImage> image = readImage(arguments.positionalArguments().at(2), *largest);
     if (!image)
         return FAILED;
-    NewPicture picture(list, arguments);
+    NewPictures picture(list, isDryRun(arguments));
     QString earlier;
     const auto set = [&](QStringList& changes) {
-        if (!checkPresent(list, *number))
-            return Outcome::REFUSED;
+        if (!hasRecord(list, *number))
+            return refused(list, noSuchRecord(*number));
         const BookmarkRecord record = list.record(*number);
         earlier = record.bookmark.thumbnail;
         if (!picture.write(*image))
             return Outcome::REFUSED;
-        if (!list.setThumbnail(*number, picture.path())) {
-            refuse(list, QString("bookmark %1 has no element \"thumbnail\"; remove it and add it again")
-                             .arg(numberText(*number)));
-            return Outcome::REFUSED;
-        }
+        if (!list.setThumbnail(*number, picture.last()))
+            return refused(list,
+                           QString("bookmark %1 has no element \"thumbnail\"; remove it and add it again")
+                               .arg(numberText(*number)));
         changes.append(changeLine("changed", numberText(*number), BookmarkList::line(record.bookmark)));
-        changes.append(pictureLine("added", picture.path()));
+        changes.append(pictureLine("added", picture.last()));
         return Outcome::CHANGED;
     };
     return changeStore(list, arguments, set, [&](QStringList& changes) {
@@ -260,7 +212,7 @@ QCommandLineOption imageSizeOption()
 
 QCommandLineOption clipOption()
 {
-    return {CLIP, QString("Cut a title of more than %1 bytes of UTF-8.").arg(BookmarkList::TITLE_MAX_BYTES)};
+    return {CLIP, QString("Cut a title of more than %1 bytes of UTF-8.").arg(TVNG_TITLE_MAX_BYTES)};
 }
 
 const char* const NUMBER_DESCRIPTION = "The number of a bookmark, as \"tlvctl bookmarks list\" shows it.";
@@ -269,67 +221,52 @@ const char* const NUMBER_DESCRIPTION = "The number of a bookmark, as \"tlvctl bo
 
 Command bookmarkAddCommand()
 {
-    Command command;
-    command.name = "add";
-    command.summary = "Add a bookmark in front.";
+    Command command("add", "Add a bookmark in front.", addBookmark);
     command.details = "The new bookmark gets number 000. Its picture is written into the directory\n"
                       "\"thumbnail\" beside the file, under the next number.";
     command.examples = {"tlvctl bookmarks add /data/settings http://example.com/ --title Example",
                         "tlvctl bookmarks add /data/settings http://example.com/ --image page.jpg"};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"URL", "The page's address, at most 256 bytes of UTF-8."}};
-    command.options = {{TITLE, "The page's title, at most 100 bytes of UTF-8.", "T"},
-                       clipOption(),
-                       {IMAGE, "A picture for the bookmark, in any format that Qt reads.", "FILE"},
-                       imageSizeOption()};
-    command.options += changeOptions("bookmark.xml");
-    command.run = addBookmark;
+    command.options = changeOptions(
+        "bookmark.xml", {{TITLE, "The page's title, at most 100 bytes of UTF-8.", "T"},
+                         clipOption(),
+                         {IMAGE, "A picture for the bookmark, in any format that Qt reads.", "FILE"},
+                         imageSizeOption()});
     return command;
 }
 
 Command bookmarkRenameCommand()
 {
-    Command command;
-    command.name = "rename";
-    command.summary = "Give a bookmark another title.";
+    Command command("rename", "Give a bookmark another title.", renameBookmark);
     command.examples = {"tlvctl bookmarks rename /data/settings 003 \"A better title\""};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"NUMBER", NUMBER_DESCRIPTION},
                          {"TITLE", "The title, at most 100 bytes of UTF-8."}};
-    command.options = {clipOption()};
-    command.options += changeOptions("bookmark.xml");
-    command.run = renameBookmark;
+    command.options = changeOptions("bookmark.xml", {clipOption()});
     return command;
 }
 
 Command bookmarkRemoveCommand()
 {
-    Command command;
-    command.name = "remove";
-    command.summary = "Remove bookmarks and their pictures.";
+    Command command("remove", "Remove bookmarks and their pictures.", removeBookmarks);
     command.details = "The numbers are those that \"tlvctl bookmarks list\" shows. Nothing is removed when\n"
                       "one of them is absent. A picture that another bookmark shows stays.";
     command.examples = {"tlvctl bookmarks remove /data/settings 003 007"};
     command.arguments = {directoryArgument("bookmark.xml"), numbersArgument()};
-    command.options = {{KEEP_IMAGE, "Keep the pictures."}};
-    command.options += changeOptions("bookmark.xml");
-    command.run = removeBookmarks;
+    command.options = changeOptions("bookmark.xml", {{KEEP_IMAGE, "Keep the pictures."}});
     return command;
 }
 
 Command bookmarkThumbnailCommand()
 {
-    Command command;
-    command.name = "thumbnail";
-    command.summary = "Give a bookmark another picture.";
+    Command command("thumbnail", "Give a bookmark another picture.", setThumbnail);
     command.details = "The picture is written under the next number. The earlier one is removed, unless\n"
                       "another bookmark shows it.";
     command.examples = {"tlvctl bookmarks thumbnail /data/settings 003 page.png"};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"NUMBER", NUMBER_DESCRIPTION},
                          {"FILE", "A picture, in any format that Qt reads."}};
-    command.options = {imageSizeOption()};
-    command.options += changeOptions("bookmark.xml");
-    command.run = setThumbnail;
+    command.options = changeOptions("bookmark.xml", {imageSizeOption()});
     return command;
 }

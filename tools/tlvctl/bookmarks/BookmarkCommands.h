@@ -3,7 +3,13 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl bookmarks": the user's bookmarks.
-Command bookmarkCommands();
+Command bookmarkListCommand();
+Command bookmarkShowCommand();
+Command bookmarkAddCommand();
+Command bookmarkRenameCommand();
+Command bookmarkRemoveCommand();
+Command bookmarkThumbnailCommand();
+Command bookmarkExportCommand();
+Command bookmarkImportCommand();
 
 #endif

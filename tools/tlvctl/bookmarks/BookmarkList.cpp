@@ -1,8 +1,8 @@
 #include "tools/tlvctl/bookmarks/BookmarkList.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -11,45 +11,15 @@
 
 namespace {
 
-/// The element of a record; null where there is none.
-TVNC_XMLNode* childOf(TVNC_XMLNode& record, const char* element)
-{
-    QString name = element;
-    return record.getXMLNodeChildByName(name);
-}
-
 QString pictureName(int number)
 {
     return QString("%1.PNG").arg(number, 6, 10, QLatin1Char('0'));
 }
 
-Flaw missing(const char* element)
-{
-    return {"elementMissing", QString("no element \"%1\"").arg(element)};
-}
-
-/// What the store answers for a text, unless it is longer than its limit.
-QString answeredText(TVNC_XMLNode& record, const char* element, int maxBytes, const Flaw& tooLong,
-                     const QString& otherwise, std::vector<Flaw>& flaws)
-{
-    TVNC_XMLNode* const child = childOf(record, element);
-    if (!child) {
-        flaws.push_back(missing(element));
-        return QString();
-    }
-    const qint64 bytes = utf8Size(child->getText());
-    if (bytes <= maxBytes)
-        return child->getText();
-    flaws.push_back({tooLong.name, tooLong.explanation.arg(bytes).arg(maxBytes)});
-    return otherwise;
-}
-
 } // namespace
 
-BookmarkList::BookmarkList(const QString& dir)
-    : Store(dir, "bookmark.xml"), store_(*TVNC_BookmarksSetting::getInstance())
-{
-}
+const int BookmarkList::DIR_MAX_BYTES =
+    TVNG_THUMBNAIL_PATH_MAX_BYTES - static_cast<int>(utf8Size("thumbnail/" + pictureName(0)));
 
 bool BookmarkList::checkSavable() const
 {
@@ -65,9 +35,8 @@ bool BookmarkList::checkSavable() const
     return false;
 }
 
-void BookmarkList::load()
+void BookmarkList::loadSetting()
 {
-    renumbered_ = countRenumbered(readDocument(file().path()).root.get());
     QString dir = file().dir();
     store_.loadBookmark(&dir, NUMBERED_MAX, lastNumber_);
     emptyNamelessPaths();
@@ -102,70 +71,49 @@ bool BookmarkList::checkSaved()
     return isSaved;
 }
 
-TVNC_XMLNode& BookmarkList::root() const
-{
-    return *store_.getXMLRootNode();
-}
-
-int BookmarkList::count() const
-{
-    return store_.getBookmarkCnt();
-}
-
 /// What the record holds by itself.
-BookmarkRecord BookmarkList::read(TVNC_XMLNode& node) const
+void BookmarkList::read(TVNC_XMLNode& node, BookmarkRecord& record) const
 {
-    BookmarkRecord record;
-    if (node.getName() != "bookmark")
-        record.flaws.push_back(
-            {"notNamedBookmark", QString("element %1 instead of \"bookmark\": answered, but not counted")
-                                     .arg(quoted(node.getName()))});
-    record.bookmark.title =
-        answeredText(node, "title", TITLE_MAX_BYTES,
+    checkName(node, "bookmark", {"notNamedBookmark", ": answered, but not counted"}, record.flaws);
+    TVNS_Bookmark& bookmark = record.bookmark;
+    bookmark.title =
+        answeredText(node, "title", TVNG_TITLE_MAX_BYTES,
                      {"titleTooLong", "title of %1 bytes, over %2: the store does not answer it"}, QString(),
                      record.flaws);
-    record.bookmark.href =
-        answeredText(node, "href", URL_MAX_BYTES,
+    bookmark.href =
+        answeredText(node, "href", TVNG_URL_MAX_BYTES,
                      {"addressTooLong", "address of %1 bytes, over %2: the store answers \"about:blank\""},
                      "about:blank", record.flaws);
     TVNC_XMLNode* const thumbnail = childOf(node, "thumbnail");
     if (!thumbnail)
-        record.flaws.push_back(missing("thumbnail"));
-    record.bookmark.thumbnail = store_.getThumbFilePath(thumbnail);
-    record.hasPicture = !record.bookmark.thumbnail.isEmpty() && QFileInfo(record.bookmark.thumbnail).isFile();
-    if (!record.bookmark.thumbnail.isEmpty() && !record.hasPicture)
+        record.flaws.push_back(missingElement("thumbnail"));
+    bookmark.thumbnail = store_.getThumbFilePath(thumbnail);
+    record.hasPicture = !bookmark.thumbnail.isEmpty() && QFileInfo(bookmark.thumbnail).isFile();
+    if (!bookmark.thumbnail.isEmpty() && !record.hasPicture)
         record.flaws.push_back(
-            {"pictureMissing", QString("there is no picture %1").arg(printable(record.bookmark.thumbnail))});
-    return record;
+            {"pictureMissing", QString("there is no picture %1").arg(printable(bookmark.thumbnail))});
 }
 
 std::vector<BookmarkRecord> BookmarkList::records() const
 {
-    std::vector<BookmarkRecord> records;
-    QSet<int> taken;
     bool isWalkOver = false;
-    for (TVNC_XMLNode* node : std::as_const(root().getXMLNodeChildren())) {
-        BookmarkRecord record = read(*node);
-        record.filePosition = static_cast<int>(records.size());
-        record.number = numberOf(*node, taken);
-        if (!record.number)
-            record.flaws.insert(record.flaws.begin(), {"noNumber", "has no number: cannot be asked for"});
-        const bool isBookmark = node->getName() == "bookmark";
+    return readRecords<BookmarkRecord>(root(), [&](TVNC_XMLNode& node, BookmarkRecord& record) {
+        read(node, record);
+        const bool isBookmark = node.getName() == "bookmark";
         if (isWalkOver && isBookmark)
             record.flaws.push_back({"pathAsInFile",
                                     "behind a bookmark without \"thumbnail\": its picture's name is "
                                     "not made a path"});
-        isWalkOver = isWalkOver || (isBookmark && !childOf(*node, "thumbnail"));
-        records.push_back(record);
-    }
-    return records;
+        isWalkOver = isWalkOver || (isBookmark && !childOf(node, "thumbnail"));
+    });
 }
 
 BookmarkRecord BookmarkList::record(int number) const
 {
     QString id = "id";
-    BookmarkRecord record = read(*root().getXMLNodeChildByID(number, id));
+    BookmarkRecord record;
     record.number = number;
+    read(*root().getXMLNodeChildByID(number, id), record);
     return record;
 }
 
@@ -175,24 +123,9 @@ QString BookmarkList::storedTitle(int number) const
     return title ? title->getText() : QString();
 }
 
-bool BookmarkList::add(TVNS_Bookmark bookmark)
+QString BookmarkList::clipped(const QString& title) const
 {
-    return store_.setBookmark(&bookmark);
-}
-
-bool BookmarkList::rename(int number, QString title)
-{
-    return store_.setBookmarkTitle(number, &title);
-}
-
-bool BookmarkList::setThumbnail(int number, QString path)
-{
-    return store_.setBookmarkThumbnailFilePath(number, &path);
-}
-
-void BookmarkList::remove(int number)
-{
-    store_.deleteBookmark(number);
+    return store_.ClipString(title, TVNG_TITLE_MAX_BYTES);
 }
 
 int BookmarkList::lastPicture() const
@@ -208,13 +141,15 @@ QString BookmarkList::nextPicture() const
     return thumbnailDir() + pictureName(lastPicture() + 1);
 }
 
-bool BookmarkList::writePicture(QImage image) const
+bool BookmarkList::writePicture(QImage image)
 {
     const QString picture = nextPicture();
     QString path = thumbnailDir();
     int number = lastPicture();
-    if (QDir().mkpath(path) && store_.setThumbnail(&image, &path, number))
+    if (QDir().mkpath(path) && store_.setThumbnail(&image, &path, number)) {
+        lastNumber_ = number;
         return true;
+    }
     complain(picture,
              QString("nothing was changed: the picture cannot be written; check the permissions of its "
                      "directory and the free space (\"df %1\")")

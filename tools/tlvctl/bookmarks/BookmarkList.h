@@ -18,33 +18,24 @@ struct BookmarkRecord : ListedRecord
 };
 
 /// The bookmarks of a settings directory.
-class BookmarkList : public Store
+class BookmarkList : public StoreOf<TVNC_BookmarksSetting>
 {
 public:
-    /// What the store takes and hands out, in bytes of UTF-8.
-    static const int TITLE_MAX_BYTES = 100;
-    static const int URL_MAX_BYTES = 256;
-
     /// With a longer directory, paths of pictures pass the store's limit, and saving empties their names.
-    static const int DIR_MAX_BYTES = 236;
+    static const int DIR_MAX_BYTES;
 
     /// @param dir the settings directory, with or without a "/" at its end
-    explicit BookmarkList(const QString& dir);
+    explicit BookmarkList(const QString& dir) : StoreOf(dir, "bookmark.xml", {"bookmarks", "bookmark"}) {}
 
     /// Complains and returns false when the directory is too long for saving.
     bool checkSavable() const;
 
-    void load() override;
     void save() override;
     bool checkSaved() override;
-    TVNC_XMLNode& root() const override;
-    int count() const override;
+    int count() const override { return store_.getBookmarkCnt(); }
 
     /// All records, in the order of the document.
     std::vector<BookmarkRecord> records() const;
-
-    /// How many records have another number now than in the file.
-    int renumbered() const { return renumbered_; }
 
     /// The record of a number, which exists.
     BookmarkRecord record(int number) const;
@@ -53,13 +44,13 @@ public:
     QString storedTitle(int number) const;
 
     /// Adds a bookmark in front.
-    bool add(TVNS_Bookmark bookmark);
-    bool rename(int number, QString title);
-    bool setThumbnail(int number, QString path);
-    void remove(int number);
+    bool add(TVNS_Bookmark bookmark) { return store_.setBookmark(&bookmark); }
+    bool rename(int number, QString title) { return store_.setBookmarkTitle(number, &title); }
+    bool setThumbnail(int number, QString path) { return store_.setBookmarkThumbnailFilePath(number, &path); }
+    void remove(int number) { store_.deleteBookmark(number); }
 
     /// As much of a title as the store takes.
-    QString clipped(const QString& title) const { return store_.ClipString(title, TITLE_MAX_BYTES); }
+    QString clipped(const QString& title) const;
 
     QString thumbnailDir() const { return file().dir() + "thumbnail/"; }
 
@@ -67,7 +58,7 @@ public:
     QString nextPicture() const;
 
     /// Writes that picture and makes the directory for it. Complains and returns false when that fails.
-    bool writePicture(QImage image) const;
+    bool writePicture(QImage image);
 
     /// How many bookmarks show the picture of a path.
     int users(const QString& picture) const;
@@ -75,17 +66,18 @@ public:
     /// The line that shows a bookmark: title, address.
     static QString line(const TVNS_Bookmark& bookmark);
 
+protected:
+    void loadSetting() override;
+
 private:
-    BookmarkRecord read(TVNC_XMLNode& node) const;
+    void read(TVNC_XMLNode& node, BookmarkRecord& record) const;
 
     /// The number before that of nextPicture().
     int lastPicture() const;
 
     void emptyNamelessPaths();
 
-    TVNC_BookmarksSetting& store_;
     int lastNumber_ = 0;
-    int renumbered_ = 0;
 };
 
 #endif

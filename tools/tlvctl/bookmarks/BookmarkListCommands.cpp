@@ -1,10 +1,7 @@
-#include "tools/tlvctl/bookmarks/BookmarkListCommands.h"
+#include "tools/tlvctl/bookmarks/BookmarkCommands.h"
 
 #include "tools/tlvctl/bookmarks/BookmarkList.h"
-#include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <QtCore/QFileInfo>
@@ -12,61 +9,29 @@
 
 namespace {
 
-void writeText(JsonWriter& json, const char* member, const QString& text)
-{
-    json.member(member);
-    if (text.isEmpty())
-        json.null();
-    else
-        json.string(text);
-}
-
 void writeMembers(JsonWriter& json, const BookmarkRecord& record)
 {
+    const QString& picture = record.bookmark.thumbnail;
     writeRecord(json, record);
-    json.member("title");
-    json.string(record.bookmark.title);
-    json.member("url");
-    json.string(record.bookmark.href);
-    writeText(json, "picture", record.bookmark.thumbnail);
-    json.member("pictureExists");
-    json.boolean(record.hasPicture);
+    json.member("title", record.bookmark.title);
+    json.member("url", record.bookmark.href);
+    json.member("picture", picture.isEmpty() ? std::nullopt : std::optional<QString>(picture));
+    json.member("pictureExists", record.hasPicture);
 }
 
 // --- list -------------------------------------------------------------------------------------------------
 
-void printBookmarks(const BookmarkList& list)
-{
-    const std::vector<BookmarkRecord> records = list.records();
-    const auto cells = [&records](size_t i) {
-        const TVNS_Bookmark& bookmark = records[i].bookmark;
-        return QStringList{printable(bookmark.title), printable(bookmark.href),
-                           printable(QFileInfo(bookmark.thumbnail).fileName())};
-    };
-    printRecords(list.count(), {"title", "address", "picture"}, {records.begin(), records.end()}, cells,
-                 remarkAboutNumbers(list.renumbered()));
-}
-
-void writeBookmarks(JsonWriter& json, const BookmarkList& list)
-{
-    json.member("renumbered");
-    json.number(list.renumbered());
-    json.member("bookmarks");
-    json.beginArray();
-    for (const BookmarkRecord& record : list.records()) {
-        json.beginObject();
-        writeMembers(json, record);
-        json.endObject();
-    }
-    json.endArray();
-}
-
 int listBookmarks(const QCommandLineParser& arguments)
 {
     BookmarkList list(pathArgument(arguments));
-    return listStore(
-        list, arguments, [&list] { printBookmarks(list); },
-        [&list](JsonWriter& json) { writeBookmarks(json, list); });
+    const auto cells = [](const BookmarkRecord& record) {
+        const TVNS_Bookmark& bookmark = record.bookmark;
+        return QStringList{printable(bookmark.title), printable(bookmark.href),
+                           printable(QFileInfo(bookmark.thumbnail).fileName())};
+    };
+    return listRecords(
+        list, arguments,
+        ListView<BookmarkRecord>{{"title", "address", "picture"}, cells, "bookmarks", writeMembers});
 }
 
 // --- show -------------------------------------------------------------------------------------------------
@@ -108,10 +73,8 @@ void writeBookmark(JsonWriter& json, const BookmarkRecord& record)
     json.beginObject();
     writeMembers(json, record);
     const QSize size = sizeOf(record);
-    json.member("pictureWidth");
-    json.number(size.isValid() ? size.width() : 0);
-    json.member("pictureHeight");
-    json.number(size.isValid() ? size.height() : 0);
+    json.member("pictureWidth", size.isValid() ? size.width() : 0);
+    json.member("pictureHeight", size.isValid() ? size.height() : 0);
     json.endObject();
 }
 
@@ -123,9 +86,15 @@ int showBookmark(const QCommandLineParser& arguments)
     BookmarkList list(pathArgument(arguments));
     if (!list.file().checkDirectory())
         return FAILED;
-    list.load();
-    if (!checkPresent(list, *number))
+    const QString path = list.file().path();
+    const Document document = readDocument(path);
+    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
         return FAILED;
+    list.load();
+    if (!hasRecord(list, *number)) {
+        complain(path, noSuchRecord(*number));
+        return FAILED;
+    }
     return listStore(
         list, arguments, [&] { printBookmark(list.record(*number)); },
         [&](JsonWriter& json) { writeBookmark(json, list.record(*number)); });
@@ -135,9 +104,7 @@ int showBookmark(const QCommandLineParser& arguments)
 
 Command bookmarkListCommand()
 {
-    Command command;
-    command.name = "list";
-    command.summary = "List the bookmarks with their numbers, newest first.";
+    Command command("list", "List the bookmarks with their numbers, newest first.", listBookmarks);
     command.details = "Shows all that the file holds, as the store answers it. Bookmarks that the store\n"
                       "hides in part or in full, and those whose picture is missing, are marked with *,\n"
                       "and lines below the table tell how.";
@@ -145,19 +112,15 @@ Command bookmarkListCommand()
                         "tlvctl bookmarks list --json /data/settings"};
     command.arguments = {directoryArgument("bookmark.xml")};
     command.options = {jsonOption()};
-    command.run = listBookmarks;
     return command;
 }
 
 Command bookmarkShowCommand()
 {
-    Command command;
-    command.name = "show";
-    command.summary = "Show one bookmark, with the size of its picture.";
+    Command command("show", "Show one bookmark, with the size of its picture.", showBookmark);
     command.examples = {"tlvctl bookmarks show /data/settings 003"};
     command.arguments = {directoryArgument("bookmark.xml"),
                          {"NUMBER", "The number of a bookmark, as \"tlvctl bookmarks list\" shows it."}};
     command.options = {jsonOption()};
-    command.run = showBookmark;
     return command;
 }

@@ -1,20 +1,62 @@
 #include "tools/tlvctl/commandline/CommandLine.h"
 
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/LogFile.h"
 #include "tools/tlvctl/commandline/Text.h"
 
+#include <tlvlib/diag/TVNG_DebugPrint.h>
+#include <tlvlib/files/TVNG_SafeSave.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtGui/QGuiApplication>
 
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <numeric>
 
 namespace {
 
 const QString HELP = "help";
 const QString VERSION = "version";
 const QString LOG_LEVEL = "log-level";
+
+/// Where the library writes its log.
+const QString LOG_FILE = "/ata07/Talvenor/tmp/tlvlog.log";
+
+/// The library only drops its messages when its file cannot be opened.
+void checkLogFile()
+{
+    QFile file(LOG_FILE);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return;
+    const QString dir = QFileInfo(LOG_FILE).path();
+    const QString advice = QFileInfo(dir).isDir()
+                               ? "check the permissions of the file and its directory"
+                               : QString("create the directory with \"mkdir -p %1\"").arg(dir);
+    complain(LOG_FILE, QString("no log is written: %1; %2").arg(file.errorString(), advice));
+}
+
+/// Reads a log level, a number from 0 to 3. False when it is none.
+bool parseLogLevel(const QString& text, int& level)
+{
+    if (text.size() != 1 || text.at(0) < '0' || text.at(0) > '3')
+        return false;
+    level = text.at(0).digitValue();
+    return true;
+}
+
+/**
+ * Sets what the library logs into its file, and complains when that file cannot be written. The system log is
+ * left to the programs of the device: a list of fonts alone would be a thousand lines in it.
+ */
+void setLogLevel(int level)
+{
+    g_uc_SystemLogLevel = 0;
+    TVNG_DebugSetLogLevel(static_cast<unsigned long>(level));
+    if (level > 0)
+        checkLogFile();
+}
 
 /**
  * Qt's application object, which the parser's help and the fonts need. It is made only when the command is
@@ -41,7 +83,8 @@ private:
     std::unique_ptr<QCoreApplication> qt_;
 };
 
-/// Qt ends the process when it finds no platform plugin; so do we, but in the tool's own way.
+/// What the libraries below say, about pictures for one, is nothing for the user; the tool tells it in its
+/// own words. Qt ends the process when it finds no platform plugin; so do we, but in the tool's own way.
 void reportFatalMessages(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
     if (type != QtFatalMsg)
@@ -56,7 +99,6 @@ void prepareGui()
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen"); // fonts can be listed without a display
-    qInstallMessageHandler(reportFatalMessages);
 }
 
 /// Sets up the parser of one level.
@@ -133,12 +175,42 @@ const Command* findCommand(const Command& group, const QString& name)
     return nullptr;
 }
 
+/// How many letters have to be put in, taken out or changed to make one word of the other.
+int distance(const QString& left, const QString& right)
+{
+    std::vector<int> row(static_cast<size_t>(right.size()) + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (int i = 0; i < left.size(); ++i) {
+        int diagonal = i;
+        row[0] = i + 1;
+        for (size_t j = 1; j < row.size(); ++j) {
+            const int changed = diagonal + (left.at(i) == right.at(static_cast<int>(j) - 1) ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+/// Suggests the command that may be meant; empty when none is near.
+QString nearest(const Command& group, const QString& word)
+{
+    const auto isNearer = [&word](const Command& left, const Command& right) {
+        return distance(word.left(100), left.name) < distance(word.left(100), right.name);
+    };
+    const auto best = std::min_element(group.commands.begin(), group.commands.end(), isNearer);
+    const bool isNear = distance(word.left(100), best->name) <= 1 + best->name.size() / 3;
+    return isNear ? QString("; did you mean \"%1\"?").arg(best->name) : QString();
+}
+
 int runCommand(const Command& command, const QString& path, const QCommandLineParser& parser, int logLevel)
 {
     const QString error = countError(command, parser.positionalArguments());
     if (!error.isEmpty())
         return usageError(path, error);
     setLogLevel(logLevel);
+    TVNG_SetSafeSave(1);
+    qInstallMessageHandler(reportFatalMessages);
     if (command.needsGui)
         prepareGui();
     const Application application(path, command.needsGui);
@@ -173,7 +245,7 @@ int runLevel(const Command& command, const QString& path, const QStringList& arg
         return usageError(path, "missing command");
     const Command* const next = findCommand(command, rest.first());
     if (!next)
-        return usageError(path, "unknown command " + quoted(rest.first()));
+        return usageError(path, "unknown command " + quoted(rest.first()) + nearest(command, rest.first()));
     return runLevel(*next, path + ' ' + next->name, rest.mid(1), logLevel);
 }
 
@@ -188,7 +260,7 @@ QList<QCommandLineOption> allOptions(const Command& command, bool isTool)
     options.append({LOG_LEVEL,
                     QString("Write the library's log file, %1: 0 nothing (the default), 1 failures, "
                             "2 also rejected input, 3 everything.")
-                        .arg(logFilePath()),
+                        .arg(LOG_FILE),
                     "N"});
     return options;
 }

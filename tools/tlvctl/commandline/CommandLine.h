@@ -24,6 +24,14 @@ struct Argument
  */
 struct Command
 {
+    using Run = int (*)(const QCommandLineParser& arguments);
+
+    Command() = default;
+    Command(const QString& itsName, const QString& itsSummary, Run itsRun = nullptr)
+        : name(itsName), summary(itsSummary), run(itsRun)
+    {
+    }
+
     QString name;
     QString summary;               ///< one sentence
     QString details;               ///< more for its own help, in lines of at most 80 characters; may be empty
@@ -35,7 +43,7 @@ struct Command
     QList<QCommandLineOption> options;
     bool needsGui = false; ///< whether it uses what only Qt with fonts and windows has
     /// Does the work, with the right number of arguments, and returns the exit code.
-    int (*run)(const QCommandLineParser& arguments) = nullptr;
+    Run run = nullptr;
 };
 
 /// A command's options with those that every command takes; the tool itself has one more.

@@ -3,6 +3,15 @@
 #include "tools/tlvctl/commandline/Text.h"
 
 #include <cstdio>
+#include <string>
+
+#include <unistd.h>
+
+namespace {
+
+const size_t BAR_WIDTH = 40; ///< of a progress bar, in columns
+
+} // namespace
 
 void print(const QByteArray& utf8)
 {
@@ -30,4 +39,32 @@ void complain(const QString& problem)
 bool flushOutput()
 {
     return std::fflush(stdout) == 0 && !std::ferror(stdout);
+}
+
+Progress::Progress(size_t total) : isShown_(total > 0 && isatty(STDERR_FILENO)), total_(total)
+{
+    if (isShown_)
+        draw();
+}
+
+Progress::~Progress()
+{
+    if (isShown_)
+        std::fputs("\r\033[K", stderr);
+}
+
+void Progress::advance()
+{
+    const size_t before = done_ * 100 / (total_ > 0 ? total_ : 1);
+    ++done_;
+    if (isShown_ && done_ * 100 / total_ != before)
+        draw();
+}
+
+void Progress::draw() const
+{
+    const size_t filled = done_ * BAR_WIDTH / total_;
+    const std::string bar = std::string(filled, '#') + std::string(BAR_WIDTH - filled, ' ');
+    std::fprintf(stderr, "\r[%s] %3zu %%", bar.c_str(), done_ * 100 / total_);
+    std::fflush(stderr);
 }

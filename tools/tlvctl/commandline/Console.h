@@ -4,6 +4,8 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <cstddef>
+
 /**
  * @file
  * What the tool says, always in UTF-8, whatever the locale. Texts of others go through printable() first.
@@ -31,5 +33,29 @@ void complain(const QString& problem);
 
 /// Hands everything to the system. False when standard output could not take it all (a full disk, say).
 bool flushOutput();
+
+/// A progress bar on standard error, if that is a terminal; nothing anywhere else.
+class Progress
+{
+public:
+    /// @param total how many steps there are
+    explicit Progress(size_t total);
+
+    /// Leaves the terminal's line empty, for what comes next.
+    ~Progress();
+
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /// One step is done.
+    void advance();
+
+private:
+    void draw() const;
+
+    bool isShown_;
+    size_t total_;
+    size_t done_ = 0;
+};
 
 #endif

@@ -1,27 +1,6 @@
 #include "tools/tlvctl/commandline/JsonWriter.h"
 
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/Text.h"
-
-void JsonWriter::beginObject()
-{
-    begin('{', false);
-}
-
-void JsonWriter::endObject()
-{
-    end('}');
-}
-
-void JsonWriter::beginArray()
-{
-    begin('[', true);
-}
-
-void JsonWriter::endArray()
-{
-    end(']');
-}
 
 void JsonWriter::member(const char* name)
 {
@@ -30,24 +9,12 @@ void JsonWriter::member(const char* name)
     afterMember_ = true;
 }
 
-void JsonWriter::string(const QString& text)
+void JsonWriter::write(const QStringList& texts)
 {
-    value(jsonString(text));
-}
-
-void JsonWriter::number(qint64 value)
-{
-    this->value(QByteArray::number(value));
-}
-
-void JsonWriter::boolean(bool value)
-{
-    this->value(value ? "true" : "false");
-}
-
-void JsonWriter::null()
-{
-    value("null");
+    beginArray();
+    for (const QString& text : texts)
+        string(text);
+    endArray();
 }
 
 void JsonWriter::begin(char bracket, bool isArray)

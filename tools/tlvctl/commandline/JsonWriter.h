@@ -1,8 +1,12 @@
 #ifndef TOOLS_TLVCTL_COMMANDLINE_JSONWRITER_H
 #define TOOLS_TLVCTL_COMMANDLINE_JSONWRITER_H
 
-#include <QtCore/QString>
+#include "tools/tlvctl/commandline/Text.h"
 
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <optional>
 #include <vector>
 
 /**
@@ -12,6 +16,7 @@
  * @code
  * JsonWriter json;
  * json.beginObject();
+ * json.member("count", 1);
  * json.member("fonts");
  * json.beginArray();
  * json.string(name);
@@ -22,18 +27,24 @@
 class JsonWriter
 {
 public:
-    void beginObject();
-    void endObject();
-    void beginArray();
-    void endArray();
+    void beginObject() { begin('{', false); }
+    void endObject() { end('}'); }
+    void beginArray() { begin('[', true); }
+    void endArray() { end(']'); }
 
     /// The name of an object's next member, in ASCII. Its value comes next.
     void member(const char* name);
 
-    void string(const QString& text);
-    void number(qint64 value);
-    void boolean(bool value);
-    void null();
+    /// A member with its value, which is null where there is none.
+    template <typename Value>
+    void member(const char* name, const Value& content)
+    {
+        member(name);
+        write(content);
+    }
+
+    void string(const QString& text) { value(jsonString(text)); }
+    void null() { value("null"); }
 
 private:
     /// What is open: an object, or an array.
@@ -42,6 +53,19 @@ private:
         bool isArray;
         bool isEmpty;
     };
+
+    void write(const QString& text) { string(text); }
+    void write(const char* text) { string(text); }
+    void write(qint64 number) { value(QByteArray::number(number)); }
+    void write(int number) { value(QByteArray::number(number)); }
+    void write(bool isTrue) { value(isTrue ? "true" : "false"); }
+    void write(const QStringList& texts);
+
+    template <typename Value>
+    void write(const std::optional<Value>& optional)
+    {
+        optional ? write(*optional) : null();
+    }
 
     void begin(char bracket, bool isArray);
     void end(char bracket);

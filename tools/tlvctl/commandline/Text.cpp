@@ -88,6 +88,11 @@ QString printable(const QString& text)
     return replaceCharacters(result, isUnsafe, escape);
 }
 
+bool isPrintable(const QString& text)
+{
+    return printable(text).size() == text.size() + text.count('\\');
+}
+
 QString quoted(const QString& text)
 {
     QString result = printable(text);

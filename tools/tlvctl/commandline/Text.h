@@ -19,6 +19,9 @@
  */
 QString printable(const QString& text);
 
+/// Whether a text is shown as it is, with nothing in it that had to be escaped but backslashes.
+bool isPrintable(const QString& text);
+
 /// The printable text in quotation marks; one in the text becomes "\"".
 QString quoted(const QString& text);
 

@@ -3,7 +3,10 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl cookies": the cookies in both their files.
-Command cookieCommands();
+Command cookieListCommand();
+Command cookieToIniCommand();
+Command cookieFromIniCommand();
+Command cookieExportCommand();
+Command cookieImportCommand();
 
 #endif

@@ -1,31 +1,34 @@
 #include "tools/tlvctl/cookies/CookieList.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <QtCore/QDataStream>
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
+#include <QtCore/QtEndian>
 
+#include <algorithm>
 #include <utility>
+
+#include <sys/stat.h>
 
 namespace {
 
 const QString INI_NAME = "cookie.ini";
-const QString TIME_FORMAT = "yyyy/MM/dd hh:mm:ss";
+const QString TIME_FORMAT = TVNG_EXPIRES_FORMAT;
 
 // --- The document -----------------------------------------------------------------------------------------
 
 /// The text of an element. One that is missing is a flaw.
 QString textOf(TVNC_XMLNode& entry, const char* element, std::vector<Flaw>& flaws)
 {
-    QString name = element;
-    if (TVNC_XMLNode* const child = entry.getXMLNodeChildByName(name))
-        return child->getText();
-    flaws.push_back({"elementMissing", QString("no element \"%1\": read as empty").arg(element)});
-    return QString();
+    const std::optional<QString> text = textOf(entry, element);
+    if (!text)
+        flaws.push_back(missingElement(element, ": read as empty"));
+    return text.value_or(QString());
 }
 
 bool isTime(const QString& text)
@@ -38,10 +41,7 @@ bool isTime(const QString& text)
 CookieRecord readEntry(TVNC_XMLNode& node)
 {
     CookieRecord record;
-    if (node.getName() != "webSiteInfo")
-        record.flaws.push_back(
-            {"notNamedWebSiteInfo",
-             QString("element %1 instead of \"webSiteInfo\"").arg(quoted(node.getName()))});
+    checkName(node, "webSiteInfo", {"notNamedWebSiteInfo", QString()}, record.flaws);
     record.domain = textOf(node, "website", record.flaws);
     record.name = textOf(node, "name", record.flaws).toUtf8();
     record.path = textOf(node, "path", record.flaws);
@@ -57,6 +57,16 @@ CookieRecord readEntry(TVNC_XMLNode& node)
             {"expiryUnreadable", QString("expiry %1 is not of the form \"%2\": read as none")
                                      .arg(quoted(record.expires), TIME_FORMAT)});
     return record;
+}
+
+QString flagsOf(const CookieRecord& record)
+{
+    QStringList flags;
+    if (record.secure == "true")
+        flags.append("secure");
+    if (record.httpOnly.value_or(false))
+        flags.append("HttpOnly");
+    return flags.join(' ');
 }
 
 // --- cookie.ini -------------------------------------------------------------------------------------------
@@ -99,10 +109,12 @@ QStringList remarksAbout(const QByteArray& stored)
         else if (cookies != 1)
             remarks.append(QString("entry %1 holds %2 cookies instead of one").arg(entries).arg(cookies));
     }
-    if (entries < count)
-        remarks.append(QString("the file says that it holds %1 entries, but there are %2")
-                           .arg(static_cast<qint32>(count))
-                           .arg(entries));
+    // Every entry takes some bytes; a number beyond that is none that a browser has written.
+    if (count > static_cast<quint32>(stored.size()))
+        remarks.append(QString("damaged: the number of entries is none, and %1 are there").arg(entries));
+    else if (entries < count)
+        remarks.append(
+            QString("the file says that it holds %1 entries, but there are %2").arg(count).arg(entries));
     if (!stream.atEnd())
         remarks.append(QString("behind the %1 entries that the file says it holds, %2 bytes are not read")
                            .arg(entries)
@@ -118,11 +130,11 @@ QString CookieRecord::line() const
 }
 
 CookieDocument::CookieDocument(const QString& path)
-    : Store(QFileInfo(path).path(), QFileInfo(path).fileName()), store_(*TVNC_CookieSetting::getInstance())
+    : StoreOf(QFileInfo(path).path(), QFileInfo(path).fileName(), {"cookie", "webSiteInfo"})
 {
 }
 
-void CookieDocument::load()
+void CookieDocument::loadSetting()
 {
     QString path = file().path();
     store_.load(path);
@@ -131,39 +143,65 @@ void CookieDocument::load()
 void CookieDocument::save()
 {
     QString path = file().path();
+    const mode_t mask = umask(S_IRWXG | S_IRWXO); // a new document is its owner's alone
     store_.save(path);
+    umask(mask);
 }
 
-TVNC_XMLNode& CookieDocument::root() const
+std::vector<CookieRecord> CookieDocument::records() const
 {
-    return *store_.getXMLRootNode();
-}
-
-int CookieDocument::count() const
-{
-    return static_cast<int>(store_.getAllCookieInfo().size());
-}
-
-CookieFile CookieDocument::read() const
-{
-    CookieFile cookies;
+    std::vector<CookieRecord> records;
     QSet<int> taken;
     const QList<TVNC_XMLNode*> nodes = root().getXMLNodeChildren();
     for (TVNC_XMLNode* node : nodes) {
         CookieRecord record = readEntry(*node);
-        record.filePosition = static_cast<int>(cookies.records.size());
+        record.filePosition = static_cast<int>(records.size());
         record.number = numberOf(*node, taken);
         if (!record.number || *record.number < 0 || *record.number >= nodes.size())
             record.flaws.insert(
                 record.flaws.begin(),
                 {"hidden",
                  QString("has no number from 0 to %1: the store does not see it").arg(nodes.size() - 1)});
-        cookies.records.push_back(record);
+        records.push_back(record);
     }
-    if (nodes.size() > CONVERTED_MAX)
-        cookies.remarks.append(
-            QString("the conversions look at the first %1 entries only").arg(CONVERTED_MAX));
-    return cookies;
+    return records;
+}
+
+void CookieDocument::add(std::vector<QNetworkCookie> cookies)
+{
+    QXmlStreamAttributes attributes;
+    attributes.append("docInfo", "1.0");
+    QString name = "cookie";
+    QString id = "id";
+    root().setName(name);
+    root().setAttribute(attributes);
+    std::for_each(cookies.rbegin(), cookies.rend(),
+                  [this](QNetworkCookie& cookie) { store_.addCookieInfo(cookie); });
+    store_.setIDforChildren(id);
+}
+
+QStringList CookieDocument::remarks() const
+{
+    if (root().getXMLNodeChildren().size() <= TVNG_CONVERTED_MAX)
+        return {};
+    return {QString("the conversions look at the first %1 entries only").arg(TVNG_CONVERTED_MAX)};
+}
+
+void printCookies(const CookieFile& cookies, int counted, bool withValues)
+{
+    const std::vector<CookieRecord>& records = cookies.records;
+    const auto cells = [&records, withValues](size_t i) {
+        const CookieRecord& record = records[i];
+        QStringList row{printableBytes(record.name), printable(record.domain), printable(record.path),
+                        flagsOf(record), printable(record.expires)};
+        if (withValues)
+            row.append(printableBytes(record.value));
+        return row;
+    };
+    QStringList header{"name", "domain", "path", "flags", "expires"};
+    if (withValues)
+        header.append("value");
+    printRecords(counted, header, {records.begin(), records.end()}, cells, cookies.remarks);
 }
 
 bool isCookieIni(const QString& path)
@@ -195,13 +233,76 @@ std::optional<CookieFile> readCookieIni(const QString& dir)
         if (key != "Cookie/cookies")
             cookies.remarks.append(QString("key %1 is not the store's: saving removes it").arg(quoted(key)));
     }
-    cookies.remarks += remarksAbout(settings.value("Cookie/cookies").toByteArray());
+    const QStringList ofList = remarksAbout(settings.value("Cookie/cookies").toByteArray());
+    cookies.isDamaged = !ofList.isEmpty() || settings.status() != QSettings::NoError;
+    cookies.remarks += ofList;
     QString storeDir = dir;
     for (const QNetworkCookie& cookie :
-         TVNC_CookieSetting::getInstance()->loadCookieInfo(&storeDir, CONVERTED_MAX)) {
+         TVNC_CookieSetting::getInstance()->loadCookieInfo(&storeDir, TVNG_CONVERTED_MAX)) {
         CookieRecord record = recordOf(cookie);
         record.number = record.filePosition = static_cast<int>(cookies.records.size());
         cookies.records.push_back(record);
+    }
+    return cookies;
+}
+
+bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool isForced)
+{
+    if (isForced || cookies.remarks.isEmpty())
+        return true;
+    complain(ini.path(),
+             QString("holds more than whole cookies (%1); nothing was changed, because that would be "
+                     "lost. Go on with --force")
+                 .arg(cookies.remarks.join("; ")));
+    return false;
+}
+
+namespace {
+
+const int LENGTH_BYTES = 4;
+
+/// The cookie whose length and form begin here; nothing when it is not one whole cookie.
+std::optional<QNetworkCookie> cookieAt(const QByteArray& stored, int at, int& behind)
+{
+    if (stored.size() - at <= LENGTH_BYTES)
+        return std::nullopt;
+    const quint32 length = qFromBigEndian<quint32>(stored.constData() + at);
+    if (length == 0 || length > static_cast<quint32>(stored.size() - at - LENGTH_BYTES))
+        return std::nullopt;
+    const QByteArray form = stored.mid(at + LENGTH_BYTES, static_cast<int>(length));
+    const QList<QNetworkCookie> cookies = QNetworkCookie::parseCookies(form);
+    const bool isText =
+        std::all_of(form.begin(), form.end(), [](char c) { return c >= ' ' || c == '\t' || c < 0; });
+    if (cookies.size() != 1 || cookies.first().name().isEmpty() || !isText)
+        return std::nullopt;
+    behind = at + LENGTH_BYTES + static_cast<int>(length);
+    return cookies.first();
+}
+
+} // namespace
+
+QList<QNetworkCookie> recoverCookies(const QString& dir, int& lost, QByteArray& rejected)
+{
+    QSettings settings(dir + INI_NAME, QSettings::IniFormat);
+    QByteArray stored = settings.value("Cookie/cookies").toByteArray();
+    for (const QString& key : settings.allKeys()) {
+        if (stored.isEmpty())
+            stored = settings.value(key).toByteArray(); // its name may be what is damaged
+    }
+    QList<QNetworkCookie> cookies;
+    lost = 0;
+    bool isInGap = false;
+    for (int at = LENGTH_BYTES; at < stored.size();) {
+        int behind = at;
+        if (const std::optional<QNetworkCookie> cookie = cookieAt(stored, at, behind)) {
+            cookies.append(*cookie);
+            at = behind;
+            isInGap = false;
+            continue;
+        }
+        lost += isInGap ? 0 : 1;
+        isInGap = true;
+        rejected += stored.at(at++);
     }
     return cookies;
 }

@@ -31,28 +31,40 @@ struct CookieFile
 {
     std::vector<CookieRecord> records;
     QStringList remarks;
+    bool isDamaged = false; ///< whether cookie.ini is not as a browser writes it
 };
 
-/// How many entries of a document the conversions look at.
-const int CONVERTED_MAX = 20;
-
 /// A cookie document.
-class CookieDocument : public Store
+class CookieDocument : public StoreOf<TVNC_CookieSetting>
 {
 public:
     explicit CookieDocument(const QString& path);
 
-    void load() override;
     void save() override;
-    TVNC_XMLNode& root() const override;
-    int count() const override;
+    int count() const override { return static_cast<int>(store_.getAllCookieInfo().size()); }
 
     /// All entries, in the order of the document.
-    CookieFile read() const;
+    std::vector<CookieRecord> records() const;
+    QStringList remarks() const override;
 
-private:
-    TVNC_CookieSetting& store_;
+    /// Removes the entry of a number. The others are numbered anew.
+    void remove(int number) { store_.deleteCookieInfo(number); }
+
+    /// Adds entries in front, in their order.
+    void add(std::vector<QNetworkCookie> cookies);
+
+    CookieFile read() const { return {records(), remarks(), false}; }
+
+protected:
+    void loadSetting() override;
 };
+
+/**
+ * Prints the cookies of a file as "tlvctl cookies list" does.
+ *
+ * @param counted how many of them the store sees
+ */
+void printCookies(const CookieFile& cookies, int counted, bool withValues);
 
 /// Whether a path names a cookie.ini: a directory does, and a file of that name.
 bool isCookieIni(const QString& path);
@@ -65,5 +77,16 @@ QString cookieIniDir(const QString& path);
  * file has no cookies.
  */
 std::optional<CookieFile> readCookieIni(const QString& dir);
+
+/// Complains and returns false when a file with something else than cookies would be replaced.
+bool checkIniReplaceable(const StoreFile& ini, const CookieFile& cookies, bool isForced);
+
+/**
+ * The cookies of a damaged cookie.ini, each whole, in its order.
+ *
+ * @param lost     how many more the file says it holds, or begins
+ * @param rejected the bytes of those
+ */
+QList<QNetworkCookie> recoverCookies(const QString& dir, int& lost, QByteArray& rejected);
 
 #endif

@@ -1,247 +1,85 @@
-#include "tools/tlvctl/files/CheckCommand.h"
-
-#include "tools/tlvctl/auth/AuthList.h"
-#include "tools/tlvctl/bookmarks/BookmarkList.h"
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/cookies/CookieList.h"
-#include "tools/tlvctl/fonts/FontList.h"
-#include "tools/tlvctl/history/HistoryList.h"
-#include "tools/tlvctl/prefs/Preferences.h"
-#include "tools/tlvctl/records/Record.h"
+#include "tools/tlvctl/files/Check.h"
+#include "tools/tlvctl/files/FileCommands.h"
+#include "tools/tlvctl/records/DirectoryLock.h"
+#include "tools/tlvctl/records/StoreChange.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QSet>
 
 namespace {
 
 const QString REPAIR = "repair";
 
-/// Bytes of a picture's path that are left for a directory to grow by, below which it is told.
-const int NEAR_LIMIT_BYTES = 10;
-
-/// What was found in one file.
-struct Findings
+/// What all files together have.
+struct Totals
 {
-    QString path;
-    QStringList lines;
-    bool isReadable = true;
+    int files = 0;
+    int findings = 0;
+    int remaining = 0;
+    int lost = 0;
 };
 
-void addFlaws(QStringList& lines, const ListedRecord& record)
+QString endingOf(const Finding& finding)
 {
-    if (!record.flaws.empty())
-        lines.append(recordName(record) + ": " + explanationsOf(record.flaws));
+    return finding.ending == Ending::REPAIRED ? "repaired" : "remains";
 }
 
-/// Loads a store and finds what its document has; nothing when there is no such file.
-std::optional<Findings> checkStore(Store& store, const std::function<QStringList()>& findings)
+void writeReport(JsonWriter& json, const FileReport& report, bool isRepairing)
 {
-    Findings found{store.file().path(), {}};
-    const Document document = readDocument(found.path);
-    if (document.state == Document::State::MISSING)
+    QStringList texts;
+    QStringList endings;
+    for (const Finding& finding : report.findings) {
+        texts.append(finding.text);
+        endings.append(endingOf(finding));
+    }
+    json.member("file", report.path);
+    json.member("findings", texts);
+    if (!isRepairing)
+        return;
+    json.member("endings", endings);
+    json.member("lostRecords", report.lost);
+    json.member("keptAs", report.keptAs.isEmpty() ? std::nullopt : std::optional<QString>(report.keptAs));
+    json.member("rejectedTo",
+                report.rejectedTo.isEmpty() ? std::nullopt : std::optional<QString>(report.rejectedTo));
+}
+
+void printReport(const FileReport& report, bool isRepairing)
+{
+    printLine(printable(report.path) + (report.findings.empty() ? ": clean" : ":"));
+    for (const Finding& finding : report.findings)
+        printLine("    " + (isRepairing ? endingOf(finding) + ": " : QString()) + finding.text);
+    if (report.lost > 0)
+        printLine(QString("    lost: %1 records").arg(report.lost));
+    if (!report.rejectedTo.isEmpty())
+        printLine("    what could not be read is in " + printable(report.rejectedTo));
+    if (!report.keptAs.isEmpty())
+        printLine("    as it was, the file is in " + printable(report.keptAs));
+}
+
+/// The directory, and those of the device and of the user below a profile.
+QStringList directoriesOf(const QString& dir)
+{
+    QStringList dirs{dir};
+    for (const char* below : {"common/", "user/"}) {
+        if (QFileInfo(dir + below).isDir())
+            dirs.append(dir + below);
+    }
+    return dirs;
+}
+
+/// Complains and returns nothing when a directory to be repaired is held.
+std::optional<std::vector<FileReport>> reportsOf(const QString& dir, const QCommandLineParser& arguments)
+{
+    if (!arguments.isSet(REPAIR))
+        return checkDirectory(dir, false);
+    if (isDryRun(arguments))
+        return tryRepair(dir);
+    DirectoryLock lock;
+    if (!lock.take(dir))
         return std::nullopt;
-    if (document.state == Document::State::UNREADABLE) {
-        found.lines.append(
-            QString("cannot be read: %1; the store is empty then, and saving replaces the file")
-                .arg(printable(document.problem)));
-        found.isReadable = false;
-        return found;
-    }
-    if (document.state == Document::State::DAMAGED)
-        found.lines.append(describe(document.damage) +
-                           ": what stands behind that place is not read, and saving loses it");
-    store.load();
-    found.lines += findings();
-    return found;
-}
-
-// --- The files --------------------------------------------------------------------------------------------
-
-/// Pictures that no bookmark shows, and a directory that leaves their paths no room.
-QStringList checkPictures(const BookmarkList& list)
-{
-    QStringList lines;
-    for (const QString& name : QDir(list.thumbnailDir()).entryList(QDir::Files, QDir::Name)) {
-        if (list.users(list.thumbnailDir() + name) == 0)
-            lines.append(QString("no bookmark shows the file %1").arg(printable(list.thumbnailDir() + name)));
-    }
-    const qint64 left = BookmarkList::DIR_MAX_BYTES - utf8Size(list.file().dir());
-    if (left < 0)
-        lines.append(
-            QString("the directory's path is %1 bytes too long: paths of pictures pass the store's limit of "
-                    "256 bytes, and saving empties their names")
-                .arg(-left));
-    else if (left < NEAR_LIMIT_BYTES)
-        lines.append(
-            QString("the directory's path may grow by %1 bytes at most: then paths of pictures pass the "
-                    "store's limit of 256 bytes")
-                .arg(left));
-    return lines;
-}
-
-/// One file that may be in a directory: how it is checked, and how what the library would keep of it is
-/// written.
-struct CheckedFile
-{
-    std::function<std::optional<Findings>()> check;
-    std::function<bool()> rewrite; ///< complains and returns false when that fails
-};
-
-template <typename Kind>
-CheckedFile checkedStore(const std::shared_ptr<Kind>& store, const std::function<QStringList()>& findings)
-{
-    return {[=] { return checkStore(*store, findings); },
-            [=] {
-                store->load();
-                store->save();
-                return store->checkSaved();
-            }};
-}
-
-template <typename Kind>
-CheckedFile checkedList(const std::shared_ptr<Kind>& list, const std::function<QStringList()>& remarks)
-{
-    return checkedStore(list, [=] {
-        QStringList lines;
-        for (const auto& record : list->records())
-            addFlaws(lines, record);
-        return lines + remarks();
-    });
-}
-
-CheckedFile checkedFonts(const QString& dir)
-{
-    const auto list = std::make_shared<FontList>(dir);
-    return checkedStore(list, [list] {
-        QStringList lines;
-        for (const FontRecord& record : list->records()) {
-            for (const FontFlaw flaw : record.flaws)
-                lines.append(FontList::line(record.number, printable(record.name)) + ": " +
-                             FontList::explanation(flaw, record));
-        }
-        return lines;
-    });
-}
-
-CheckedFile checkedPreferences(const QString& scope, const QString& dir)
-{
-    const std::shared_ptr<Preferences> preferences = Preferences::open(scope, dir);
-    return checkedStore(preferences, [preferences] {
-        QStringList lines;
-        for (const PreferenceRecord& record : preferences->records()) {
-            if (!record.flaws.empty())
-                lines.append(record.preference->name + ": " + explanationsOf(record.flaws));
-        }
-        return lines;
-    });
-}
-
-CheckedFile checkedCookieDocument(const QString& dir)
-{
-    const auto document = std::make_shared<CookieDocument>(dir + "cookies.xml");
-    return checkedStore(document, [document] {
-        const CookieFile file = document->read();
-        QStringList lines;
-        for (const CookieRecord& record : file.records)
-            addFlaws(lines, record);
-        return lines + file.remarks;
-    });
-}
-
-CheckedFile checkedCookieIni(const QString& dir)
-{
-    const QString path = dir + "cookie.ini";
-    const auto check = [dir, path]() -> std::optional<Findings> {
-        if (!QFileInfo::exists(path))
-            return std::nullopt;
-        const std::optional<CookieFile> file = readCookieIni(dir);
-        if (!file)
-            return Findings{
-                path, {"cannot be read: there are no cookies then, and saving replaces the file"}, false};
-        Findings found{path, {}};
-        for (const CookieRecord& record : file->records)
-            addFlaws(found.lines, record);
-        found.lines += file->remarks;
-        return found;
-    };
-    const auto rewrite = [dir, path] {
-        QString iniDir = dir;
-        auto* store = TVNC_CookieSetting::getInstance();
-        store->saveCookieInfo(store->loadCookieInfo(&iniDir, CONVERTED_MAX), &iniDir, CONVERTED_MAX);
-        const std::optional<CookieFile> file = readCookieIni(dir);
-        return file && file->remarks.isEmpty();
-    };
-    return {check, rewrite};
-}
-
-std::vector<CheckedFile> filesOf(const QString& dir)
-{
-    const auto bookmarks = std::make_shared<BookmarkList>(dir);
-    const auto history = std::make_shared<HistoryList>(dir, NUMBERED_MAX);
-    const auto auth = std::make_shared<AuthList>(dir, NUMBERED_MAX);
-    return {checkedPreferences("common", dir),
-            checkedFonts(dir),
-            checkedPreferences("user", dir),
-            checkedList(bookmarks,
-                        [bookmarks] {
-                            return remarkAboutNumbers(bookmarks->renumbered()) + checkPictures(*bookmarks);
-                        }),
-            checkedList(history,
-                        [history] {
-                            return remarkAboutNumbers(history->renumbered()) + history->changesOfLoading();
-                        }),
-            checkedList(auth, [auth] { return remarkAboutNumbers(auth->renumbered()); }),
-            checkedCookieDocument(dir),
-            checkedCookieIni(dir)};
-}
-
-// --- The command ------------------------------------------------------------------------------------------
-
-/// Copies a file beside itself. Complains and returns nothing when that fails.
-std::optional<QString> backUp(const QString& path)
-{
-    QString copy = path + ".bak";
-    for (int i = 2; QFileInfo::exists(copy); ++i)
-        copy = QString("%1.bak%2").arg(path).arg(i);
-    if (QFile::copy(path, copy))
-        return copy;
-    complain(
-        path,
-        QString("is not repaired, because it cannot be copied to %1; look for free space with \"df\", and "
-                "at the permissions")
-            .arg(printable(copy)));
-    return std::nullopt;
-}
-
-/// Writes what the library would keep. False when that fails.
-bool repair(const CheckedFile& file, const Findings& found)
-{
-    if (!found.isReadable) {
-        complain(found.path, "is not repaired, because it cannot be read; make it readable");
-        return false;
-    }
-    const std::optional<QString> copy = backUp(found.path);
-    if (!copy || !file.rewrite())
-        return false;
-    printLine(QString("    repaired; as it was, it is in %1").arg(printable(*copy)));
-    return true;
-}
-
-void writeFindings(JsonWriter& json, const Findings& found)
-{
-    json.beginObject();
-    json.member("file");
-    json.string(found.path);
-    json.member("findings");
-    json.beginArray();
-    for (const QString& line : found.lines)
-        json.string(line);
-    json.endArray();
-    json.endObject();
+    return checkDirectory(dir, true);
 }
 
 int check(const QCommandLineParser& arguments)
@@ -251,52 +89,66 @@ int check(const QCommandLineParser& arguments)
         return FAILED;
     const bool isRepairing = arguments.isSet(REPAIR);
     const bool isJson = arguments.isSet("json");
-    if (isRepairing && isJson)
-        return wrongUsage("--repair and --json do not go together");
-    int files = 0;
-    qint64 findings = 0;
-    bool isRepaired = true;
-    JsonWriter json;
-    if (isJson)
-        json.beginArray();
-    for (const CheckedFile& file : filesOf(place.dir())) {
-        const std::optional<Findings> found = file.check();
-        if (!found)
-            continue;
-        ++files;
-        findings += found->lines.size();
-        if (isJson) {
-            writeFindings(json, *found);
-            continue;
-        }
-        printLine(printable(found->path) + (found->lines.isEmpty() ? ": clean" : ":"));
-        for (const QString& line : found->lines)
-            printLine("    " + line);
-        if (isRepairing && !found->lines.isEmpty())
-            isRepaired = repair(file, *found) && isRepaired;
+    if (isDryRun(arguments) && !isRepairing)
+        return wrongUsage("--dry-run goes with --repair");
+    std::vector<FileReport> reports;
+    for (const QString& dir : directoriesOf(place.dir())) {
+        const std::optional<std::vector<FileReport>> of = reportsOf(dir, arguments);
+        if (!of)
+            return FAILED;
+        reports.insert(reports.end(), of->begin(), of->end());
     }
-    if (isJson)
+    Totals totals;
+    for (const FileReport& report : reports) {
+        ++totals.files;
+        totals.lost += report.lost;
+        totals.findings += static_cast<int>(report.findings.size());
+        for (const Finding& finding : report.findings)
+            totals.remaining += finding.ending == Ending::REPAIRED ? 0 : 1;
+        if (!isJson)
+            printReport(report, isRepairing);
+        if (!report.problem.isEmpty())
+            complain(report.path, report.problem);
+    }
+    if (isJson) {
+        JsonWriter json;
+        json.beginArray();
+        for (const FileReport& report : reports) {
+            json.beginObject();
+            writeReport(json, report, isRepairing);
+            json.endObject();
+        }
         json.endArray();
-    else
-        printLine(QString("files: %1, findings: %2").arg(files).arg(findings));
-    return findings == 0 || (isRepairing && isRepaired) ? DONE : FAILED;
+    } else {
+        QString line = QString("files: %1, findings: %2").arg(totals.files).arg(totals.findings);
+        if (isRepairing)
+            line += QString(", remaining: %1, lost records: %2").arg(totals.remaining).arg(totals.lost);
+        printLine(line);
+    }
+    return totals.remaining == 0 && totals.lost == 0 ? DONE : FAILED;
 }
 
 } // namespace
 
 Command checkCommand()
 {
-    Command command;
-    command.name = "check";
-    command.summary = "Check all files of a settings directory.";
+    Command command("check", "Check all files of a settings directory, or of a profile.", check);
     command.details =
-        "Says of each file what the library does not read, hides, renames or drops. With\n"
-        "--repair, a file with findings is copied beside itself and then written as the library\n"
-        "would keep it; values that the library answers otherwise stay as they are. Exit code 0:\n"
-        "nothing was found, or all was repaired; 1: something was found.";
-    command.examples = {"tlvctl check /data/user", "tlvctl check --repair /data/user"};
-    command.arguments = {{"DIR", "The settings directory of the device or of a user."}};
-    command.options = {jsonOption(), {REPAIR, "Write what the library would keep, after a copy."}};
-    command.run = check;
+        "Says of each file what the library does not read, hides, renames or drops, and names\n"
+        "leftovers of interrupted saves, pictures that are none, files of a wrong spelling, and\n"
+        "credentials or cookies that others may open. DIR is a settings directory, or a profile\n"
+        "with \"user\" and \"common\" below it.\n"
+        "\n"
+        "With --repair every finding ends as repaired or remains. Of a damaged list every record\n"
+        "in front of the damage and behind it is kept whole; records that could not be read are\n"
+        "counted as lost, and written to a file beside it whose name ends in \".rejected\". A file\n"
+        "is copied beside itself before it is changed, and only then. With --dry-run as well,\n"
+        "nothing is written. Exit code 1: something was found and is not repaired, or was lost.";
+    command.examples = {"tlvctl check /data/user", "tlvctl check --repair /data/user",
+                        "tlvctl check --repair --dry-run /data/user"};
+    command.arguments = {{"DIR", "The settings directory of the device or of a user, or a profile."}};
+    command.options = {jsonOption(),
+                       {REPAIR, "Repair what can be repaired, after a copy."},
+                       {"dry-run", "With --repair: write nothing, but say how it would end."}};
     return command;
 }

@@ -1,10 +1,9 @@
-#include "tools/tlvctl/files/ShowCommand.h"
+#include "tools/tlvctl/files/FileCommands.h"
 
 #include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
 #include "tools/tlvctl/records/Document.h"
-#include "tools/tlvctl/records/TreeWalk.h"
 
 #include <utility>
 
@@ -51,38 +50,26 @@ void printTree(TVNC_XMLNode& root)
 void writeAttribute(JsonWriter& json, const QXmlStreamAttribute& attribute)
 {
     json.beginObject();
-    json.member("name");
-    json.string(attribute.qualifiedName().toString());
-    if (!attribute.namespaceUri().isEmpty()) {
-        json.member("namespace");
-        json.string(attribute.namespaceUri().toString());
-    }
-    json.member("value");
-    json.string(attribute.value().toString());
+    json.member("name", attribute.qualifiedName().toString());
+    if (!attribute.namespaceUri().isEmpty())
+        json.member("namespace", attribute.namespaceUri().toString());
+    json.member("value", attribute.value().toString());
     json.endObject();
 }
 
 void writeText(JsonWriter& json, TVNC_XMLNode& node)
 {
     const bool hasText = !node.getText().isEmpty();
-    json.member("text");
-    if (hasText)
-        json.string(node.getText());
-    else
-        json.null();
-    json.member("textType");
-    if (hasText)
-        json.string(isCData(node) ? "cdata" : "text");
-    else
-        json.null();
+    json.member("text", hasText ? std::optional<QString>(node.getText()) : std::nullopt);
+    json.member("textType",
+                hasText ? std::optional<QString>(isCData(node) ? "cdata" : "text") : std::nullopt);
 }
 
 void writeTree(JsonWriter& json, TVNC_XMLNode& root)
 {
     const auto enter = [&json](TVNC_XMLNode& node, int) {
         json.beginObject();
-        json.member("name");
-        json.string(node.getName());
+        json.member("name", node.getName());
         json.member("attributes"); // a list: with namespaces, two of an element may have the same name
         json.beginArray();
         for (const QXmlStreamAttribute& attribute : std::as_const(node.getAttribute()))
@@ -103,8 +90,7 @@ void writeDocument(const QString& path, const Document& document)
 {
     JsonWriter json;
     json.beginObject();
-    json.member("file");
-    json.string(path);
+    json.member("file", path);
     writeCompleteness(json, document);
     json.member("root");
     if (document.root)
@@ -118,29 +104,21 @@ int show(const QCommandLineParser& arguments)
 {
     const QString path = pathArgument(arguments);
     const Document document = readDocument(path);
-    if (document.state == Document::State::MISSING || document.state == Document::State::UNREADABLE) {
-        complain(path, QString("cannot be read: %1; name a settings file that you may read")
-                           .arg(printable(document.problem)));
+    if (!checkReadable(path, document, "name a settings file that you may read"))
         return FAILED;
-    }
     if (arguments.isSet("json"))
         writeDocument(path, document);
     else if (document.root)
         printTree(*document.root);
 
-    if (document.state == Document::State::COMPLETE)
-        return DONE;
-    complainAboutDamage(path, document);
-    return FAILED;
+    return exitCodeOfReading(path, document);
 }
 
 } // namespace
 
 Command showCommand()
 {
-    Command command;
-    command.name = "show";
-    command.summary = "Show a settings file as a tree.";
+    Command command("show", "Show a settings file as a tree.", show);
     command.details = "One line an element: its name, its attributes, and its text, marked as text\n"
                       "(character data) or CDATA. Elements deeper than 20 are indented no further; they\n"
                       "show their depth in brackets.";
@@ -148,6 +126,5 @@ Command showCommand()
                         "tlvctl show --json /data/settings/fontlist.xml"};
     command.arguments = {{"FILE", "The settings file."}};
     command.options = {jsonOption()};
-    command.run = show;
     return command;
 }

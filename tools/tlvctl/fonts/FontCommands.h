@@ -3,7 +3,8 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl fonts": the list of fonts that are offered to the user.
-Command fontCommands();
+Command fontListCommand();
+Command fontAddCommand();
+Command fontImportCommand();
 
 #endif

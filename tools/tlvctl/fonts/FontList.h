@@ -1,48 +1,28 @@
 #ifndef TOOLS_TLVCTL_FONTS_FONTLIST_H
 #define TOOLS_TLVCTL_FONTS_FONTLIST_H
 
-#include "tools/tlvctl/records/Store.h"
+#include "tools/tlvctl/records/StoreList.h"
 
-#include <QtCore/QString>
+#include <tlvlib/stores/TVNC_FontListSetting.h>
 
-#include <optional>
 #include <vector>
 
-class TVNC_FontListSetting;
-
-/// What keeps a record of the font list from being a font like any other.
-enum class FontFlaw {
-    NO_NUMBER,    ///< getFont() cannot be asked for it
-    TOO_LONG,     ///< getFont() answers an empty name
-    EMPTY,        ///< has no name
-    OTHER_ELEMENT ///< getFont() answers it, getCount() does not count it
-};
-
-/// One record of the font list, seen or not seen by the users of the store.
-struct FontRecord
+/// One record of the font list. Its label is its name.
+struct FontRecord : ListedRecord
 {
-    std::optional<int> number;
     QString name;
     QString element;
-    std::vector<FontFlaw> flaws;
 };
 
 /// The font list of a settings directory.
-class FontList : public Store
+class FontList : public StoreOf<TVNC_FontListSetting>
 {
 public:
-    /// The longest name that the store hands out, in bytes of UTF-8.
-    static const int NAME_MAX_BYTES = 256;
-
     /// @param dir the settings directory, with or without a "/" at its end
-    explicit FontList(const QString& dir);
+    explicit FontList(const QString& dir) : StoreOf(dir, "fontlist.xml", {"fontlist", "font"}) {}
 
-    void load() override;
-    void save() override;
-    TVNC_XMLNode& root() const override;
-
-    /// How many fonts the store counts.
-    int count() const override;
+    void save() override { store_.saveFontList(file().dir()); }
+    int count() const override { return store_.getCount(); }
 
     /// All records of the document, in its order.
     std::vector<FontRecord> records() const;
@@ -54,16 +34,13 @@ public:
     int add(const QString& name);
 
     /// Why a name cannot be a font's, to follow "the name"; empty when it can.
-    static QString problemWithName(const QString& name);
+    static QString problemWithFont(const QString& name);
 
-    /// What a flaw means, fit for a terminal.
-    static QString explanation(FontFlaw flaw, const FontRecord& record);
+    /// What stands behind the number of a font: its name.
+    static QString label(const QString& name);
 
-    /// The line that shows a font to the user: "007  Sans", with dashes where there is no number.
-    static QString line(const std::optional<int>& number, const QString& name);
-
-private:
-    TVNC_FontListSetting& store_;
+protected:
+    void loadSetting() override { store_.loadFontList(file().dir()); }
 };
 
 #endif

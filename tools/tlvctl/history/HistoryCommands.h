@@ -3,7 +3,10 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl history": the visited pages.
-Command historyCommands();
+Command historyListCommand();
+Command historyFindCommand();
+Command historyAddCommand();
+Command historyRemoveCommand();
+Command historyExportCommand();
 
 #endif

@@ -1,7 +1,7 @@
 #include "tools/tlvctl/history/HistoryList.h"
 
+#include "tlvlib/util/TVNG_limits.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 #include "tools/tlvctl/records/StoreChange.h"
 
 #include <QtCore/QHash>
@@ -13,20 +13,8 @@
 
 namespace {
 
-const QString TIME_FORMAT = "yyyy/MM/dd hh:mm";
+const QString TIME_FORMAT = TVNG_DATE_TIME_FORMAT;
 const char* const FIELDS[] = {"title", "url", "dateTime"};
-
-TVNC_XMLNode* childOf(TVNC_XMLNode& record, const QString& field)
-{
-    QString name = field;
-    return record.getXMLNodeChildByName(name);
-}
-
-QString textOf(TVNC_XMLNode& record, const QString& field)
-{
-    TVNC_XMLNode* const child = childOf(record, field);
-    return child ? child->getText() : QString();
-}
 
 /// What loading makes of the text of a time.
 QString loadedTime(const QString& text)
@@ -58,16 +46,12 @@ bool isPlain(TVNC_XMLNode& record)
 std::vector<Flaw> changesOf(TVNC_XMLNode& record)
 {
     std::vector<Flaw> flaws;
-    if (record.getName() != "pageInfo")
-        flaws.push_back({"notNamedPageInfo", QString("element %1 instead of \"pageInfo\": loading makes it "
-                                                     "one")
-                                                 .arg(quoted(record.getName()))});
+    checkName(record, "pageInfo", {"notNamedPageInfo", ": loading makes it one"}, flaws);
     for (const char* field : FIELDS) {
         if (!childOf(record, field))
-            flaws.push_back(
-                {"elementMissing", QString("no element \"%1\": loading adds an empty one").arg(field)});
+            flaws.push_back(missingElement(field, ": loading adds an empty one"));
     }
-    const QString time = textOf(record, "dateTime");
+    const QString time = textOf(record, "dateTime").value_or(QString());
     const QString loaded = loadedTime(time);
     if (!time.isEmpty() && loaded.isEmpty())
         flaws.push_back({"timeUnreadable", QString("time %1 is not of the form \"%2\": loading empties it")
@@ -84,9 +68,9 @@ std::vector<Flaw> changesOf(TVNC_XMLNode& record)
 VisitRecord readRecord(TVNC_XMLNode& node)
 {
     VisitRecord record;
-    record.title = textOf(node, "title");
-    record.url = textOf(node, "url");
-    record.time = textOf(node, "dateTime");
+    record.title = textOf(node, "title").value_or(QString());
+    record.url = textOf(node, "url").value_or(QString());
+    record.time = textOf(node, "dateTime").value_or(QString());
     return record;
 }
 
@@ -116,16 +100,14 @@ std::vector<bool> takenOver(const QList<TVNC_XMLNode*>& records)
 } // namespace
 
 HistoryList::HistoryList(const QString& dir, int maximum)
-    : Store(dir, "visit.xml"), store_(*TVNC_HistorySetting::getInstance()), maximum_(maximum)
+    : StoreOf(dir, "visit.xml", {"history", "pageInfo"}), maximum_(maximum)
 {
 }
 
-void HistoryList::load()
+void HistoryList::loadSetting()
 {
-    const Document document = readDocument(file().path());
     QString dir = file().dir();
     store_.loadHistory(&dir, maximum_);
-    readLoaded(document.root.get());
 }
 
 void HistoryList::save()
@@ -134,18 +116,8 @@ void HistoryList::save()
     store_.saveHistory(&dir, maximum_);
 }
 
-TVNC_XMLNode& HistoryList::root() const
-{
-    return *store_.getXMLRootNode();
-}
-
-int HistoryList::count() const
-{
-    return store_.getHistoryCnt();
-}
-
-/// Puts what the store has beside what the file holds. The store sorts, so the records are found by content.
-void HistoryList::readLoaded(TVNC_XMLNode* fileRoot)
+/// The store sorts, so the records of the file are found by content.
+void HistoryList::compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot)
 {
     const QList<TVNC_XMLNode*> fileRecords =
         fileRoot ? fileRoot->getXMLNodeChildren() : QList<TVNC_XMLNode*>();
@@ -187,7 +159,6 @@ void HistoryList::readLoaded(TVNC_XMLNode* fileRoot)
         return left.filePosition < right.filePosition;
     });
     loaded_.insert(loaded_.end(), dropped.begin(), dropped.end());
-    renumbered_ = countRenumbered(fileRoot);
 }
 
 QStringList HistoryList::changesOfLoading() const
@@ -205,17 +176,18 @@ QStringList HistoryList::changesOfLoading() const
     return lines;
 }
 
-std::vector<VisitRecord> HistoryList::records() const
-{
-    return loaded_;
-}
-
 QStringList HistoryList::remarks() const
 {
-    QStringList remarks = remarkAboutNumbers(renumbered_);
+    QStringList remarks = Store::remarks();
     if (!isSorted_)
         remarks.append("the order in the file is another one: loading sorts the newest visit first");
     return remarks;
+}
+
+void HistoryList::writeRemarks(JsonWriter& json) const
+{
+    Store::writeRemarks(json);
+    json.member("sorted", isSorted_);
 }
 
 std::optional<int> HistoryList::find(const QString& url)
@@ -225,30 +197,25 @@ std::optional<int> HistoryList::find(const QString& url)
     return number < 0 ? std::nullopt : std::optional<int>(number);
 }
 
-TVNS_History HistoryList::visit(int number) const
+TVNS_History HistoryList::entry(int number) const
 {
     TVNS_History visit;
     store_.getHistory(number, &visit);
     return visit;
 }
 
-void HistoryList::remove(int number)
-{
-    store_.deleteHistory(number);
-}
-
 void HistoryList::add(TVNS_History visit, QStringList& changes)
 {
     const std::optional<int> earlier = find(visit.url);
     if (earlier) {
-        changes.append(changeLine("removed", numberText(earlier), line(this->visit(*earlier))));
+        changes.append(changeLine("removed", numberText(earlier), line(entry(*earlier))));
         remove(*earlier);
     }
     if (root().getXMLNodeChildren().size() >= maximum_) {
         const int oldest = maximum_ - 1;
         const bool isShifted = earlier && oldest >= *earlier; // told as it was before the command
         changes.append(
-            changeLine("removed", numberText(isShifted ? oldest + 1 : oldest), line(this->visit(oldest))));
+            changeLine("removed", numberText(isShifted ? oldest + 1 : oldest), line(entry(oldest))));
     }
     store_.updateHistory(&visit);
 }

@@ -20,7 +20,7 @@ struct VisitRecord : ListedRecord
 };
 
 /// The history of a settings directory.
-class HistoryList : public Store
+class HistoryList : public StoreOf<TVNC_HistorySetting>
 {
 public:
     /**
@@ -29,29 +29,25 @@ public:
      */
     HistoryList(const QString& dir, int maximum);
 
-    void load() override;
     void save() override;
-    TVNC_XMLNode& root() const override;
-    int count() const override;
+    int count() const override { return store_.getHistoryCnt(); }
 
     /// What loading has dropped or changed, which saving makes permanent.
     QStringList changesOfLoading() const override;
 
     /// All records as they were loaded: those that the store has, in its order, then those that it dropped.
-    std::vector<VisitRecord> records() const;
+    std::vector<VisitRecord> records() const { return loaded_; }
 
-    /// What else loading has changed.
-    QStringList remarks() const;
-    int renumbered() const { return renumbered_; }
-    bool isSorted() const { return isSorted_; } ///< whether loading left the order as it is in the file
+    QStringList remarks() const override;
+    void writeRemarks(JsonWriter& json) const override;
 
     /// The number of the newest visit of an address, if there is one.
     std::optional<int> find(const QString& url);
 
     /// A visit that the store has.
-    TVNS_History visit(int number) const;
+    TVNS_History entry(int number) const;
 
-    void remove(int number);
+    void remove(int number) { store_.deleteHistory(number); }
 
     /**
      * Records a visit as a browser does: an earlier one of the same address goes, and where the store is
@@ -71,14 +67,14 @@ public:
     /// The line that shows a visit: time, title, address.
     static QString line(const TVNS_History& visit);
 
-private:
-    void readLoaded(TVNC_XMLNode* fileRoot);
+protected:
+    void loadSetting() override;
+    void compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override;
 
-    TVNC_HistorySetting& store_;
+private:
     int maximum_;
     std::vector<VisitRecord> loaded_;
-    int renumbered_ = 0;
-    bool isSorted_ = true;
+    bool isSorted_ = true; ///< whether loading left the order as it is in the file
 };
 
 #endif

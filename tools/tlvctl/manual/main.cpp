@@ -6,8 +6,7 @@
 
 #include "tools/tlvctl/Tool.h"
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/manual/Completion.h"
-#include "tools/tlvctl/manual/ManPage.h"
+#include "tools/tlvctl/manual/Manual.h"
 
 #include <QtCore/QFile>
 

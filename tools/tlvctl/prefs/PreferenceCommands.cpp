@@ -1,50 +1,21 @@
 #include "tools/tlvctl/prefs/PreferenceCommands.h"
 
-#include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Password.h"
 #include "tools/tlvctl/commandline/Table.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/prefs/PreferenceTables.h"
+#include "tools/tlvctl/prefs/PreferenceWishes.h"
 #include "tools/tlvctl/records/StoreChange.h"
+
+#include <algorithm>
 
 namespace {
 
 const QString SHOW_PASSWORDS = "show-passwords";
 const QString PASSWORD_FILE = "password-file";
 
-/// Complains and returns null when the first argument is no scope.
-std::unique_ptr<Preferences> openPreferences(const QCommandLineParser& arguments)
-{
-    const QString scope = arguments.positionalArguments().at(0);
-    std::unique_ptr<Preferences> preferences = Preferences::open(scope, pathArgument(arguments, 1));
-    if (!preferences)
-        wrongUsage(QString("%1 is neither \"common\" nor \"user\"").arg(quoted(scope)));
-    return preferences;
-}
-
-/// Complains and returns null when there is no preference of this name.
-const Preference* findPreference(const Preferences& preferences, const QString& name)
-{
-    if (const Preference* const found = preferences.find(name))
-        return found;
-    QStringList names;
-    for (const Preference& preference : preferences.table())
-        names.append(preference.name);
-    complain(preferences.file().path(),
-             QString("there is no preference %1; there are %2").arg(quoted(name), names.join(", ")));
-    return nullptr;
-}
-
 QString shownValue(const Preference& preference, const QByteArray& value, bool withPasswords)
 {
     return preference.isSecret && !withPasswords ? "(hidden)" : printableBytes(value);
-}
-
-/// A value in a line of its own words, where an empty one would not be seen.
-QString namedValue(const Preference& preference, const QByteArray& value)
-{
-    return value.isEmpty() ? "\"\"" : shownValue(preference, value, false);
 }
 
 // --- show, get --------------------------------------------------------------------------------------------
@@ -72,23 +43,12 @@ void printPreferences(const Preferences& preferences, bool withPasswords)
 void writePreference(JsonWriter& json, const PreferenceRecord& record, bool withPasswords)
 {
     const Preference& preference = *record.preference;
-    json.beginObject();
-    json.member("name");
-    json.string(preference.name);
+    json.member("name", preference.name);
     if (!preference.isSecret || withPasswords) {
         writeBytes(json, "value", "valueBase64", record.value);
-        json.member("stored");
-        if (record.stored)
-            json.string(*record.stored);
-        else
-            json.null();
+        json.member("stored", record.stored);
     }
-    json.member("flaws");
-    json.beginArray();
-    for (const Flaw& flaw : record.flaws)
-        json.string(flaw.name);
-    json.endArray();
-    json.endObject();
+    json.member("flaws", namesOf(record.flaws));
 }
 
 int showPreferences(const QCommandLineParser& arguments)
@@ -100,11 +60,10 @@ int showPreferences(const QCommandLineParser& arguments)
     return listStore(
         *preferences, arguments, [&] { printPreferences(*preferences, withPasswords); },
         [&](JsonWriter& json) {
-            json.member("preferences");
-            json.beginArray();
-            for (const PreferenceRecord& record : preferences->records())
-                writePreference(json, record, withPasswords);
-            json.endArray();
+            writeArray(json, "preferences", preferences->records(),
+                       [withPasswords](JsonWriter& member, const PreferenceRecord& record) {
+                           writePreference(member, record, withPasswords);
+                       });
         });
 }
 
@@ -122,34 +81,24 @@ int getPreference(const QCommandLineParser& arguments)
                  QString("%1 is only shown with --show-passwords").arg(preference->name));
         return FAILED;
     }
-    const Document document = readDocument(preferences->file().path());
-    if (document.state == Document::State::UNREADABLE) {
-        complain(preferences->file().path(),
-                 QString("cannot be read: %1; make it readable").arg(printable(document.problem)));
+    const QString path = preferences->file().path();
+    const Document document = readDocument(path);
+    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
         return FAILED;
-    }
     preferences->load();
     const PreferenceRecord record = preferences->record(*preference);
     if (arguments.isSet("json")) {
         JsonWriter json;
+        json.beginObject();
         writePreference(json, record, withPasswords);
+        json.endObject();
     } else {
         printLine(printableBytes(record.value));
     }
-    if (document.state != Document::State::DAMAGED)
-        return DONE;
-    complainAboutDamage(preferences->file().path(), document);
-    return FAILED;
+    return exitCodeOfReading(path, document);
 }
 
 // --- set --------------------------------------------------------------------------------------------------
-
-/// A value that was asked for.
-struct Wish
-{
-    const Preference* preference;
-    QByteArray value;
-};
 
 /// Reads a value. Complains and returns nothing when it cannot be one.
 std::optional<QByteArray> readValue(const Preferences& preferences, const Preference& preference,
@@ -158,10 +107,9 @@ std::optional<QByteArray> readValue(const Preferences& preferences, const Prefer
     QByteArray value = argument.toUtf8();
     if (preference.isSecret) {
         if (argument != "-") {
-            complain(
-                preferences.file().path(),
+            preferences.refuse(
                 QString(
-                    "nothing was changed: give \"-\" for the value of %1, which is then read from "
+                    "give \"-\" for the value of %1, which is then read from "
                     "--password-file, from standard input or from the keyboard; every user of the machine "
                     "can read a command line")
                     .arg(preference.name));
@@ -175,8 +123,7 @@ std::optional<QByteArray> readValue(const Preferences& preferences, const Prefer
     QString problem;
     const std::optional<QByteArray> checked = preference.checkedValue(value, problem);
     if (!checked)
-        complain(preferences.file().path(),
-                 QString("nothing was changed: %1 %2").arg(preference.name, problem));
+        preferences.refuse(QString("%1 %2").arg(preference.name, problem));
     return checked;
 }
 
@@ -190,12 +137,10 @@ std::optional<std::vector<Wish>> readWishes(const Preferences& preferences,
         const Preference* const preference = findPreference(preferences, words.at(i));
         if (!preference)
             return std::nullopt;
-        for (const Wish& wish : wishes) {
-            if (wish.preference == preference) {
-                complain(preferences.file().path(),
-                         QString("nothing was changed: %1 is set twice").arg(preference->name));
-                return std::nullopt;
-            }
+        if (std::any_of(wishes.begin(), wishes.end(),
+                        [preference](const Wish& wish) { return wish.preference == preference; })) {
+            preferences.refuse(QString("%1 is set twice").arg(preference->name));
+            return std::nullopt;
         }
         const std::optional<QByteArray> value =
             readValue(preferences, *preference, words.at(i + 1), arguments);
@@ -204,29 +149,6 @@ std::optional<std::vector<Wish>> readWishes(const Preferences& preferences,
         wishes.push_back({preference, *value});
     }
     return wishes;
-}
-
-/// Sets a preference, unless the file has that value already.
-Outcome grant(const Preferences& preferences, const Wish& wish, QStringList& changes)
-{
-    const Preference& preference = *wish.preference;
-    const PreferenceRecord before = preferences.record(preference);
-    const QString value = preference.isSecret ? "(hidden)" : namedValue(preference, wish.value);
-    if (before.stored && *before.stored == preference.storedText(wish.value)) {
-        changes.append(QString("%1: %2, as it was").arg(preference.name, value));
-        return Outcome::UNCHANGED;
-    }
-    if (!preference.set(wish.value)) {
-        complain(preferences.file().path(),
-                 QString("nothing was changed: the store refuses the value of %1").arg(preference.name));
-        return Outcome::REFUSED;
-    }
-    if (preference.isSecret)
-        changes.append(QString("%1: another one").arg(preference.name));
-    else
-        changes.append(
-            QString("%1: %2 -> %3").arg(preference.name, namedValue(preference, before.value), value));
-    return Outcome::CHANGED;
 }
 
 int setPreferences(const QCommandLineParser& arguments)
@@ -241,23 +163,11 @@ int setPreferences(const QCommandLineParser& arguments)
     const std::optional<std::vector<Wish>> wishes = readWishes(*preferences, arguments);
     if (!wishes)
         return FAILED;
-    return changeStore(*preferences, arguments, [&](QStringList& changes) {
-        Outcome all = Outcome::UNCHANGED;
-        for (const Wish& wish : *wishes) {
-            const Outcome outcome = grant(*preferences, wish, changes);
-            if (outcome == Outcome::REFUSED)
-                return outcome;
-            if (outcome == Outcome::CHANGED)
-                all = outcome;
-        }
-        return all;
-    });
+    return grantWishes(*preferences, *wishes, arguments);
 }
 
 // --- The commands -----------------------------------------------------------------------------------------
 
-const Argument SCOPE{"common|user", "The preferences of the device, or those of a user."};
-const Argument DIR{"DIR", "The settings directory that holds repostry.xml or repostry_private.xml."};
 const QCommandLineOption SHOW_PASSWORDS_OPTION{SHOW_PASSWORDS, "Show the proxy's password, too."};
 
 /// The names of all preferences, for the help.
@@ -269,39 +179,34 @@ QString namesOf(const std::vector<Preference>& table)
     return lines;
 }
 
-Command showCommand()
+} // namespace
+
+Command preferenceShowCommand()
 {
-    Command command;
-    command.name = "show";
-    command.summary = "Show all preferences with their values.";
+    Command command("show", "Show all preferences with their values.", showPreferences);
     command.details = "Where the file holds something else than the store answers, the name is marked with\n"
                       "*, and a line below the table tells what.";
     command.examples = {"tlvctl prefs show common /data/settings",
                         "tlvctl prefs show user /data/user --json"};
-    command.arguments = {SCOPE, DIR};
+    command.arguments = {scopeArgument(), preferenceDirArgument()};
     command.options = {jsonOption(), SHOW_PASSWORDS_OPTION};
-    command.run = showPreferences;
     return command;
 }
 
-Command getCommand()
+Command preferenceGetCommand()
 {
-    Command command;
-    command.name = "get";
-    command.summary = "Print the value of a preference.";
+    Command command("get", "Print the value of a preference.", getPreference);
     command.examples = {"tlvctl prefs get common /data/settings proxy.host"};
-    command.arguments = {
-        SCOPE, DIR, {"NAME", "The name of a preference, as \"tlvctl prefs show\" shows it."}};
+    command.arguments = {scopeArgument(),
+                         preferenceDirArgument(),
+                         {"NAME", "The name of a preference, as \"tlvctl prefs show\" shows it."}};
     command.options = {jsonOption(), SHOW_PASSWORDS_OPTION};
-    command.run = getPreference;
     return command;
 }
 
-Command setCommand()
+Command preferenceSetCommand()
 {
-    Command command;
-    command.name = "set";
-    command.summary = "Set preferences.";
+    Command command("set", "Set preferences.", setPreferences);
     command.details =
         "All values are checked before the first is set. The names for common are:" +
         namesOf(commonPreferences()) + "\nand for user:" + namesOf(userPreferences()) +
@@ -311,26 +216,11 @@ Command setCommand()
         "tlvctl prefs set common /data/settings proxy.host proxy.example.net proxy.enabled yes",
         "tlvctl prefs set user /data/user page.zoom 1.2",
         "tlvctl prefs set common /data/settings proxy.password - --password-file secret"};
-    command.arguments = {SCOPE,
-                         DIR,
+    command.arguments = {scopeArgument(),
+                         preferenceDirArgument(),
                          {"NAME", "The name of a preference."},
                          {"VALUE", "Its value; more names and values may follow.", true}};
-    command.options = {
-        {PASSWORD_FILE, "Read the proxy's password from this file, at most 80 bytes.", "FILE"}};
-    command.options += changeOptions("the file");
-    command.run = setPreferences;
+    command.options = changeOptions(
+        "the file", {{PASSWORD_FILE, "Read the proxy's password from this file, at most 80 bytes.", "FILE"}});
     return command;
-}
-
-} // namespace
-
-Command preferenceCommands()
-{
-    Command group;
-    group.name = "prefs";
-    group.summary = "Show or set preferences of the device or of a user.";
-    group.examples = {"tlvctl prefs show common /data/settings", "tlvctl prefs get user /data/user page.zoom",
-                      "tlvctl prefs set common /data/settings proxy.host proxy.example.net"};
-    group.commands = {showCommand(), getCommand(), setCommand()};
-    return group;
 }

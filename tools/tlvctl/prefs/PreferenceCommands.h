@@ -3,7 +3,10 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// "tlvctl prefs": the preferences of the device and of a user.
-Command preferenceCommands();
+Command preferenceShowCommand();
+Command preferenceGetCommand();
+Command preferenceSetCommand();
+Command preferenceExportCommand();
+Command preferenceImportCommand();
 
 #endif

@@ -1,8 +1,6 @@
 #include "tools/tlvctl/prefs/Preferences.h"
 
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/prefs/PreferenceTables.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 #include <tlvlib/prefs/TVNC_BrowserUserSetting.h>
@@ -14,8 +12,8 @@ template <typename Setting>
 class PreferencesOf : public Preferences
 {
 public:
-    PreferencesOf(const QString& dir, const QString& name, std::vector<Preference> table)
-        : Preferences(dir, name, std::move(table)), store_(*Setting::getInstance())
+    PreferencesOf(const QString& dir, const QString& name, const char* root, std::vector<Preference> table)
+        : Preferences(dir, name, root, std::move(table)), store_(*Setting::getInstance())
     {
     }
 
@@ -41,11 +39,8 @@ private:
 /// The text of a leaf; nothing when the document lacks it.
 std::optional<QString> textIn(TVNC_XMLNode* root, const Preference& preference)
 {
-    QString group = preference.group;
-    QString leaf = preference.leaf;
-    TVNC_XMLNode* node = root ? root->getXMLNodeChildByName(group) : nullptr;
-    node = node ? node->getXMLNodeChildByName(leaf) : nullptr;
-    return node ? std::optional<QString>(node->getText()) : std::nullopt;
+    TVNC_XMLNode* const group = root ? childOf(*root, preference.group) : nullptr;
+    return group ? textOf(*group, preference.leaf) : std::nullopt;
 }
 
 /// What is wrong with a text in the document that the store does not answer as it stands.
@@ -118,26 +113,21 @@ std::optional<QByteArray> Preference::checkedValue(const QByteArray& value, QStr
     return std::nullopt;
 }
 
-Preferences::Preferences(const QString& dir, const QString& name, std::vector<Preference> table)
-    : Store(dir, name), table_(std::move(table))
+Preferences::Preferences(const QString& dir, const QString& name, const char* root,
+                         std::vector<Preference> table)
+    : Store(dir, name, {root, nullptr}), table_(std::move(table))
 {
 }
 
 std::unique_ptr<Preferences> Preferences::open(const QString& scope, const QString& dir)
 {
     if (scope == "common")
-        return std::make_unique<PreferencesOf<TVNC_BrowserCommonSetting>>(dir, "repostry.xml",
-                                                                          commonPreferences());
+        return std::make_unique<PreferencesOf<TVNC_BrowserCommonSetting>>(
+            dir, "repostry.xml", "repostry_common", commonPreferences());
     if (scope == "user")
         return std::make_unique<PreferencesOf<TVNC_BrowserUserSetting>>(dir, "repostry_private.xml",
-                                                                        userPreferences());
+                                                                        "repostry", userPreferences());
     return nullptr;
-}
-
-void Preferences::load()
-{
-    fileRoot_ = readDocument(file().path()).root;
-    loadSetting();
 }
 
 QStringList Preferences::changesOfLoading() const

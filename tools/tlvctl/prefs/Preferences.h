@@ -63,7 +63,6 @@ public:
     /// Those of the device for "common", those of a user for "user", nothing for any other scope.
     static std::unique_ptr<Preferences> open(const QString& scope, const QString& dir);
 
-    void load() override;
     int count() const override { return static_cast<int>(table_.size()); }
     QStringList changesOfLoading() const override;
     bool hasDefaults() const override { return true; }
@@ -81,14 +80,17 @@ public:
     bool isLoadedFromFile() const { return fileRoot_ != nullptr; }
 
 protected:
-    Preferences(const QString& dir, const QString& name, std::vector<Preference> table);
+    Preferences(const QString& dir, const QString& name, const char* root, std::vector<Preference> table);
 
-    /// Has the store load the file.
-    virtual void loadSetting() = 0;
+    void compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override { fileRoot_ = std::move(fileRoot); }
 
 private:
     std::vector<Preference> table_;
     std::unique_ptr<TVNC_XMLNode> fileRoot_;
 };
+
+/// All preferences by the names that a person would use. A new one is a row there.
+std::vector<Preference> commonPreferences();
+std::vector<Preference> userPreferences();
 
 #endif

@@ -10,11 +10,26 @@
 #include <QtCore/QFileInfo>
 
 #include <utility>
-#include <vector>
+
+#include <sys/stat.h>
 
 namespace {
 
-Damage damageFoundBy(const TVNC_XMLReader& reader)
+/// The first byte of a file that begins no character of UTF-8; -1 where there is none.
+int firstWrongByte(const QByteArray& bytes)
+{
+    for (int i = 0; i < bytes.size();) {
+        const uchar lead = static_cast<uchar>(bytes.at(i));
+        const int length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        const QByteArray character = bytes.mid(i, length);
+        if (length > 1 && QString::fromUtf8(character).toUtf8() != character)
+            return i;
+        i += length;
+    }
+    return -1;
+}
+
+Damage damageFoundBy(const TVNC_XMLReader& reader, QFile& file)
 {
     Damage damage;
     damage.line = reader.lineNumber();
@@ -22,6 +37,17 @@ Damage damageFoundBy(const TVNC_XMLReader& reader)
     damage.reason = reader.errorString();
     if (damage.reason.endsWith('.'))
         damage.reason.chop(1); // it goes into a sentence of ours
+    file.seek(0);
+    const QByteArray bytes = file.readAll();
+    const int wrong = firstWrongByte(bytes);
+    if (wrong < 0 || !damage.reason.contains("encod", Qt::CaseInsensitive))
+        return damage;
+    const QByteArray before = bytes.left(wrong);
+    damage.line = before.count('\n') + 1;
+    damage.column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
+    damage.reason = QString("byte %1, 0x%2, is no UTF-8")
+                        .arg(wrong)
+                        .arg(static_cast<uchar>(bytes.at(wrong)), 2, 16, QLatin1Char('0'));
     return damage;
 }
 
@@ -36,13 +62,25 @@ bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
 
 } // namespace
 
+QString problemWithPlace(const QString& path)
+{
+    struct stat info;
+    if (stat(QFile::encodeName(path).constData(), &info) != 0 || S_ISREG(info.st_mode))
+        return QString();
+    if (S_ISDIR(info.st_mode))
+        return "Is a directory";
+    if (S_ISFIFO(info.st_mode))
+        return "Is a FIFO";
+    return S_ISSOCK(info.st_mode) ? "Is a socket" : "Is a device";
+}
+
 Document readDocument(const QString& path)
 {
     Document document;
     QFile file(path);
-    if (QFileInfo(path).isDir()) {
+    document.problem = problemWithPlace(path);
+    if (!document.problem.isEmpty()) {
         document.state = Document::State::UNREADABLE;
-        document.problem = "Is a directory";
         return document;
     }
     if (!file.open(QIODevice::ReadOnly)) {
@@ -59,7 +97,7 @@ Document readDocument(const QString& path)
         document.problem = file.errorString();
     } else if (reader.hasError()) {
         document.state = Document::State::DAMAGED;
-        document.damage = damageFoundBy(reader);
+        document.damage = damageFoundBy(reader, file);
     } else {
         document.state = Document::State::COMPLETE;
     }
@@ -73,8 +111,18 @@ QString describe(const Damage& damage)
         .arg(QString::number(damage.line), QString::number(damage.column), printable(damage.reason));
 }
 
-void complainAboutDamage(const QString& path, const Document& document)
+bool checkReadable(const QString& path, const Document& document, const QString& advice)
 {
+    if (document.state != Document::State::MISSING && document.state != Document::State::UNREADABLE)
+        return true;
+    complain(path, QString("cannot be read: %1; %2").arg(printable(document.problem), advice));
+    return false;
+}
+
+int exitCodeOfReading(const QString& path, const Document& document)
+{
+    if (document.state != Document::State::DAMAGED)
+        return DONE;
     const QString damage = describe(document.damage);
     if (document.root)
         complain(path, damage + "; everything behind that place is not read. Correct the file there, or "
@@ -82,24 +130,22 @@ void complainAboutDamage(const QString& path, const Document& document)
     else
         complain(path, "no settings document: it holds no element, " + damage +
                            "; check that it is the right file");
+    return FAILED;
 }
 
 void writeCompleteness(JsonWriter& json, const Document& document)
 {
-    json.member("complete");
-    json.boolean(document.state != Document::State::DAMAGED);
+    const bool isComplete = document.state != Document::State::DAMAGED;
+    json.member("complete", isComplete);
     json.member("error");
-    if (document.state != Document::State::DAMAGED) {
+    if (isComplete) {
         json.null();
         return;
     }
     json.beginObject();
-    json.member("line");
-    json.number(document.damage.line);
-    json.member("column");
-    json.number(document.damage.column);
-    json.member("message");
-    json.string(document.damage.reason);
+    json.member("line", document.damage.line);
+    json.member("column", document.damage.column);
+    json.member("message", document.damage.reason);
     json.endObject();
 }
 

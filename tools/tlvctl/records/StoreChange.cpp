@@ -1,7 +1,8 @@
 #include "tools/tlvctl/records/StoreChange.h"
 
-#include "tools/tlvctl/commandline/Console.h"
+#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
+#include "tools/tlvctl/records/DirectoryLock.h"
 #include "tools/tlvctl/records/Record.h"
 
 #include <algorithm>
@@ -13,9 +14,19 @@ const QString FORCE = "force";
 const QString DRY_RUN = "dry-run";
 const QString MAX = "max";
 
-void printChanges(const Store& store, bool isDryRun, const QStringList& changes)
+void writeChanges(const StoreFile& file, bool isDryRun, const QStringList& changes)
 {
-    const QString path = printable(store.file().path());
+    JsonWriter json;
+    json.beginObject();
+    json.member("file", file.path());
+    json.member("dryRun", isDryRun);
+    json.member("changes", changes);
+    json.endObject();
+}
+
+void printChanges(const StoreFile& file, bool isDryRun, const QStringList& changes)
+{
+    const QString path = printable(file.path());
     if (isDryRun && changes.isEmpty())
         printLine(QString("dry run: nothing would change in %1").arg(path));
     else if (isDryRun)
@@ -24,46 +35,74 @@ void printChanges(const Store& store, bool isDryRun, const QStringList& changes)
         printLine(line);
 }
 
-/// Saves the store and reads the file back. Complains when that went wrong.
-bool saveStore(Store& store)
-{
-    store.save();
-    return store.checkSaved();
-}
-
-/// Complains and returns false when one of the records is absent.
-bool checkPresent(const Store& store, const std::set<int>& numbers)
+/// One of the numbers that no record has, if there is one.
+std::optional<int> absentNumber(const Store& store, const std::set<int>& numbers)
 {
     QSet<int> present;
     for (TVNC_XMLNode* record : std::as_const(store.root().getXMLNodeChildren()))
         numberOf(*record, present);
-    for (const int number : numbers) {
-        if (present.contains(number))
-            continue;
-        complain(store.file().path(),
-                 QString("nothing was changed: there is no record %1; see what the command "
-                         "\"list\" shows")
-                     .arg(numberText(number)));
+    const auto absent = std::find_if(numbers.begin(), numbers.end(),
+                                     [&present](int number) { return !present.contains(number); });
+    return absent == numbers.end() ? std::nullopt : std::optional<int>(*absent);
+}
+
+/// Reads "007" or a range, "0-2". Complains and returns false when it is neither.
+bool readNumbers(const QString& argument, std::set<int>& numbers)
+{
+    const int dash = static_cast<int>(argument.indexOf('-'));
+    const std::optional<int> first = recordNumber(dash < 0 ? argument : argument.left(dash));
+    const std::optional<int> last = dash < 0 ? first : recordNumber(argument.mid(dash + 1));
+    if (!first || !last)
+        return false;
+    if (*first > *last || *last - *first >= NUMBERED_MAX) {
+        wrongUsage(QString("%1 is no range of numbers").arg(quoted(argument)));
         return false;
     }
+    for (int number = *first; number <= *last; ++number)
+        numbers.insert(number);
     return true;
+}
+
+/// Saves the store. Keeps a copy of what only --force replaces.
+bool save(Store& store, bool isForced, QStringList& changes)
+{
+    if (isForced && readDocument(store.file().path()).state != Document::State::COMPLETE) {
+        const std::optional<QString> copy = store.file().keepCopy();
+        if (!copy)
+            return false;
+        if (!copy->isEmpty())
+            changes.append(QString("as it was, the file is in %1").arg(printable(*copy)));
+    }
+    return store.saveChecked();
 }
 
 } // namespace
 
-QList<QCommandLineOption> changeOptions(const QString& fileName)
+Outcome refused(const Store& store, const QString& problem)
 {
-    return {
-        {DRY_RUN, "Write nothing, but say what would change."},
-        {FORCE,
-         QString("Go on when %1 cannot be read to its end. What could not be read is lost.").arg(fileName)}};
+    store.refuse(problem);
+    return Outcome::REFUSED;
+}
+
+QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCommandLineOption>& own)
+{
+    return own +
+           QList<QCommandLineOption>{
+               {DRY_RUN, "Write nothing, but say what would change."},
+               {FORCE,
+                QString("Go on when %1 cannot be read to its end. A copy of it is kept.").arg(fileName)}};
 }
 
 int changeStore(Store& store, const QCommandLineParser& arguments,
                 const std::function<Outcome(QStringList& changes)>& change,
                 const std::function<void(QStringList& changes)>& finish)
 {
-    if (!store.file().checkDirectory() || !store.file().checkReplaceable(arguments.isSet(FORCE)))
+    const StoreFile& file = store.file();
+    DirectoryLock lock;
+    if (!file.checkDirectory() || (!isDryRun(arguments) && !lock.take(file.dir())))
+        return FAILED;
+    const bool isForced = arguments.isSet(FORCE);
+    if (!file.checkReplaceable(isForced) || !file.checkWritable())
         return FAILED;
     store.load();
     QStringList changes;
@@ -71,14 +110,22 @@ int changeStore(Store& store, const QCommandLineParser& arguments,
     if (outcome == Outcome::REFUSED)
         return FAILED;
     if (outcome == Outcome::CHANGED) {
-        if (!isDryRun(arguments) && !saveStore(store))
+        if (!isDryRun(arguments) && !save(store, isForced, changes))
             return FAILED;
         if (finish)
             finish(changes);
         changes = store.changesOfLoading() + changes;
     }
-    printChanges(store, isDryRun(arguments), changes);
+    tellChanges(file, arguments, changes);
     return DONE;
+}
+
+void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes)
+{
+    if (arguments.isSet("json"))
+        writeChanges(file, isDryRun(arguments), changes);
+    else
+        printChanges(file, isDryRun(arguments), changes);
 }
 
 std::optional<int> parseNumber(const QString& text)
@@ -99,6 +146,16 @@ std::optional<int> recordNumber(const QString& argument)
     return number;
 }
 
+bool checkAddable(const Store& store, const QString& what, const QString& text, const QString& problem,
+                  const QString& advice)
+{
+    if (!problem.isEmpty())
+        complain(
+            store.file().path(),
+            QString("nothing was added: the %1 %2 %3; give %4").arg(what, quoted(text), problem, advice));
+    return problem.isEmpty();
+}
+
 bool isDryRun(const QCommandLineParser& arguments)
 {
     return arguments.isSet(DRY_RUN);
@@ -116,14 +173,12 @@ int removeRecords(Store& store, const QCommandLineParser& arguments,
 {
     std::set<int> numbers;
     for (const QString& text : arguments.positionalArguments().mid(1)) {
-        const std::optional<int> number = recordNumber(text);
-        if (!number)
+        if (!readNumbers(text, numbers))
             return WRONG_USAGE;
-        numbers.insert(*number);
     }
     const auto removeAll = [&](QStringList& changes) {
-        if (!checkPresent(store, numbers))
-            return Outcome::REFUSED;
+        if (const std::optional<int> absent = absentNumber(store, numbers))
+            return refused(store, noSuchRecord(*absent));
         for (const int number : numbers)
             changes.append(changeLine("removed", numberText(number), describe(number)));
         // From the back, so that the numbers of those to come stay what they are.
@@ -133,9 +188,14 @@ int removeRecords(Store& store, const QCommandLineParser& arguments,
     return changeStore(store, arguments, removeAll, finish);
 }
 
-bool checkPresent(const Store& store, int number)
+bool hasRecord(const Store& store, int number)
 {
-    return checkPresent(store, std::set<int>{number});
+    return !absentNumber(store, {number});
+}
+
+QString noSuchRecord(int number)
+{
+    return QString("there is no record %1; see what the command \"list\" shows").arg(numberText(number));
 }
 
 QString changeLine(const char* verb, const QString& number, const QString& what)

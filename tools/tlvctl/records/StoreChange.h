@@ -2,6 +2,7 @@
 #define TOOLS_TLVCTL_RECORDS_STORECHANGE_H
 
 #include "tools/tlvctl/commandline/CommandLine.h"
+#include "tools/tlvctl/commandline/Console.h"
 #include "tools/tlvctl/records/Store.h"
 
 #include <QtCore/QStringList>
@@ -22,8 +23,12 @@ enum class Outcome {
     CHANGED,
 };
 
-/// The options of every command that changes a store: "--dry-run" and "--force".
-QList<QCommandLineOption> changeOptions(const QString& fileName);
+/// Complains that nothing was changed, and why.
+Outcome refused(const Store& store, const QString& problem);
+
+/// A command's own options with those of every command that changes a store: "--dry-run", "--force" and
+/// "--json".
+QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCommandLineOption>& own = {});
 
 /**
  * Changes a store: checks that its file may be replaced, loads it, has it changed, saves it, reads the file
@@ -38,6 +43,9 @@ QList<QCommandLineOption> changeOptions(const QString& fileName);
 int changeStore(Store& store, const QCommandLineParser& arguments,
                 const std::function<Outcome(QStringList& changes)>& change,
                 const std::function<void(QStringList& changes)>& finish = nullptr);
+
+/// Prints what has changed in a file, or what would with "--dry-run", as text or JSON.
+void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes);
 
 /// The argument "NUMBER...", which removeRecords() takes.
 Argument numbersArgument();
@@ -61,8 +69,20 @@ std::optional<int> parseNumber(const QString& text);
 /// Reads an argument that is the number of a record. Complains and returns nothing when it is none.
 std::optional<int> recordNumber(const QString& argument);
 
-/// Complains and returns false when the loaded store has no record of this number.
-bool checkPresent(const Store& store, int number);
+/// Whether the loaded store has a record of this number.
+bool hasRecord(const Store& store, int number);
+
+/// What there is to say where it has none.
+QString noSuchRecord(int number);
+
+/**
+ * Complains and returns false when the store or its file cannot keep a text that is to be added.
+ *
+ * @param what   the text's name
+ * @param advice what to give in its place
+ */
+bool checkAddable(const Store& store, const QString& what, const QString& text, const QString& problem,
+                  const QString& advice = "another one");
 
 /// Whether "--dry-run" is given.
 bool isDryRun(const QCommandLineParser& arguments);
@@ -75,5 +95,18 @@ QCommandLineOption maximumOption();
 
 /// Reads that option. Complains and returns nothing when it is no maximum.
 std::optional<int> maximumArgument(const QCommandLineParser& arguments);
+
+/// Removes records of a list with a maximum that has entry(), line() and remove() for the record of a number.
+template <typename List>
+int removeUpToMaximum(const QCommandLineParser& arguments)
+{
+    const std::optional<int> maximum = maximumArgument(arguments);
+    if (!maximum)
+        return WRONG_USAGE;
+    List list(pathArgument(arguments), *maximum);
+    return removeRecords(
+        list, arguments, [&list](int number) { return List::line(list.entry(number)); },
+        [&list](int number) { list.remove(number); });
+}
 
 #endif

@@ -1,27 +1,25 @@
 #include "tools/tlvctl/records/StoreList.h"
 
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Table.h"
 #include "tools/tlvctl/commandline/Text.h"
-#include "tools/tlvctl/records/Record.h"
 
 #include <algorithm>
 
 namespace {
+
+/// How many notes stand below a list.
+const int NOTES_MAX = 20;
 
 void writeList(const Store& store, const Document& document,
                const std::function<void(JsonWriter&)>& writeMembers)
 {
     JsonWriter json;
     json.beginObject();
-    json.member("file");
-    json.string(store.file().path());
-    json.member("exists");
-    json.boolean(document.state != Document::State::MISSING);
+    json.member("file", store.file().path());
+    json.member("exists", document.state != Document::State::MISSING);
     writeCompleteness(json, document);
-    json.member("count");
-    json.number(store.count());
+    json.member("count", store.count());
     writeMembers(json);
     json.endObject();
 }
@@ -43,19 +41,14 @@ int listStore(Store& store, const QCommandLineParser& arguments, const std::func
         return FAILED;
     const QString path = store.file().path();
     const Document document = readDocument(path);
-    if (document.state == Document::State::UNREADABLE) {
-        complain(path, QString("cannot be read: %1; make it readable").arg(printable(document.problem)));
+    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
         return FAILED;
-    }
     store.load();
     if (arguments.isSet("json"))
         writeList(store, document, writeMembers);
     else
         printList(store, document, printText);
-    if (document.state != Document::State::DAMAGED)
-        return DONE;
-    complainAboutDamage(path, document);
-    return FAILED;
+    return exitCodeOfReading(path, document);
 }
 
 void printRecords(int counted, const QStringList& header, const std::vector<ListedRecord>& records,
@@ -67,84 +60,38 @@ void printRecords(int counted, const QStringList& header, const std::vector<List
         table.addRow(QStringList(numberText(records[i].number) + mark) + cells(i));
     }
     table.print();
-    qint64 flawed = 0;
+    int noted = 0;
     for (const ListedRecord& record : records) {
-        if (record.flaws.empty())
-            continue;
-        ++flawed;
-        printLine("* " + recordName(record) + ": " + explanationsOf(record.flaws));
+        if (!record.flaws.empty() && ++noted <= NOTES_MAX)
+            printLine("* " + recordName(record) + ": " + explanationsOf(record.flaws));
     }
+    if (noted > NOTES_MAX)
+        printLine(QString("* and %1 more, which --json tells").arg(noted - NOTES_MAX));
     for (const QString& remark : remarks)
         printLine(remark);
+    printCount(counted, records, "marked");
+}
+
+void printCount(int counted, const std::vector<ListedRecord>& records, const char* mark)
+{
+    const auto flawed = std::count_if(records.begin(), records.end(),
+                                      [](const ListedRecord& record) { return !record.flaws.empty(); });
     QString line = QString("records: %1, counted by the store: %2").arg(records.size()).arg(counted);
     if (flawed > 0)
-        line += QString(", marked: %1").arg(flawed);
+        line += QString(", %1: %2").arg(mark).arg(flawed);
     printLine(line);
 }
 
 void writeBytes(JsonWriter& json, const char* textMember, const char* base64Member, const QByteArray& bytes)
 {
     const std::optional<QString> text = utf8Text(bytes);
-    json.member(textMember);
-    if (text)
-        json.string(*text);
-    else
-        json.null();
-    json.member(base64Member);
-    if (text)
-        json.null();
-    else
-        json.string(QString::fromLatin1(bytes.toBase64()));
+    json.member(textMember, text);
+    json.member(base64Member, text ? std::nullopt : std::optional<QString>(bytes.toBase64()));
 }
 
 void writeRecord(JsonWriter& json, const ListedRecord& record)
 {
-    json.member("number");
-    if (record.number)
-        json.number(*record.number);
-    else
-        json.null();
-    json.member("filePosition");
-    json.number(record.filePosition);
-    json.member("flaws");
-    json.beginArray();
-    for (const Flaw& flaw : record.flaws)
-        json.string(flaw.name);
-    json.endArray();
-}
-
-QStringList remarkAboutNumbers(int renumbered)
-{
-    if (renumbered == 0)
-        return {};
-    return {QString("numbers that stand otherwise in the file, and are given anew by loading: %1")
-                .arg(renumbered)};
-}
-
-int countRenumbered(TVNC_XMLNode* root)
-{
-    if (!root)
-        return 0;
-    const QList<TVNC_XMLNode*>& records = root->getXMLNodeChildren();
-    int renumbered = 0;
-    for (int i = 0; i < std::min(static_cast<int>(records.size()), NUMBERED_MAX); ++i) {
-        if (records.at(i)->getAttribute().value("id") != numberText(i))
-            ++renumbered;
-    }
-    return renumbered;
-}
-
-QString recordName(const ListedRecord& record)
-{
-    if (record.number)
-        return numberText(record.number);
-    return QString("%1 (record %2 of the file)").arg(numberText(record.number)).arg(record.filePosition + 1);
-}
-
-QString explanationsOf(const std::vector<Flaw>& flaws)
-{
-    QStringList explanations;
-    for (const Flaw& flaw : flaws)
-        explanations.append(flaw.explanation);
-    return explanations.join("; ");
+    json.member("number", record.number);
+    json.member("filePosition", record.filePosition);
+    json.member("flaws", namesOf(record.flaws));
 }

@@ -1,16 +1,15 @@
 #ifndef TOOLS_TLVCTL_RECORDS_STORELIST_H
 #define TOOLS_TLVCTL_RECORDS_STORELIST_H
 
+#include "tools/tlvctl/commandline/JsonWriter.h"
+#include "tools/tlvctl/records/Record.h"
 #include "tools/tlvctl/records/Store.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QStringList>
 
 #include <functional>
-#include <optional>
 #include <vector>
-
-class JsonWriter;
 
 /**
  * @file
@@ -29,21 +28,6 @@ class JsonWriter;
 int listStore(Store& store, const QCommandLineParser& arguments, const std::function<void()>& printText,
               const std::function<void(JsonWriter& json)>& writeMembers);
 
-/// What keeps a record from being one like any other.
-struct Flaw
-{
-    const char* name;    ///< for JSON
-    QString explanation; ///< fit for a terminal
-};
-
-/// A record of the list, whatever its store.
-struct ListedRecord
-{
-    std::optional<int> number;
-    int filePosition = 0; ///< among the records of the file, from 0 on
-    std::vector<Flaw> flaws;
-};
-
 /**
  * Prints a table, a line for each record that has flaws, the remarks, and how many records there are. The
  * numbers of flawed records are marked with "*".
@@ -55,6 +39,9 @@ struct ListedRecord
 void printRecords(int counted, const QStringList& header, const std::vector<ListedRecord>& records,
                   const std::function<QStringList(size_t index)>& cells, const QStringList& remarks);
 
+/// The last line of a list, with the number of flawed records, if there are any, behind @a mark.
+void printCount(int counted, const std::vector<ListedRecord>& records, const char* mark);
+
 /**
  * Writes two members, one of which is null: the text of the bytes, unless they are no UTF-8, or else their
  * base64.
@@ -64,15 +51,45 @@ void writeBytes(JsonWriter& json, const char* textMember, const char* base64Memb
 /// Writes the members "number", "filePosition" and "flaws" of a record's object.
 void writeRecord(JsonWriter& json, const ListedRecord& record);
 
-/// "loading numbers 3 records anew", when the records of a file have other numbers than their places.
-QStringList remarkAboutNumbers(int renumbered);
+/// Writes a member that is an array with an object for each record.
+template <typename Records, typename Write>
+void writeArray(JsonWriter& json, const char* member, const Records& records, Write write)
+{
+    json.member(member);
+    json.beginArray();
+    for (const auto& record : records) {
+        json.beginObject();
+        write(json, record);
+        json.endObject();
+    }
+    json.endArray();
+}
 
-/// How many of the first 999 records have another number in the file than loading will give them.
-int countRenumbered(TVNC_XMLNode* root);
+/// How a list of numbered records is shown.
+template <typename Record>
+struct ListView
+{
+    QStringList header; ///< the columns behind that of the number
+    std::function<QStringList(const Record& record)> cells;
+    const char* member; ///< the array of all records in JSON
+    std::function<void(JsonWriter& json, const Record& record)> write;
+};
 
-/// What stands before the explanation of a record's flaws: "003" or "--- (record 1001 of the file)".
-QString recordName(const ListedRecord& record);
-
-QString explanationsOf(const std::vector<Flaw>& flaws);
+/// Lists the records of a store: those that its records() has, with its remarks().
+template <typename List, typename Record>
+int listRecords(List& list, const QCommandLineParser& arguments, const ListView<Record>& view)
+{
+    const auto print = [&] {
+        const std::vector<Record> records = list.records();
+        printRecords(
+            list.count(), view.header, {records.begin(), records.end()},
+            [&](size_t i) { return view.cells(records[i]); }, list.remarks());
+    };
+    const auto write = [&](JsonWriter& json) {
+        list.writeRemarks(json);
+        writeArray(json, view.member, list.records(), view.write);
+    };
+    return listStore(list, arguments, print, write);
+}
 
 #endif

@@ -3,7 +3,8 @@
 
 #include "tools/tlvctl/commandline/CommandLine.h"
 
-/// The group "thumbnails".
-Command thumbnailCommands();
+Command thumbnailListCommand();
+Command thumbnailPackCommand();
+Command thumbnailUnpackCommand();
 
 #endif

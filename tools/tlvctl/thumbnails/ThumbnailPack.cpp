@@ -1,7 +1,6 @@
 #include "tools/tlvctl/thumbnails/ThumbnailPack.h"
 
 #include "tools/tlvctl/commandline/Console.h"
-#include "tools/tlvctl/commandline/JsonWriter.h"
 #include "tools/tlvctl/commandline/Text.h"
 
 #include <QtCore/QSet>
@@ -42,20 +41,18 @@ bool isPack(const Document& document)
     return document.root && document.root->getName() == "thumbnail";
 }
 
-Document readPack(const QString& path)
+std::optional<Document> readPack(const QString& path)
 {
     Document document = readDocument(path);
-    if (document.state == Document::State::MISSING || document.state == Document::State::UNREADABLE) {
-        complain(path,
-                 QString("cannot be read: %1; name a pack of thumbnails").arg(printable(document.problem)));
-    } else if (document.root && !isPack(document)) {
-        complain(path,
-                 QString("no pack of thumbnails: its root is %1; name one that \"tlvctl thumbnails pack\" or "
-                         "the browser has made")
-                     .arg(quoted(document.root->getName())));
-        document.state = Document::State::UNREADABLE;
-    }
-    return document;
+    if (!checkReadable(path, document, "name a pack of thumbnails"))
+        return std::nullopt;
+    if (!document.root || isPack(document))
+        return document;
+    complain(path,
+             QString("no pack of thumbnails: its root is %1; name one that \"tlvctl thumbnails pack\" or "
+                     "the browser has made")
+                 .arg(quoted(document.root->getName())));
+    return std::nullopt;
 }
 
 std::vector<PackedPicture> picturesOf(const Document& pack)
@@ -89,22 +86,9 @@ qint64 decodedSize(const QString& base64)
 
 void writePictures(JsonWriter& json, const std::vector<PackedPicture>& pictures)
 {
-    json.member("pictures");
-    json.beginArray();
-    for (const PackedPicture& picture : pictures) {
-        json.beginObject();
-        json.member("name");
-        json.string(picture.name);
-        json.member("bytes");
-        json.number(picture.bytes);
-        json.member("flaws");
-        json.beginArray();
-        for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
-            for (const Flaw& flaw : flaws)
-                json.string(flaw.name);
-        }
-        json.endArray();
-        json.endObject();
-    }
-    json.endArray();
+    writeArray(json, "pictures", pictures, [](JsonWriter& member, const PackedPicture& picture) {
+        member.member("name", picture.name);
+        member.member("bytes", picture.bytes);
+        member.member("flaws", namesOf(picture.omissions) + namesOf(picture.doubts));
+    });
 }

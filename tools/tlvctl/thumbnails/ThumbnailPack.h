@@ -27,8 +27,9 @@ struct PackedPicture
 /// Whether the document is a pack of thumbnails, by the name of its root.
 bool isPack(const Document& document);
 
-/// Reads a pack. Complains where the file cannot be read or is none; its state is then not COMPLETE.
-Document readPack(const QString& path);
+/// Reads a pack, which may be damaged. Complains and returns nothing where the file cannot be read or is
+/// none.
+std::optional<Document> readPack(const QString& path);
 
 std::vector<PackedPicture> picturesOf(const Document& pack);
 

@@ -1,9 +1,0 @@
-#ifndef TOOLS_TLVCTL_MANUAL_MANPAGE_H
-#define TOOLS_TLVCTL_MANUAL_MANPAGE_H
-
-#include "tools/tlvctl/commandline/CommandLine.h"
-
-/// The manual page of a tool in the macros of man(7), as UTF-8.
-QByteArray manPage(const Command& tool, const QString& version);
-
-#endif
