@@ -52,7 +52,7 @@ QString namedValue(const Preference& preference, const QByteArray& value)
 void printPreferences(const Preferences& preferences, bool withPasswords)
 {
     const std::vector<PreferenceRecord> records = preferences.records();
-    Table table({"name", "value", "meaning", "allowed"});
+    Table table({"name", "value", "meaning", "allowed"}, true);
     for (const PreferenceRecord& record : records) {
         const Preference& preference = *record.preference;
         table.addRow({preference.name + (record.flaws.empty() ? "" : "*"),
@@ -158,6 +158,12 @@ std::optional<QByteArray> readValue(const Preferences& preferences, const Prefer
     }
     QString problem;
     const std::optional<QByteArray> checked = preference.checkedValue(value, problem);
+    if (checked && !arguments.isSet("force"))
+        problem = preference.doubtAbout(*checked);
+    if (checked && !problem.isEmpty()) {
+        preferences.refuse(QString("%1 %2").arg(preference.name, problem));
+        return std::nullopt;
+    }
     if (!checked)
         preferences.refuse(QString("%1 %2").arg(preference.name, problem));
     return checked;
@@ -199,11 +205,15 @@ Outcome grant(const Preferences& preferences, const Wish& wish, QStringList& cha
     }
     if (!preference.set(wish.value))
         return refused(preferences, QString("the store refuses the value of %1").arg(preference.name));
-    if (preference.isSecret)
+    if (preference.isSecret) {
         changes.append(QString("%1: another one").arg(preference.name));
-    else
-        changes.append(
-            QString("%1: %2 -> %3").arg(preference.name, namedValue(preference, before.value), value));
+        return Outcome::CHANGED;
+    }
+    QString line = QString("%1: %2 -> %3").arg(preference.name, namedValue(preference, before.value), value);
+    const QByteArray answer = preference.get();
+    if (answer != wish.value)
+        line += QString(", which is answered as %1").arg(namedValue(preference, answer));
+    changes.append(line);
     return Outcome::CHANGED;
 }
 
