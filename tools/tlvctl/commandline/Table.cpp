@@ -72,7 +72,7 @@ QString cutToWidth(const QString& text, int width)
     return cut + QChar(0x2026);
 }
 
-Table::Table(const QStringList& header) : rows_{header} {}
+Table::Table(const QStringList& header, bool keepsFirst) : keepsFirst_(keepsFirst), rows_{header} {}
 
 void Table::addRow(const QStringList& cells)
 {
@@ -86,12 +86,13 @@ std::vector<int> Table::columnWidths(int lineWidth) const
     const int gaps = GAP * (static_cast<int>(widths.size()) - 1);
     qint64 surplus = std::accumulate(widths.begin(), widths.end(), qint64(gaps)) - lineWidth;
     while (surplus > 0) {
-        const auto widest = std::max_element(widths.begin(), widths.end());
+        const auto first = widths.begin() + (keepsFirst_ ? 1 : 0);
+        const auto widest = std::max_element(first, widths.end());
         if (*widest <= NARROWEST_COLUMN)
             break;
         // Down to the next widest column at once: a cell may have millions of characters.
         int next = NARROWEST_COLUMN;
-        for (auto width = widths.begin(); width != widths.end(); ++width) {
+        for (auto width = first; width != widths.end(); ++width) {
             if (width != widest)
                 next = std::max(next, *width);
         }

@@ -15,7 +15,8 @@
 class Table
 {
 public:
-    explicit Table(const QStringList& header);
+    /// @param keepsFirst whether the first column is never cut, because it is what other commands need
+    explicit Table(const QStringList& header, bool keepsFirst = false);
 
     void addRow(const QStringList& cells);
 
@@ -26,6 +27,7 @@ private:
     std::vector<int> columnWidths(int lineWidth) const;
     std::vector<int> naturalWidths() const;
 
+    bool keepsFirst_;
     std::vector<QStringList> rows_; ///< the header is the first
 };
 

@@ -32,6 +32,9 @@ namespace {
 /// Bytes of a picture's path that are left for a directory to grow by, below which it is told.
 const int NEAR_LIMIT_BYTES = 10;
 
+const char HIDDEN_RECORDS[] =
+    "a value holds the start of another record: look at the file, and correct it there";
+
 const char LEFTOVER[] = ".tlvsave";
 
 /// The files that a settings directory has.
@@ -130,6 +133,8 @@ std::optional<Plan> planDocument(const DocumentKind& kind, const Store& store)
     const QString path = store.file().path();
     const QByteArray bytes = contentOf(path);
     const DocumentForm& form = store.form();
+    if (hidesRecords(bytes, form))
+        return std::nullopt;
     Document document = readDocument(path);
     Plan plan;
     if (document.state == Document::State::DAMAGED) {
@@ -168,6 +173,8 @@ QStringList checkDocument(const DocumentKind& kind, Store& store)
                          .arg(quoted(document.root->getName()), store.form().root));
     if (document.state == Document::State::COMPLETE)
         lines += strayContent(path, store.form());
+    if (hidesRecords(contentOf(path), store.form()))
+        lines.append(HIDDEN_RECORDS);
     store.load();
     return lines + kind.findings(store);
 }
@@ -514,6 +521,8 @@ void addPacks(const QString& dir, std::vector<CheckedFile>& files)
                 lines.append(describe(document.damage) + ": what stands behind that place is not unpacked");
             else
                 lines += strayContent(path, form);
+            if (hidesRecords(contentOf(path), form))
+                lines.append(HIDDEN_RECORDS);
             for (const PackedPicture& picture : picturesOf(document)) {
                 for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
                     if (!flaws.empty())
@@ -525,7 +534,8 @@ void addPacks(const QString& dir, std::vector<CheckedFile>& files)
         const auto plan = [path, form]() -> std::optional<Plan> {
             const QByteArray bytes = contentOf(path);
             const Recovered recovered = recoverRecords(bytes, form);
-            if (readDocument(path).state != Document::State::DAMAGED || recovered.kept == 0)
+            if (readDocument(path).state != Document::State::DAMAGED || recovered.kept == 0 ||
+                hidesRecords(bytes, form))
                 return std::nullopt;
             Plan made;
             made.lost = recovered.lost;

@@ -10,6 +10,7 @@
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
+#include <cctype>
 
 namespace {
 
@@ -146,22 +147,30 @@ QByteArray withoutFrame(QByteArray gap, bool isFirst, bool isLast, const QByteAr
     return gap.trimmed();
 }
 
-int countTags(const QByteArray& bytes, const QByteArray& name)
+/// Records that begin or end there. A start tag without its attribute is a damaged end tag, or the root's.
+int countTags(const QByteArray& bytes, const DocumentForm& form)
 {
-    int starts = 0;
-    for (int at = nextStartTag(bytes, 0, name); at >= 0; at = nextStartTag(bytes, at + 1, name))
-        ++starts;
-    return std::max(starts, bytes.count("</" + name + '>'));
+    const QByteArray name = form.record;
+    return std::max(bytes.count('<' + name + ' ' + form.attribute + '='), bytes.count("</" + name + '>'));
+}
+
+/// End tags of whatever name.
+int countEndTags(const QByteArray& bytes)
+{
+    int count = 0;
+    for (int at = bytes.indexOf("</"); at >= 0 && at + 2 < bytes.size(); at = bytes.indexOf("</", at + 1))
+        count += std::isalpha(static_cast<uchar>(bytes.at(at + 2))) != 0 ? 1 : 0;
+    return count;
 }
 
 /// How many records of which something is there were in a gap.
 int lostIn(const QByteArray& gap, bool isFirst, bool isLast, const DocumentForm& form)
 {
-    const int tags = countTags(gap, form.record);
+    const int tags = countTags(gap, form);
     const QByteArray startTag = '<' + QByteArray(form.record);
     const bool isCutTag = isLast && gap.size() > 1 && startTag.startsWith(gap);
     // End tags of elements stand there: of a record that has lost both tags of its own.
-    const bool isWithoutTags = gap.mid(1).count("</") > (isFirst || isLast ? 1 : 0);
+    const bool isWithoutTags = countEndTags(gap.mid(1)) > (isFirst || isLast ? 1 : 0);
     return tags > 0 ? tags : isCutTag || isWithoutTags ? 1 : 0;
 }
 
@@ -189,6 +198,20 @@ bool isBlank(const QString& text)
 }
 
 } // namespace
+
+bool hidesRecords(const QByteArray& bytes, const DocumentForm& form)
+{
+    const QByteArray startTag = '<' + QByteArray(form.record ? form.record : form.root) + ' ';
+    int begin = bytes.indexOf("<![CDATA[");
+    while (begin >= 0) {
+        const int end = bytes.indexOf("]]>", begin);
+        const QByteArray section = bytes.mid(begin, end < 0 ? -1 : end - begin);
+        if (section.contains(startTag) && end >= 0)
+            return true;
+        begin = end < 0 ? -1 : bytes.indexOf("<![CDATA[", end);
+    }
+    return false;
+}
 
 Recovered recoverRecords(const QByteArray& bytes, const DocumentForm& form)
 {

@@ -38,6 +38,12 @@ struct LeafPlace
 Recovered recoverLeaves(const QByteArray& bytes, const DocumentForm& form,
                         const std::vector<LeafPlace>& places);
 
+/**
+ * Whether a value in a CDATA section holds the start of a record. A lost end of a section makes that, and so
+ * can a server with the value of a cookie; nobody can tell which, so that such a file is left to a person.
+ */
+bool hidesRecords(const QByteArray& bytes, const DocumentForm& form);
+
 /// Whether an element is the root of another document of the system.
 bool isRootOfAnother(const QString& name, const DocumentForm& form);
 

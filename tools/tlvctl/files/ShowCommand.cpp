@@ -12,6 +12,18 @@ namespace {
 /// Elements up to this depth are indented by it, deeper ones show it as a number.
 const int INDENTED_DEPTH = 20;
 
+const QString SHOW_SECRETS = "show-secrets";
+
+/// Whether an element's text is a password or a cookie's value, whatever document it stands in.
+bool isSecret(TVNC_XMLNode& node)
+{
+    const QString& name = node.getName();
+    if (name == "passwd" || name == "proxyUserPass")
+        return true;
+    TVNC_XMLNode* const parent = node.getXMLNodeParent();
+    return name == "contents" && parent && parent->getName() == "webSiteInfo";
+}
+
 bool isCData(TVNC_XMLNode& node)
 {
     return node.getTextType() == 1;
@@ -34,14 +46,15 @@ QString attributeText(const QXmlStreamAttribute& attribute)
            quoted(attribute.value().toString());
 }
 
-void printTree(TVNC_XMLNode& root)
+void printTree(TVNC_XMLNode& root, bool withSecrets)
 {
-    const auto enter = [](TVNC_XMLNode& node, int depth) {
+    const auto enter = [withSecrets](TVNC_XMLNode& node, int depth) {
         QString line = indentation(depth) + printable(node.getName());
         for (const QXmlStreamAttribute& attribute : std::as_const(node.getAttribute()))
             line += attributeText(attribute);
         if (!node.getText().isEmpty())
-            line += (isCData(node) ? "  CDATA " : "  text ") + quoted(node.getText());
+            line += (isCData(node) ? "  CDATA " : "  text ") +
+                    (isSecret(node) && !withSecrets ? "(hidden)" : quoted(node.getText()));
         printLine(line);
     };
     walkTree(root, enter, [](TVNC_XMLNode&) {});
@@ -57,17 +70,18 @@ void writeAttribute(JsonWriter& json, const QXmlStreamAttribute& attribute)
     json.endObject();
 }
 
-void writeText(JsonWriter& json, TVNC_XMLNode& node)
+void writeText(JsonWriter& json, TVNC_XMLNode& node, bool withSecrets)
 {
     const bool hasText = !node.getText().isEmpty();
-    json.member("text", hasText ? std::optional<QString>(node.getText()) : std::nullopt);
+    const bool isHidden = hasText && isSecret(node) && !withSecrets;
+    json.member("text", hasText && !isHidden ? std::optional<QString>(node.getText()) : std::nullopt);
     json.member("textType",
                 hasText ? std::optional<QString>(isCData(node) ? "cdata" : "text") : std::nullopt);
 }
 
-void writeTree(JsonWriter& json, TVNC_XMLNode& root)
+void writeTree(JsonWriter& json, TVNC_XMLNode& root, bool withSecrets)
 {
-    const auto enter = [&json](TVNC_XMLNode& node, int) {
+    const auto enter = [&json, withSecrets](TVNC_XMLNode& node, int) {
         json.beginObject();
         json.member("name", node.getName());
         json.member("attributes"); // a list: with namespaces, two of an element may have the same name
@@ -75,7 +89,7 @@ void writeTree(JsonWriter& json, TVNC_XMLNode& root)
         for (const QXmlStreamAttribute& attribute : std::as_const(node.getAttribute()))
             writeAttribute(json, attribute);
         json.endArray();
-        writeText(json, node);
+        writeText(json, node, withSecrets);
         json.member("children");
         json.beginArray();
     };
@@ -86,7 +100,7 @@ void writeTree(JsonWriter& json, TVNC_XMLNode& root)
     walkTree(root, enter, leave);
 }
 
-void writeDocument(const QString& path, const Document& document)
+void writeDocument(const QString& path, const Document& document, bool withSecrets)
 {
     JsonWriter json;
     json.beginObject();
@@ -94,7 +108,7 @@ void writeDocument(const QString& path, const Document& document)
     writeCompleteness(json, document);
     json.member("root");
     if (document.root)
-        writeTree(json, *document.root);
+        writeTree(json, *document.root, withSecrets);
     else
         json.null();
     json.endObject();
@@ -106,10 +120,11 @@ int show(const QCommandLineParser& arguments)
     const Document document = readDocument(path);
     if (!checkReadable(path, document, "name a settings file that you may read"))
         return FAILED;
+    const bool withSecrets = arguments.isSet(SHOW_SECRETS);
     if (arguments.isSet("json"))
-        writeDocument(path, document);
+        writeDocument(path, document, withSecrets);
     else if (document.root)
-        printTree(*document.root);
+        printTree(*document.root, withSecrets);
 
     return exitCodeOfReading(path, document);
 }
@@ -121,10 +136,10 @@ Command showCommand()
     Command command("show", "Show a settings file as a tree.", show);
     command.details = "One line an element: its name, its attributes, and its text, marked as text\n"
                       "(character data) or CDATA. Elements deeper than 20 are indented no further; they\n"
-                      "show their depth in brackets.";
+                      "show their depth in brackets. Passwords and the values of cookies are hidden.";
     command.examples = {"tlvctl show /data/settings/fontlist.xml",
                         "tlvctl show --json /data/settings/fontlist.xml"};
     command.arguments = {{"FILE", "The settings file."}};
-    command.options = {jsonOption()};
+    command.options = {jsonOption(), {SHOW_SECRETS, "Show passwords and the values of cookies, too."}};
     return command;
 }

@@ -23,7 +23,7 @@ QString shownValue(const Preference& preference, const QByteArray& value, bool w
 void printPreferences(const Preferences& preferences, bool withPasswords)
 {
     const std::vector<PreferenceRecord> records = preferences.records();
-    Table table({"name", "value", "meaning", "allowed"});
+    Table table({"name", "value", "meaning", "allowed"}, true);
     for (const PreferenceRecord& record : records) {
         const Preference& preference = *record.preference;
         table.addRow({preference.name + (record.flaws.empty() ? "" : "*"),
@@ -122,6 +122,12 @@ std::optional<QByteArray> readValue(const Preferences& preferences, const Prefer
     }
     QString problem;
     const std::optional<QByteArray> checked = preference.checkedValue(value, problem);
+    if (checked && !arguments.isSet("force"))
+        problem = preference.doubtAbout(*checked);
+    if (checked && !problem.isEmpty()) {
+        preferences.refuse(QString("%1 %2").arg(preference.name, problem));
+        return std::nullopt;
+    }
     if (!checked)
         preferences.refuse(QString("%1 %2").arg(preference.name, problem));
     return checked;

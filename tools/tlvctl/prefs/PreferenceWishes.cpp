@@ -23,11 +23,15 @@ Outcome grant(const Preferences& preferences, const Wish& wish, QStringList& cha
     }
     if (!preference.set(wish.value))
         return refused(preferences, QString("the store refuses the value of %1").arg(preference.name));
-    if (preference.isSecret)
+    if (preference.isSecret) {
         changes.append(QString("%1: another one").arg(preference.name));
-    else
-        changes.append(
-            QString("%1: %2 -> %3").arg(preference.name, namedValue(preference, before.value), value));
+        return Outcome::CHANGED;
+    }
+    QString line = QString("%1: %2 -> %3").arg(preference.name, namedValue(preference, before.value), value);
+    const QByteArray answer = preference.get();
+    if (answer != wish.value)
+        line += QString(", which is answered as %1").arg(namedValue(preference, answer));
+    changes.append(line);
     return Outcome::CHANGED;
 }
 

@@ -92,6 +92,18 @@ QString Preference::storedText(const QByteArray& value) const
     return isChoice() ? storedWords.value(static_cast<int>(words.indexOf(text))) : text;
 }
 
+QString Preference::doubtAbout(const QByteArray& value) const
+{
+    if (!QString(leaf).startsWith("port") || value.isEmpty())
+        return QString();
+    bool isNumber = false;
+    const int port = value.toInt(&isNumber);
+    if (isNumber && port >= 1 && port <= 65535)
+        return QString();
+    return QString("cannot be %1, which is no port from 1 to 65535; set it with --force all the same")
+        .arg(quoted(QString::fromUtf8(value)));
+}
+
 std::optional<QByteArray> Preference::checkedValue(const QByteArray& value, QString& problem) const
 {
     if (isChoice()) {

@@ -35,6 +35,9 @@ struct Preference
     /// Hands a value to the store that checkedValue() has given.
     std::function<bool(const QByteArray& value)> set;
 
+    /// Why a value that the store takes cannot work, to follow the name; empty when it can.
+    QString doubtAbout(const QByteArray& value) const;
+
     bool isChoice() const { return !words.isEmpty(); }
 
     /// The text that stands in the document for a value.

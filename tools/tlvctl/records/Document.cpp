@@ -40,9 +40,10 @@ Damage damageFoundBy(const TVNC_XMLReader& reader, QFile& file)
     file.seek(0);
     const QByteArray bytes = file.readAll();
     const int wrong = firstWrongByte(bytes);
-    if (wrong < 0 || !damage.reason.contains("encod", Qt::CaseInsensitive))
-        return damage;
     const QByteArray before = bytes.left(wrong);
+    // An error in front of it is told first.
+    if (wrong < 0 || damage.line < before.count('\n') + 1)
+        return damage;
     damage.line = before.count('\n') + 1;
     damage.column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
     damage.reason = QString("byte %1, 0x%2, is no UTF-8")

@@ -88,6 +88,7 @@ QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCo
 {
     return own +
            QList<QCommandLineOption>{
+               jsonOption(),
                {DRY_RUN, "Write nothing, but say what would change."},
                {FORCE,
                 QString("Go on when %1 cannot be read to its end. A copy of it is kept.").arg(fileName)}};
