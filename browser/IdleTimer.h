@@ -1,0 +1,35 @@
+#ifndef TLVLIB_BROWSER_IDLETIMER_H
+#define TLVLIB_BROWSER_IDLETIMER_H
+
+#include <tlvlib/browser/browser_export.h>
+
+#include <QtCore/QTimer>
+
+#include <chrono>
+
+namespace Tlv {
+
+/**
+ * Tells when nobody has used keyboard, mouse or panel for a while: the "timeout" of the preferences. Tells it
+ * once, and again only after somebody has come back. Watches all windows of the application.
+ */
+class TLVLIB_BROWSER_EXPORT IdleTimer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit IdleTimer(std::chrono::milliseconds span, QObject* parent = nullptr);
+
+Q_SIGNALS:
+    void idle();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QTimer timer_;
+};
+
+} // namespace Tlv
+
+#endif
