@@ -14,7 +14,9 @@ namespace Tlv {
 
 namespace {
 
+// What has come of a proxy's question so far stays with Qt's own object for it: no reply tells whose it is.
 const char PROXY_TRIED[] = "tlvProxyTried";
+const char PROXY_QUESTIONS[] = "tlvProxyQuestions";
 
 TVNC_BrowserCommonSetting& preferences()
 {
@@ -75,6 +77,7 @@ std::optional<LoginModel::Scheme> schemeOf(const QNetworkReply* reply)
 LoginHandler::LoginHandler(LoginModel& logins, QObject* parent)
     : QObject(parent), logins_(logins), stranger_(new QNetworkAccessManager(this))
 {
+    qRegisterMetaType<LoginRequest>("Tlv::LoginRequest"); // for queued connections
     stranger_->setProxyFactory(new ProxyFactory);
     connect(stranger_, &QNetworkAccessManager::proxyAuthenticationRequired, this,
             &LoginHandler::authenticateAtProxy);
@@ -273,7 +276,9 @@ void LoginHandler::authenticateAtProxy(const QNetworkProxy& proxy, QAuthenticato
         return;
     request.user = QString::fromUtf8(fromWire(authenticator->user()));
     request.wasRefused = !tried.isEmpty();
-    if (tried.size() <= MaximumQuestions && ask(request))
+    const int questions = authenticator->option(QLatin1String(PROXY_QUESTIONS)).toInt();
+    authenticator->setOption(QLatin1String(PROXY_QUESTIONS), questions + 1);
+    if (questions < MaximumQuestions && ask(request))
         give(answers_.value(key));
 }
 
@@ -294,12 +299,12 @@ void LoginHandler::proveProxyLogin(QNetworkReply* reply)
         request.host = proxy.hostName();
         request.port = proxy.port();
         request.isProxy = true;
-        const bool isKept =
-            preferences().setProxyAccountStr(right.user) && preferences().setProxyPasswordStr(right.password);
-        if (!isKept) {
+        if (right.user.size() > ProxyMaximumBytes || right.password.size() > ProxyMaximumBytes) {
             emit loginNotKept(request);
             return;
         }
+        preferences().setProxyAccountStr(right.user);
+        preferences().setProxyPasswordStr(right.password);
         preferences().setUseProxyCertificationInfo(1);
         emit proxyLoginKept();
         return;

@@ -44,8 +44,8 @@ struct LoginRequest
  * under is found out from a failed request, or else by one HEAD request without login. The proxy's login is
  * in the preferences of the device.
  *
- * User names and passwords are UTF-8, in the store and on the wire. Limits in bytes: 272 each, 80 each for
- * the proxy. What is longer is used, but not kept: see loginNotKept().
+ * User names and passwords are UTF-8, in the store and on the wire. Limits in bytes: 272 each, and 80 each
+ * for the proxy. What is longer is used, but not kept: see loginNotKept().
  */
 class TLVLIB_BROWSER_EXPORT LoginHandler : public QObject
 {
@@ -54,6 +54,9 @@ class TLVLIB_BROWSER_EXPORT LoginHandler : public QObject
 public:
     /// How often the user is asked for one request.
     static constexpr int MaximumQuestions = 3;
+
+    /// Of user name and password for the proxy, each.
+    static constexpr int ProxyMaximumBytes = 80;
 
     /// @param logins outlives the handler
     explicit LoginHandler(LoginModel& logins, QObject* parent = nullptr);
@@ -125,5 +128,7 @@ private:
 };
 
 } // namespace Tlv
+
+Q_DECLARE_METATYPE(Tlv::LoginRequest)
 
 #endif

@@ -1,4 +1,4 @@
-#include "tests/examples/kiosk/TestSite.h"
+#include "tests/support/TestSite.h"
 #include "tests/support/PrivateRoot.h"
 #include "tests/support/TestSupport.h"
 

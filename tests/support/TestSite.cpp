@@ -1,4 +1,4 @@
-#include "tests/examples/kiosk/TestSite.h"
+#include "tests/support/TestSite.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QCryptographicHash>
@@ -171,6 +171,11 @@ TestSite::Answer TestSite::answer(const Request& request) const
              "Set-Cookie: card=c4rd" + expiry + "; secure", "Set-Cookie: sid=s1d" + expiry + "; HttpOnly"};
         return answer;
     }
+    if (path == "/set") {
+        Answer answer = page("Set", "<p>Set.</p>");
+        answer.headers += "Set-Cookie: " + QByteArray::fromPercentEncoding(request.target.mid(5));
+        return answer;
+    }
     if (path == "/whoami")
         return page("Who am I", "<p id='cookie'>Cookies: " + request.headers.value("cookie") + "</p>");
     if (path == "/basic" || path == "/digest")
@@ -193,7 +198,7 @@ TestSite::Answer TestSite::answer(const Request& request) const
 TestSite::Answer TestSite::answerAsProxy(const Request& request) const
 {
     if (isStrictProxy &&
-        request.headers.value("proxy-authorization") != basicHeader(BASIC_USER, basicPassword)) {
+        request.headers.value("proxy-authorization") != basicHeader(basicUser, basicPassword)) {
         Answer answer = page("Proxy", "<p>Who are you?</p>");
         answer.status = 407;
         answer.headers += "Proxy-Authenticate: Basic realm=\"proxy\"";
@@ -207,7 +212,7 @@ TestSite::Answer TestSite::protectedPage(const Request& request, bool isDigest) 
 {
     const bool isFine =
         isDigest ? isDigestFine(request)
-                 : request.headers.value("authorization") == basicHeader(BASIC_USER, basicPassword);
+                 : request.headers.value("authorization") == basicHeader(basicUser, basicPassword);
     if (isFine)
         return page(isDigest ? "Archive" : "Staff", "<p>Welcome in.</p>");
     Answer answer = page("Closed", "<p>Not without a login.</p>");
@@ -220,9 +225,9 @@ TestSite::Answer TestSite::protectedPage(const Request& request, bool isDigest) 
 bool TestSite::isDigestFine(const Request& request) const
 {
     const QByteArray header = request.headers.value("authorization");
-    const QByteArray ha1 = md5(QByteArray(DIGEST_USER) + ":Archive:" + digestPassword);
+    const QByteArray ha1 = md5(digestUser + ":Archive:" + digestPassword);
     const QByteArray ha2 = md5(request.method + ':' + field(header, "uri"));
     const QByteArray expected =
         md5(ha1 + ":5f2e:" + field(header, "nc") + ':' + field(header, "cnonce") + ":auth:" + ha2);
-    return field(header, "username") == DIGEST_USER && field(header, "response") == expected;
+    return field(header, "username") == digestUser && field(header, "response") == expected;
 }

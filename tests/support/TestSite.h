@@ -1,5 +1,5 @@
-#ifndef TESTS_EXAMPLES_KIOSK_TESTSITE_H
-#define TESTS_EXAMPLES_KIOSK_TESTSITE_H
+#ifndef TESTS_SUPPORT_TESTSITE_H
+#define TESTS_SUPPORT_TESTSITE_H
 
 #include <QtCore/QHash>
 #include <QtCore/QList>
@@ -10,8 +10,8 @@ class QTcpSocket;
 
 /**
  * A small web site on 127.0.0.1, for a browser to be tested with: linked pages, cookies of all kinds, areas
- * that want a login, cacheable pictures, a script, and pages that are hard on a history. It is a proxy as
- * well, whose every site is one page.
+ * that want a login, cacheable pictures, a script, and pages that are hard on a history. "/set?" sets
+ * the cookie that stands behind it. It is a proxy as well, whose every site is one page.
  */
 class TestSite : public QObject
 {
@@ -26,10 +26,10 @@ public:
         int status;
     };
 
-    /// Who may enter. Another password can be set while the site runs.
-    static constexpr char BASIC_USER[] = "bob";
-    static constexpr char DIGEST_USER[] = "alice";
+    /// Who may enter. Others can be set while the site runs.
+    QByteArray basicUser = "bob";
     QByteArray basicPassword = "builder";
+    QByteArray digestUser = "alice";
     QByteArray digestPassword = "wonderland";
 
     /// Whether it asks for bob's login as a proxy.
@@ -64,8 +64,8 @@ private:
     Answer protectedPage(const Request& request, bool isDigest) const;
     bool isDigestFine(const Request& request) const;
 
-    QTcpServer server_;
     QHash<QTcpSocket*, QByteArray> pending_; ///< what has come of the next request
+    QTcpServer server_; ///< goes first, and its sockets with it
 };
 
 #endif

@@ -1,0 +1,2 @@
+#include "tests/support/TestSupport.h"
+int main(){}
