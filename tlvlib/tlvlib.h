@@ -7,6 +7,7 @@
  */
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
+#include <tlvlib/files/TVNG_SafeSave.h>
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 #include <tlvlib/prefs/TVNC_BrowserUserSetting.h>
 #include <tlvlib/stores/TVNC_AuthSetting.h>

@@ -1,7 +1,9 @@
 #include "Bookmarks.h"
 
+#include <tlvlib/files/TVNG_SafeSave.h>
+
 Bookmarks::Bookmarks(const Profile& profile)
-    : store_(*TVNC_BookmarksSetting::getInstance()), profile_(profile), saving_([this] { save(); })
+    : store_(*TVNC_BookmarksSetting::getInstance()), profile_(profile), saving_({[this] { save(); }})
 {
 }
 
@@ -48,8 +50,11 @@ QString Bookmarks::add(const QString& title, const QString& url, QImage picture)
         return tr("There are %1 bookmarks already. Remove one first.").arg(BOOKMARK_MAX);
 
     TVNS_Bookmark bookmark{title, url, profile_.thumbnails()};
-    if (!store_.setThumbnail(&picture, &bookmark.thumbnail, lastNumber_)) // completes the path
+    QString problem;
+    if (!store_.setThumbnail(&picture, &bookmark.thumbnail, lastNumber_)) { // completes the path
         bookmark.thumbnail.clear();
+        problem = tr("Bookmarked without its picture: %1").arg(TVNG_GetSaveError());
+    }
     if (!store_.setBookmark(&bookmark)) {
         store_.deleteThumbnail(&bookmark.thumbnail);
         return tr("This address is too long for a bookmark: it has %1 bytes, and 256 are the most.")
@@ -58,7 +63,7 @@ QString Bookmarks::add(const QString& title, const QString& url, QImage picture)
     if (earlier >= 0)
         remove(earlier + 1); // the new one has moved it
     changeAndSave();
-    return QString();
+    return problem;
 }
 
 void Bookmarks::rename(int position, const QString& title)

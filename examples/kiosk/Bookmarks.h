@@ -24,8 +24,8 @@ public:
     void load();
     void save();
 
-    /// Saves what has changed since the last time.
-    void flush() { saving_.flush(); }
+    /// When it saves, and what became of it.
+    DelayedSave& saving() { return saving_; }
 
     int count() const { return store_.getBookmarkCnt(); }
     TVNS_Bookmark at(int position) const;
@@ -37,7 +37,7 @@ public:
     /**
      * Puts a page in front, in place of its older bookmark if it has one.
      *
-     * @return why it cannot be bookmarked; empty when it was
+     * @return why it cannot be bookmarked, or what it lacks; empty when all went well
      */
     QString add(const QString& title, const QString& url, QImage picture);
 

@@ -11,11 +11,14 @@ BrowserState::BrowserState(const Profile& profile)
     , logins(profile)
     , cookies(profile)
     , profile_(profile)
-    , savingPreferences_([this] {
-        common().saveSetting(&profile_.common);
-        user().saveSetting(&profile_.user);
-    })
+    , savingPreferences_({[this] { common().saveSetting(&profile_.common); },
+                          [this] { user().saveSetting(&profile_.user); }})
+    , savingFonts_({[this] { TVNC_FontListSetting::getInstance()->saveFontList(profile_.common); }})
+    , savings_{&savingPreferences_, &savingFonts_,    &bookmarks.saving(),
+               &history.saving(),   &logins.saving(), &cookies.saving()}
 {
+    for (const DelayedSave* saving : savings_)
+        connect(saving, &DelayedSave::tried, this, &BrowserState::saved);
 }
 
 void BrowserState::load()
@@ -38,16 +41,22 @@ void BrowserState::loadFonts()
     // The first start on this device.
     for (const QString& family : QFontDatabase().families())
         list.addFont(family);
-    list.saveFontList(profile_.common);
+    savingFonts_.schedule();
 }
 
 void BrowserState::save()
 {
-    savingPreferences_.flush();
-    bookmarks.flush();
-    history.flush();
-    logins.flush();
-    cookies.flush();
+    for (DelayedSave* saving : savings_)
+        saving->flush();
+}
+
+QString BrowserState::saveProblem() const
+{
+    for (const DelayedSave* saving : savings_) {
+        if (!saving->problem().isEmpty())
+            return saving->problem();
+    }
+    return QString();
 }
 
 void BrowserState::savePreferences()

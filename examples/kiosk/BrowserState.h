@@ -13,6 +13,8 @@
 
 #include <QtCore/QStringList>
 
+#include <vector>
+
 /// When collected data goes, in the words of the preferences.
 enum class Timing { NEVER = 0, LOG_OUT = 1, TIMEOUT = 2 };
 
@@ -28,6 +30,9 @@ public:
 
     /// Writes what has changed and is not written yet.
     void save();
+
+    /// A file that could not be saved, and why; empty when there is none.
+    QString saveProblem() const;
 
     void savePreferences();
 
@@ -56,11 +61,16 @@ signals:
     /// Preferences were changed and saved.
     void preferencesChanged();
 
+    /// Something was saved, or could not be.
+    void saved();
+
 private:
     void loadFonts();
 
     Profile profile_;
     DelayedSave savingPreferences_;
+    DelayedSave savingFonts_;
+    const std::vector<DelayedSave*> savings_; ///< these, and those of the stores
 };
 
 #endif

@@ -40,12 +40,16 @@ BrowserWindow::BrowserWindow(BrowserState& state) : state_(state), network_(stat
     makeToolBar();
     message_ = new QLabel;
     statusBar()->addWidget(message_, 1);
+    saveProblem_ = new QLabel;
+    saveProblem_->setProperty("isProblem", true);
+    statusBar()->addPermanentWidget(saveProblem_);
     statusBar()->setSizeGripEnabled(false);
     connectWeb();
 
     network_.askForLogin = [this](LoginQuestion& question) { return askForLogin(question); };
     connect(&network_, &Network::message, this, &BrowserWindow::showMessage);
     connect(&state_, &BrowserState::preferencesChanged, this, &BrowserWindow::applyPreferences);
+    connect(&state_, &BrowserState::saved, this, &BrowserWindow::showSaveProblem);
     connect(&state_.history, &History::changed, this, &BrowserWindow::updateCompletions);
     connect(&state_.bookmarks, &Bookmarks::changed, this, &BrowserWindow::updateBookmarkAction);
     updateCompletions();
@@ -269,6 +273,16 @@ void BrowserWindow::showSettings()
 void BrowserWindow::showMessage(const QString& text)
 {
     message_->setText(text);
+}
+
+void BrowserWindow::showSaveProblem()
+{
+    // Its place is beside the message line, where nothing takes it away before it is solved.
+    const QString problem = state_.saveProblem();
+    saveProblem_->setText(problem.isEmpty() ? QString() : tr("Not saved."));
+    saveProblem_->setToolTip(problem.toHtmlEscaped());
+    if (!problem.isEmpty())
+        showMessage(problem);
 }
 
 QString BrowserWindow::message() const

@@ -43,6 +43,7 @@ public:
     void showWeb();
     void showSettings();
     void showMessage(const QString& text);
+    void showSaveProblem();
 
     QWebView& web() const { return *web_; }
     bool isLoading() const { return isLoading_; }
@@ -78,6 +79,7 @@ private:
     QStringListModel* completions_ = nullptr;
     QAction* bookmarkAction_ = nullptr;
     QLabel* message_ = nullptr;
+    QLabel* saveProblem_ = nullptr;
 };
 
 #endif

@@ -22,7 +22,9 @@ bool isExpired(const QNetworkCookie& cookie)
 } // namespace
 
 CookieJar::CookieJar(const Profile& profile)
-    : store_(*TVNC_CookieSetting::getInstance()), profile_(profile), saving_([this] { save(); })
+    : store_(*TVNC_CookieSetting::getInstance())
+    , profile_(profile)
+    , saving_({[this] { saveIni(); }, [this] { saveDocument(); }})
 {
 }
 
@@ -37,9 +39,13 @@ void CookieJar::load()
     setAllCookies(loaded);
 }
 
-void CookieJar::save()
+void CookieJar::saveIni()
 {
     store_.saveCookieInfo(keptCookies(), &profile_.user, COOKIE_MAX);
+}
+
+void CookieJar::saveDocument()
+{
     store_.convertCookieIniToXML(profile_.cookieDir().data(), profile_.cookieDocument().data());
 }
 

@@ -20,10 +20,9 @@ public:
     explicit CookieJar(const Profile& profile);
 
     void load();
-    void save();
 
-    /// Saves what has changed since the last time.
-    void flush() { saving_.flush(); }
+    /// When it saves, and what became of it.
+    DelayedSave& saving() { return saving_; }
 
     /// The cookies that are saved: the newest ones that have an expiry, as many as the conversion takes.
     QList<QNetworkCookie> keptCookies() const;
@@ -41,6 +40,8 @@ signals:
     void changed();
 
 private:
+    void saveIni();
+    void saveDocument();
     void changeAndSave();
 
     TVNC_CookieSetting& store_;

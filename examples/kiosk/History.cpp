@@ -1,7 +1,7 @@
 #include "History.h"
 
 History::History(const Profile& profile)
-    : store_(*TVNC_HistorySetting::getInstance()), profile_(profile), saving_([this] { save(); })
+    : store_(*TVNC_HistorySetting::getInstance()), profile_(profile), saving_({[this] { save(); }})
 {
 }
 

@@ -20,8 +20,8 @@ public:
     void load();
     void save();
 
-    /// Saves what has changed since the last time.
-    void flush() { saving_.flush(); }
+    /// When it saves, and what became of it.
+    DelayedSave& saving() { return saving_; }
 
     /// Records a visit now. A page that was visited before moves to the front.
     void visit(const QString& url, const QString& title);

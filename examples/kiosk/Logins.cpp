@@ -1,7 +1,7 @@
 #include "Logins.h"
 
 Logins::Logins(const Profile& profile)
-    : store_(*TVNC_AuthSetting::getInstance()), profile_(profile), saving_([this] { save(); })
+    : store_(*TVNC_AuthSetting::getInstance()), profile_(profile), saving_({[this] { save(); }})
 {
 }
 

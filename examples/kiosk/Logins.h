@@ -19,8 +19,8 @@ public:
     void load();
     void save();
 
-    /// Saves what has changed since the last time.
-    void flush() { saving_.flush(); }
+    /// When it saves, and what became of it.
+    DelayedSave& saving() { return saving_; }
 
     int count() const { return store_.getAuthInfoCnt(); }
     TVNS_AuthInfo at(int position) const;

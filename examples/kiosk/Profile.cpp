@@ -4,6 +4,7 @@
 #include <QtCore/QFileInfo>
 
 #include <algorithm>
+#include <sys/stat.h>
 
 QString Profile::open(const QString& dir)
 {
@@ -16,6 +17,9 @@ QString Profile::open(const QString& dir)
             .arg(PATH_MAX_BYTES);
     common = path + "/common/";
     user = path + "/user/";
+    // Passwords and cookies lie below it. One that is there already keeps its permissions: it may be shared.
+    QDir().mkpath(QFileInfo(path).path());
+    ::mkdir(path.toLatin1().constData(), 0700);
     const bool isMade = QDir().mkpath(common) && QDir().mkpath(thumbnails());
     if (!isMade || !QFileInfo(common).isWritable() || !QFileInfo(user).isWritable())
         return QString(

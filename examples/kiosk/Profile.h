@@ -14,7 +14,7 @@ struct Profile
     static const int PATH_MAX_BYTES = 256 - 31; // less "/user/thumbnail/" and "000001.PNG", and some room
 
     /**
-     * Makes the directories where they are missing.
+     * Makes the directories where they are missing, for their owner alone.
      *
      * @return why the directory cannot be used, and what to do; empty when it can
      */

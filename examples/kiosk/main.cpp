@@ -7,9 +7,11 @@
 
 #include "BrowserWindow.h"
 #include "IdleWatch.h"
+#include "ProfileLock.h"
 #include "Tour.h"
 
 #include <tlvlib/diag/TVNG_DebugPrint.h>
+#include <tlvlib/files/TVNG_SafeSave.h>
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFile>
@@ -82,9 +84,13 @@ int main(int argc, char** argv)
     TVNG_DebugSetLogLevel(static_cast<unsigned long>(*logLevel));
 
     Profile profile;
-    const QString problem = profile.open(parser.value("profile"));
+    QString problem = profile.open(parser.value("profile"));
+    ProfileLock lock;
+    if (problem.isEmpty())
+        problem = lock.take(profile);
     if (!problem.isEmpty())
         return complain(problem, EXIT_FAILURE);
+    TVNG_SetSafeSave(1);
     BrowserState state(profile);
     state.load();
 
@@ -112,5 +118,7 @@ int main(int argc, char** argv)
     else
         window.openUrl(parser.positionalArguments().first());
     const int exitCode = application.exec();
+    if (!state.saveProblem().isEmpty())
+        return complain(state.saveProblem(), EXIT_FAILURE);
     return tour.hasFailed() ? EXIT_FAILURE : exitCode;
 }

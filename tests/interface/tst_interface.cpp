@@ -45,6 +45,9 @@ SIGNATURE(TVNG_DebugAttachMemory, void (*)());
 SIGNATURE(ul_outputLevel, quint32*);
 SIGNATURE(g_uc_SystemLogLevel, unsigned char*);
 
+SIGNATURE(TVNG_SetSafeSave, void (*)(char));
+SIGNATURE(TVNG_GetSaveError, QString (*)());
+
 SIGNATURE(QEXC_TextCodec::fromSJIS, QString (*)(const char*));
 SIGNATURE(TVNC_IwsUrl::IsIwsContents, bool (*)(const QUrl&, char, char*, char*));
 

@@ -1,6 +1,7 @@
 #include "tlvlib/prefs/TVNC_BrowserCommonSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 
@@ -85,6 +86,9 @@ void TVNC_BrowserCommonSetting::saveSetting(QString* dir)
         return;
     }
     QString path = pathIn(*dir);
+    QByteArray password;
+    getProxyPasswordStr(&password);
+    const TVNC_SecretSave secret(!password.isEmpty());
     save(path);
     TVNG_DebugPrint(3, "[TVNC_BrowserCommonSetting::saveSetting] end");
 }

@@ -1,6 +1,7 @@
 #include "tlvlib/stores/TVNC_AuthSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Base64.h"
 #include "tlvlib/util/TVNG_Utf8.h"
@@ -135,6 +136,7 @@ void TVNC_AuthSetting::saveAuthInfo(QString* dir, int si_saveMax)
     }
     TVNG_nameRoot(getXMLRootNode(), names().root);
     QString path = *dir + names().file;
+    const TVNC_SecretSave secret(true);
     save(path);
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::saveAuthInfo] end");
 }

@@ -82,8 +82,9 @@ public:
     void loadAuthInfo(QString* dir, int si_loadMax);
 
     /**
-     * Writes all entries to @a dir + "authinfo.xml", in place. @a si_saveMax must be at least 1 and has no
-     * other effect. Before the first load the file stays as it was.
+     * Writes all entries to @a dir + "authinfo.xml", in the mode of TVNG_SetSafeSave(), where a file that did
+     * not exist is made for its owner alone. @a si_saveMax must be at least 1 and has no other effect. Before
+     * the first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_AuthSetting::saveAuthInfo] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_AuthSetting::saveAuthInfo] Path is empty."; so does a maximum

@@ -1,10 +1,13 @@
 #include "tlvlib/stores/TVNC_BookmarksSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
+#include <QtCore/QBuffer>
 #include <QtCore/QFile>
 
 namespace {
@@ -87,6 +90,26 @@ int numberOf(const QString& path)
         si_number = si_number * 10 + si_digit;
     }
     return si_number;
+}
+
+/// As QImage::save() does, but in the mode for files that are replaced whole.
+bool savePictureWhole(const QImage& image, const QString& path)
+{
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    if (!image.save(&png, THUMBNAIL_FORMAT, -1)) {
+        TVNG_setSaveError(path + QLatin1String(" could not be saved: there is no picture"));
+        return false;
+    }
+    TVNC_SavedFile file(path);
+    if (!file.open())
+        return false;
+    file.device().write(png.data());
+    if (!file.commit()) {
+        TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::setThumbnail] Couldn't replace thumbnail.");
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -294,7 +317,9 @@ bool TVNC_BookmarksSetting::setThumbnail(QImage* pc_image, QString* pc_path, int
     char c_name[32];
     qsnprintf(c_name, sizeof c_name, THUMBNAIL_NAME, si_number);
     *pc_path += QLatin1String(c_name);
-    return pc_image->save(*pc_path, THUMBNAIL_FORMAT, -1);
+    // In place Qt opens the file itself, and removes what it could not finish.
+    return TVNG_isSafeSave() ? savePictureWhole(*pc_image, *pc_path)
+                             : pc_image->save(*pc_path, THUMBNAIL_FORMAT, -1);
 }
 
 bool TVNC_BookmarksSetting::getThumbnail(QImage* pc_image, QString* pc_path)

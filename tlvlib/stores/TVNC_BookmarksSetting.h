@@ -194,6 +194,9 @@ public:
      * @param pc_path   the directory of the pictures, with "/" at its end; afterwards the full path of the
      * file
      * @param si_number the highest number in use; 1 more afterwards, also when writing failed
+     * A file that could not be replaced whole, in the mode that TVNG_SetSafeSave() switches on, is logged at
+     * level 2 as "[TVNC_BookmarksSetting::setThumbnail] Couldn't replace thumbnail.".
+     *
      * @return false when @a pc_image or @a pc_path is null, which changes nothing, or when the file could not
      *         be written
      */

@@ -1,6 +1,7 @@
 #include "tlvlib/stores/TVNC_CookieSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
@@ -212,6 +213,7 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
     }
     TVNG_nameRoot(getXMLRootNode(), names().root);
     setIDforChildren(TVNG_idName());
+    const TVNC_SecretSave secret(true);
     save(xmlPath);
     deleteAllSetting();
 }

@@ -110,7 +110,10 @@ public:
      *
      * Logs at level 3 "[TVNC_CookieSetting::saveCookieInfo] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_CookieSetting::saveCookieInfo] Path is NULL or empty."; so
-     * does a maximum below 1 with "[TVNC_CookieSetting::saveCookieInfo] Error save_max:%d".
+     * does a maximum below 1 with "[TVNC_CookieSetting::saveCookieInfo] Error save_max:%d". In the mode that
+     * TVNG_SetSafeSave() switches on, a file that did not exist is made for its owner alone, and one that
+     * could not be written is logged at level 2 as "[TVNC_CookieSetting::saveCookieInfo] Couldn't replace
+     * cookie.ini.".
      */
     void saveCookieInfo(QList<QNetworkCookie> cookies, QString* dir, int si_saveMax);
 

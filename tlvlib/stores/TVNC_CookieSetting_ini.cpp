@@ -1,12 +1,19 @@
 #include "tlvlib/stores/TVNC_CookieSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDataStream>
+#include <QtCore/QDateTime>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 #include <QtCore/QVariant>
+
+#include <cctype>
+#include <sys/time.h>
 
 // The file cookie.ini. Nothing of a cookie goes into a log line.
 
@@ -56,6 +63,68 @@ QList<QNetworkCookie> deserialised(const QByteArray& bytes)
     return cookies;
 }
 
+/// A byte of a value as QSettings writes it. @a b_afterHex: whether a digit would be taken for one of "\x".
+QByteArray escaped(unsigned char uc_byte, bool b_afterHex)
+{
+    if (uc_byte == 0)
+        return QByteArray("\\0");
+    if (uc_byte >= '\a' && uc_byte <= '\r')
+        return QByteArray("\\") + "abtnvfr"[uc_byte - '\a'];
+    if (uc_byte == '"' || uc_byte == '\\')
+        return QByteArray("\\") + static_cast<char>(uc_byte);
+    if (uc_byte < 0x20 || uc_byte >= 0x7F || (b_afterHex && std::isxdigit(uc_byte)))
+        return QByteArray("\\x") + QByteArray::number(uc_byte, 16);
+    return QByteArray(1, static_cast<char>(uc_byte));
+}
+
+/**
+ * The text of the file as QSettings writes it. Needed because QSettings itself neither replaces a file whole
+ * on every Qt nor syncs the directory, and leaves files of its own behind when it is interrupted.
+ */
+QByteArray iniText(const QByteArray& value)
+{
+    QByteArray text;
+    bool b_afterHex = false;
+    for (int i = 0; i < value.size(); ++i) {
+        const QByteArray sign = escaped(static_cast<unsigned char>(value.at(i)), b_afterHex);
+        b_afterHex = sign.startsWith("\\x") || sign == "\\0";
+        text += sign;
+    }
+    const bool b_quoted = value.contains(';') || value.contains(',') || value.contains('=');
+    const QByteArray quote(b_quoted ? "\"" : "");
+    return '[' + section().toLatin1() + "]\n" + key().toLatin1() + '=' + quote + "@ByteArray(" + text + ')' +
+           quote + '\n';
+}
+
+/**
+ * Makes a file newer than it was. QSettings takes a file of the same size and time for the one that it has
+ * read before; on the device times have full seconds.
+ */
+void makeNewer(const QString& path, const QDateTime& before)
+{
+    if (!before.isValid() || QFileInfo(path).lastModified() > before)
+        return;
+    struct timeval times[2];
+    times[0].tv_sec = static_cast<time_t>(before.toMSecsSinceEpoch() / 1000 + 1);
+    times[0].tv_usec = 0;
+    times[1] = times[0];
+    ::utimes(QFile::encodeName(path).constData(), times);
+}
+
+bool saveWhole(const QString& path, const QByteArray& value)
+{
+    const TVNC_SecretSave secret(true);
+    const QDateTime before = QFileInfo(path).lastModified();
+    TVNC_SavedFile file(path);
+    if (!file.open())
+        return false;
+    file.device().write(iniText(value));
+    if (!file.commit())
+        return false;
+    makeNewer(path, before);
+    return true;
+}
+
 } // namespace
 
 void TVNC_CookieSetting::saveCookieInfo(QList<QNetworkCookie> cookies, QString* dir, int si_saveMax)
@@ -68,6 +137,12 @@ void TVNC_CookieSetting::saveCookieInfo(QList<QNetworkCookie> cookies, QString* 
     // Only tested: all cookies are written.
     if (si_saveMax < 1) {
         TVNG_DebugPrint(2, "[TVNC_CookieSetting::saveCookieInfo] Error save_max:%d", si_saveMax);
+        return;
+    }
+    if (TVNG_isSafeSave()) {
+        if (!saveWhole(pathIn(*dir), serialised(cookies)))
+            TVNG_DebugPrint(2, "[TVNC_CookieSetting::saveCookieInfo] Couldn't replace cookie.ini.");
+        TVNG_DebugPrint(3, "[TVNC_CookieSetting::saveCookieInfo] end");
         return;
     }
     QSettings settings(pathIn(*dir), QSettings::IniFormat);

@@ -1,6 +1,7 @@
 #include "tlvlib/thumbs/TVNC_ThumbnailConverter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
@@ -68,12 +69,16 @@ bool TVNC_ThumbnailConverter::decode_base64(QByteArray& base64, QString& path)
         TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] thumbnail is empty.");
         return false;
     }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    TVNC_SavedFile file(path);
+    if (!file.open()) {
         TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.");
         return false;
     }
-    file.write(bytes);
+    file.device().write(bytes);
+    if (!file.commit()) {
+        TVNG_DebugPrint(2, "[TVNC_ThumbnailConverter] Couldn't replace thumbnail.");
+        return false;
+    }
     return true;
 }
 

@@ -40,11 +40,12 @@ public:
 
     /**
      * Writes the bytes that a base64 text holds into a file, replacing it. What is no letter of base64 is
-     * skipped. Errors while writing go unnoticed.
+     * skipped. Errors while writing go unnoticed, but in the mode that TVNG_SetSafeSave() switches on.
      *
      * @return false for a text that holds no bytes, logged as "[TVNC_ThumbnailConverter] thumbnail is
-     * empty.", and for a file that cannot be opened, logged as "[TVNC_ThumbnailConverter] Couldn't open
-     * thumbnail for writing."
+     * empty.", for a file that cannot be opened, logged as "[TVNC_ThumbnailConverter] Couldn't open
+     * thumbnail for writing.", and for one that could not be replaced whole, logged at level 2 as
+     * "[TVNC_ThumbnailConverter] Couldn't replace thumbnail."
      */
     bool decode_base64(QByteArray& base64, QString& path);
 

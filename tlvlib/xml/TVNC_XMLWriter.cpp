@@ -1,18 +1,32 @@
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/xml/TVNC_CanonicalWriter.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_XMLCharacters.h"
 #include "tlvlib/xml/TVNG_files.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QVector>
 
 namespace {
 
 /// Elements up to this depth, the root's being 1, are formatted.
 const int FORMATTED_DEPTH = 100;
+
+/// Writes a document with the caller's writer, or the fastest way where the caller has none.
+bool writeDocument(QIODevice& device, TVNC_XMLNode* pc_root, TVNC_XMLWriter* pc_writer)
+{
+    if (!pc_writer && TVNC_CanonicalWriter::takes(*pc_root)) {
+        TVNC_CanonicalWriter::write(device, *pc_root);
+        return true;
+    }
+    TVNC_XMLWriter writer;
+    TVNC_XMLWriter& used = pc_writer ? *pc_writer : writer;
+    const bool b_written = used.write(device, pc_root);
+    used.setDevice(nullptr); // the device goes
+    return b_written;
+}
 
 /**
  * Walks a tree and writes it, with a stack of its own instead of recursion.
@@ -126,20 +140,16 @@ bool TVNG_writeFile(QString& path, TVNC_XMLNode* pc_root, TVNC_XMLWriter* pc_wri
 {
     if (!pc_root)
         return false;
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
+    TVNC_SavedFile file(path);
+    if (!file.open()) {
         TVNG_DebugPrint(2, "TVNC_XMLWriter::write file open error!");
         return false;
     }
-    if (!pc_writer && TVNC_CanonicalWriter::takes(*pc_root)) {
-        TVNC_CanonicalWriter::write(file, *pc_root);
-        return true;
+    const bool b_written = writeDocument(file.device(), pc_root, pc_writer);
+    if (!file.commit()) {
+        TVNG_DebugPrint(2, "TVNC_XMLWriter::write file replace error!");
+        return false;
     }
-    TVNC_XMLWriter writer;
-    TVNC_XMLWriter& used = pc_writer ? *pc_writer : writer;
-    const bool b_written = used.write(file, pc_root);
-    file.close();
-    used.setDevice(nullptr);
     return b_written;
 }
 

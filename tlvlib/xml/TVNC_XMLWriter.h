@@ -37,12 +37,15 @@ public:
     ~TVNC_XMLWriter();
 
     /**
-     * Writes a document into the file at @a path, replacing what it held, in place.
+     * Writes a document into the file at @a path, replacing what it held: in place, or whole in the mode that
+     * TVNG_SetSafeSave() switches on.
      *
      * @return false, with the file untouched, for a null root or when the file cannot be opened (logged at
      *         level 2 as "TVNC_XMLWriter::write file open error!"); false, with a readable part of the
-     *         document in the file, when the tree holds a null node. Errors while writing (a full disk) are
-     *         not detected; hasError() tells of them.
+     *         document in the file, when the tree holds a null node. In place, errors while writing (a full
+     *         disk) are not detected; hasError() tells of them. Where the file is replaced whole, any error
+     *         leaves it as it was, gives false and is logged at level 2 as "TVNC_XMLWriter::write file
+     *         replace error!".
      */
     bool write(QString& path, TVNC_XMLNode* pc_root);
 

@@ -1,5 +1,6 @@
 #include "tests/support/TestSite.h"
 #include "tests/support/PrivateRoot.h"
+#include "tests/support/Random.h"
 #include "tests/support/TestSupport.h"
 
 #include <tlvlib/tlvlib.h>
@@ -10,13 +11,24 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QLockFile>
 #include <QtCore/QProcess>
+#include <QtCore/QThread>
 #include <QtCore/QTimer>
+#include <QtCore/QXmlStreamReader>
 
 #include <memory>
 
 static const QString CACHE_DIR = "/ata07/Talvenor/cache/";
 static bool hasPrivateRoot = false;
+
+static bool isWholeDocument(const QByteArray& bytes)
+{
+    QXmlStreamReader reader(bytes);
+    while (!reader.atEnd())
+        reader.readNext();
+    return !reader.hasError();
+}
 
 /**
  * The example browser, as a whole: each test lets it do a tour of the test site and asks what is left behind,
@@ -35,6 +47,12 @@ private slots:
     void timeoutHasATimingOfItsOwn();
     void cacheIsUsedAndEmptied();
     void damagedProfileStarts();
+    void killedBrowserStartsAgainWithCompleteFiles();
+
+    void profileIsForItsOwnerAlone();
+    void heldProfileIsRefused();
+    void lockOfADeadProgramStopsNobody();
+    void failedSaveIsToldAndTriedAgain();
 
     void revisitedPageMovesToTheFront();
     void historyIsBounded();
@@ -65,6 +83,11 @@ private:
     };
 
     Run kiosk(const QStringList& arguments);
+    /// Starts the browser, and leaves it to the caller to serve the site and to wait for it.
+    void start(QProcess& process, const QStringList& arguments);
+    /// The first file of the profile that is not complete; empty when all are.
+    QString incompleteFile() const;
+    void writeTour(const QStringList& steps);
     /// Lets the browser do the steps, "SITE" being the site's address. Its messages go to the test's output.
     bool tour(const QStringList& steps, const QStringList& options = {});
     QJsonObject tlvctl(const QStringList& arguments) const;
@@ -72,6 +95,7 @@ private:
     QString profile() const { return dir_->path() + "profile"; }
     QString user() const { return profile() + "/user/"; }
     QString common() const { return profile() + "/common/"; }
+    QString script() const { return dir_->path() + "tour"; }
     QString host() const { return QString("127.0.0.1"); }
 
     std::unique_ptr<TempDir> dir_;
@@ -85,30 +109,39 @@ void tst_kiosk::init()
     QVERIFY(site_->listen());
 }
 
-tst_kiosk::Run tst_kiosk::kiosk(const QStringList& arguments)
+void tst_kiosk::start(QProcess& process, const QStringList& arguments)
 {
-    QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("QT_QPA_PLATFORM", "offscreen");
     environment.insert("LC_ALL", "C.UTF-8");
     environment.insert("XDG_RUNTIME_DIR", dir_->path());
     process.setProcessEnvironment(environment);
+    process.start(KIOSK, arguments);
+}
+
+tst_kiosk::Run tst_kiosk::kiosk(const QStringList& arguments)
+{
+    QProcess process;
     QEventLoop loop; // the site is served meanwhile
     connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
             &QEventLoop::quit);
     connect(&process, &QProcess::errorOccurred, &loop, &QEventLoop::quit);
     QTimer::singleShot(120000, &process, &QProcess::kill);
-    process.start(KIOSK, arguments);
+    start(process, arguments);
     loop.exec();
     const QByteArray err = process.readAllStandardError();
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, err};
 }
 
+void tst_kiosk::writeTour(const QStringList& steps)
+{
+    writeFile(script(), QString(steps.join('\n')).replace("SITE", site_->address("")).toUtf8());
+}
+
 bool tst_kiosk::tour(const QStringList& steps, const QStringList& options)
 {
-    const QString script = dir_->path() + "tour";
-    writeFile(script, QString(steps.join('\n')).replace("SITE", site_->address("")).toUtf8());
-    const Run run = kiosk(QStringList{"--profile", profile(), "--tour", script} + options);
+    writeTour(steps);
+    const Run run = kiosk(QStringList{"--profile", profile(), "--tour", script()} + options);
     if (run.code != 0)
         qWarning("exit code %d: %s", run.code, run.err.constData());
     return run.code == 0;
@@ -295,6 +328,162 @@ void tst_kiosk::damagedProfileStarts()
     const QJsonArray bookmarks = tlvctl({"bookmarks", "list", "--json", user()})["bookmarks"].toArray();
     QCOMPARE(bookmarks.at(0).toObject()["title"].toString(), QString("Maps"));
     QCOMPARE(bookmarks.at(1).toObject()["title"].toString(), QString("News of the harbour"));
+}
+
+QString tst_kiosk::incompleteFile() const
+{
+    QDirIterator it(profile(), {"*.xml", "*.PNG", "*.ini"}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        const QByteArray bytes = readFile(path);
+        if (path.endsWith(".PNG")   ? QImage(path).size() == QSize(160, 120)
+            : path.endsWith(".ini") ? bytes.endsWith(")\"\n") || bytes.endsWith(")\n")
+                                    : isWholeDocument(bytes))
+            continue;
+        return path;
+    }
+    return QString();
+}
+
+// With a power cut the files would look the same: tests/crash tells what a disk may be left with.
+void tst_kiosk::killedBrowserStartsAgainWithCompleteFiles()
+{
+    const QStringList steps{"open SITE/",       "bookmark",        "press Ctrl++",       "open SITE/cookies",
+                            "press Ctrl+-",     "open SITE/basic", "expect Welcome in.", "open SITE/news",
+                            "bookmark",         "press Ctrl++",    "open SITE/maps",     "bookmark",
+                            "open SITE/script", "press Ctrl+-",    "open SITE/cookies",  "open SITE/news",
+                            "bookmark",         "press Ctrl++",    "open SITE/whoami",   "press Ctrl+-"};
+    QVERIFY(tour(QStringList{"open SITE/basic", "login bob builder"} + steps));
+    writeTour(steps);
+    const QStringList files{user() + "bookmark.xml",   user() + "visit.xml",
+                            user() + "authinfo.xml",   user() + "cookies.xml",
+                            user() + "cookie.ini",     common() + "repostry.xml",
+                            common() + "fontlist.xml", user() + "repostry_private.xml"};
+    Random random(20110412);
+    int killed = 0;
+    for (int i = 0; killed < 50; ++i) {
+        QVERIFY2(i < 100, "the tour is shorter than it has to be");
+        QProcess process;
+        QEventLoop loop; // the site is served meanwhile
+        connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
+                &QEventLoop::quit);
+        QTimer::singleShot(200 + static_cast<int>(random.next(2800)), &process, &QProcess::kill);
+        start(process, {"--profile", profile(), "--tour", script()});
+        loop.exec();
+        const bool wasKilled = process.exitStatus() == QProcess::CrashExit;
+        QVERIFY2(wasKilled || process.exitCode() == 0, process.readAllStandardError().constData());
+        killed += wasKilled;
+        for (const QString& file : files)
+            QVERIFY2(QFile::exists(file), qPrintable(file));
+        QCOMPARE(incompleteFile(), QString());
+        QString dir = user();
+        int lastNumber = 0;
+        auto* bookmarks = TVNC_BookmarksSetting::getInstance();
+        bookmarks->loadBookmark(&dir, 100, lastNumber);
+        QCOMPARE(bookmarks->getBookmarkCnt(), 3);
+        QCOMPARE(TVNC_CookieSetting::getInstance()->loadCookieInfo(&dir, 20).size(), 3);
+    }
+    QVERIFY(tour({"open SITE/whoami", "expect reader=4711", "open SITE/basic", "expect Welcome in.",
+                  "press Ctrl+B", "expect Maps"}));
+}
+
+void tst_kiosk::profileIsForItsOwnerAlone()
+{
+    QVERIFY(tour({"open SITE/cookies", "open SITE/basic", "login bob builder"}));
+    const QFile::Permissions owner =
+        QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+    QCOMPARE(QFile::permissions(profile()), owner | QFile::ExeOwner | QFile::ExeUser);
+    for (const char* name : {"authinfo.xml", "cookie.ini", "cookies.xml"})
+        QCOMPARE(QFile::permissions(user() + name), owner);
+
+    // One that was there before keeps what it had.
+    QVERIFY(QFile::setPermissions(profile(), owner | QFile::ExeOwner | QFile::ExeOther));
+    const QFile::Permissions before = QFile::permissions(profile());
+    QVERIFY(tour({"open SITE/"}));
+    QCOMPARE(QFile::permissions(profile()), before);
+}
+
+void tst_kiosk::heldProfileIsRefused()
+{
+    QVERIFY(tour({"open SITE/"}));
+    for (const QString& held : {user(), common()}) {
+        const QByteArray before = readFile(user() + "visit.xml");
+        QLockFile lock(held + "tlvlib.lock");
+        QVERIFY(lock.tryLock(0));
+        QThread::msleep(50); // older than what counts as stale: a living program keeps it all the same
+        const Run run = kiosk({"--profile", profile()});
+        QCOMPARE(run.code, 1);
+        QCOMPARE(run.err,
+                 QString("kiosk: %1 is in use by tst_kiosk (process %2 on %3); end it first, or name "
+                         "another directory with --profile\n")
+                     .arg(held)
+                     .arg(QCoreApplication::applicationPid())
+                     .arg(QSysInfo::machineHostName())
+                     .toUtf8());
+        QCOMPARE(readFile(user() + "visit.xml"), before);
+    }
+    QVERIFY(tour({"open SITE/"}));
+    QVERIFY(!QFile::exists(user() + "tlvlib.lock") && !QFile::exists(common() + "tlvlib.lock"));
+}
+
+void tst_kiosk::lockOfADeadProgramStopsNobody()
+{
+    QVERIFY(tour({"open SITE/"}));
+    // A power cut may leave a lock file without anything in it.
+    writeFile(user() + "tlvlib.lock", "");
+    QThread::msleep(50);
+    QVERIFY(tour({"open SITE/"}));
+    // A killed program's own lock.
+    QProcess process;
+    start(process, {"--profile", profile()});
+    while (!QFile::exists(user() + "tlvlib.lock"))
+        QVERIFY(!process.waitForFinished(50));
+    process.kill();
+    QVERIFY(process.waitForFinished());
+    QVERIFY(QFile::exists(user() + "tlvlib.lock"));
+    QVERIFY(tour({"open SITE/"}));
+    // The number of its process may be another one's by now, even one of the same name.
+    writeFile(user() + "tlvlib.lock", QString("%1\ntst_kiosk\n%2\n")
+                                          .arg(QCoreApplication::applicationPid())
+                                          .arg(QSysInfo::machineHostName())
+                                          .toUtf8());
+    QThread::msleep(50);
+    QVERIFY(tour({"open SITE/"}));
+}
+
+void tst_kiosk::failedSaveIsToldAndTriedAgain()
+{
+    QVERIFY(tour({"open SITE/"}));
+    // No file can be made under this name, and so no new version of the bookmarks.
+    const QString obstacle = user() + "bookmark.xml.tlvsave";
+    QVERIFY(QDir().mkpath(obstacle));
+    const QByteArray before = readFile(user() + "bookmark.xml");
+    writeTour({"open SITE/news", "bookmark", "wait 600", "message bookmark.xml could not be saved"});
+    const Run run = kiosk({"--profile", profile(), "--tour", script()});
+    QCOMPARE(run.code, 1);
+    const QByteArray told =
+        "kiosk: " + user().toUtf8() +
+        "bookmark.xml could not be saved: a new file could not be made in its directory (";
+    QVERIFY2(run.err.contains(told), run.err.constData());
+    QCOMPARE(readFile(user() + "bookmark.xml"), before);
+
+    // What was not saved is saved later.
+    QProcess process;
+    QEventLoop loop;
+    connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
+            &QEventLoop::quit);
+    writeTour({"open SITE/news", "bookmark", "wait 2000"});
+    QTimer::singleShot(120000, &process, &QProcess::kill);
+    QTimer obstacleGoes;
+    connect(&obstacleGoes, &QTimer::timeout, this, [&] {
+        if (process.state() == QProcess::Running && QFile::exists(user() + "thumbnail/000001.PNG"))
+            QTimer::singleShot(800, &loop, [&] { QDir().rmdir(obstacle); });
+    });
+    obstacleGoes.start(50);
+    start(process, {"--profile", profile(), "--tour", script()});
+    loop.exec();
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(tlvctl({"bookmarks", "list", "--json", user()})["count"].toInt(), 1);
 }
 
 // --- History and bookmarks
