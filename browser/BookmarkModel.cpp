@@ -1,6 +1,6 @@
 #include <tlvlib/browser/BookmarkModel.h>
 
-#include "SaveError.h"
+#include <tlvlib/files/TVNG_SafeSave.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QUrl>
@@ -73,6 +73,7 @@ bool BookmarkModel::add(const QString& title, const QString& url, const QImage& 
         return refuse(tr("This address is too long for a bookmark: it has %1 bytes, and %2 are the most.")
                           .arg(bytes)
                           .arg(UrlMaximumBytes));
+    error_.clear();
     TVNS_Bookmark bookmark{title, url, writePicture(picture)};
     if (!store_.setBookmark(&bookmark)) {
         store_.deleteThumbnail(&bookmark.thumbnail);
@@ -81,7 +82,6 @@ bool BookmarkModel::add(const QString& title, const QString& url, const QImage& 
     recordPrepended();
     if (earlier >= 0)
         remove(earlier + 1); // the new one has moved it
-    error_.clear();
     emit changed();
     return true;
 }
@@ -89,10 +89,13 @@ bool BookmarkModel::add(const QString& title, const QString& url, const QImage& 
 QString BookmarkModel::writePicture(QImage picture)
 {
     QString path = pictures_;
-    if (picture.isNull() || store_.setThumbnail(&picture, &path, lastNumber_)) // completes the path
-        return picture.isNull() ? QString() : path;
-    const QString error = TVNG_GetSaveError();
-    emit pictureNotSaved(error.isEmpty() ? tr("%1: the picture cannot be written").arg(path) : error);
+    if (picture.isNull())
+        return QString();
+    if (store_.setThumbnail(&picture, &path, lastNumber_)) // completes the path
+        return path;
+    const QString error = TVNG_GetSaveError(); // none without safe saving
+    error_ = tr("Bookmarked without its picture: %1").arg(error.isEmpty() ? path : error);
+    emit pictureNotSaved(error_);
     return QString();
 }
 

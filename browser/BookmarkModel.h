@@ -72,7 +72,8 @@ public:
     /// The upper left part of what is to be seen of a page, in the size of a bookmark's picture.
     static QImage pictureOf(const QImage& page);
 
-    /// Why the last add() was refused, in words for a person.
+    /// Why the last add() was refused, or what its bookmark lacks, in words for a person; empty when all went
+    /// well.
     QString errorString() const { return error_; }
 
     Qt::ItemFlags flags(const QModelIndex& index) const override;

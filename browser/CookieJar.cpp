@@ -1,7 +1,6 @@
 #include <tlvlib/browser/CookieJar.h>
 
-#include "SaveError.h"
-
+#include <tlvlib/files/TVNG_SafeSave.h>
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 
 #include <QtCore/QDateTime>
@@ -31,8 +30,7 @@ QByteArray documentIn(const QString& dir)
 
 } // namespace
 
-CookieJar::CookieJar(QObject* parent)
-    : QNetworkCookieJar(parent), store_(*TVNC_CookieSetting::getInstance())
+CookieJar::CookieJar(QObject* parent) : QNetworkCookieJar(parent), store_(*TVNC_CookieSetting::getInstance())
 {
 }
 

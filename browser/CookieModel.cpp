@@ -45,12 +45,9 @@ QVariantList CookieModel::storedRecord(int row) const
         flags.append(tr("secure"));
     if (cookie.isHttpOnly())
         flags.append(tr("HttpOnly"));
-    return {cookie.domain(),
-            QString::fromUtf8(cookie.name()),
-            cookie.path(),
-            flags.join(QLatin1String(", ")),
-            cookie.expirationDate(),
-            cookie.isSecure(),
+    return {cookie.domain(),         QString::fromUtf8(cookie.name()),
+            cookie.path(),           flags.join(QLatin1String(", ")),
+            cookie.expirationDate(), cookie.isSecure(),
             cookie.isHttpOnly()};
 }
 

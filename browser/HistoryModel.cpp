@@ -1,6 +1,6 @@
 #include <tlvlib/browser/HistoryModel.h>
 
-#include "SaveError.h"
+#include <tlvlib/files/TVNG_SafeSave.h>
 
 namespace Tlv {
 

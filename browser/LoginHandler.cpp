@@ -277,9 +277,9 @@ void LoginHandler::authenticateAtProxy(const QNetworkProxy& proxy, QAuthenticato
     request.user = QString::fromUtf8(fromWire(authenticator->user()));
     request.wasRefused = !tried.isEmpty();
     const int questions = authenticator->option(QLatin1String(PROXY_QUESTIONS)).toInt();
-    authenticator->setOption(QLatin1String(PROXY_QUESTIONS), questions + 1);
-    if (questions < MaximumQuestions && ask(request))
-        give(answers_.value(key));
+    // Any change of Qt's object, even of an option, has the request sent again: none without a new login.
+    if (questions < MaximumQuestions && ask(request) && give(answers_.value(key)))
+        authenticator->setOption(QLatin1String(PROXY_QUESTIONS), questions + 1);
 }
 
 void LoginHandler::proveProxyLogin(QNetworkReply* reply)
@@ -290,8 +290,7 @@ void LoginHandler::proveProxyLogin(QNetworkReply* reply)
         return;
     // The realm of a proxy is not told once it has let a request through; there is one proxy.
     for (auto answer = answers_.begin(); answer != answers_.end(); ++answer) {
-        if (!answer.key().startsWith(
-                QString::fromLatin1("1 %1:%2 ").arg(proxy.hostName()).arg(proxy.port())))
+        if (!answer.key().startsWith(QString::fromLatin1("1 %1:%2 ").arg(proxy.hostName()).arg(proxy.port())))
             continue;
         const Credentials right = answer.value();
         answers_.erase(answer);

@@ -1,9 +1,9 @@
 #include <tlvlib/browser/Profile.h>
 
 #include "DamageCheck.h"
-#include "SaveError.h"
 #include "UsedDirectory.h"
 
+#include <tlvlib/files/TVNG_SafeSave.h>
 #include <tlvlib/stores/TVNC_FontListSetting.h>
 #include <tlvlib/thumbs/TVNC_NetworkDiskCache.h>
 
@@ -55,7 +55,7 @@ struct Part
     QStringList files;
     std::function<QString()> save; ///< @return what failed
     bool isChanged = false;
-    QString error; ///< of the last save
+    QString error;        ///< of the last save
     QStringList uncopied; ///< damaged files that must not be overwritten yet
 };
 
@@ -67,6 +67,7 @@ struct Profile::Private
 
     bool refuse(Error kind, const QString& text);
     bool open(const QString& named);
+    bool hold(std::optional<UsedDirectory>& held, const QString& dir);
     void makeParts();
     void lookForDamage();
     void load();
@@ -98,7 +99,7 @@ struct Profile::Private
     Part historyPart;
     Part loginsPart;
     Part cookiesPart;
-    const std::vector<Part*> parts{&devicePreferencesPart, &userPreferencesPart, &fontsPart, &bookmarksPart,
+    const std::vector<Part*> parts{&devicePreferencesPart, &userPreferencesPart, &fontsPart,  &bookmarksPart,
                                    &historyPart,           &loginsPart,          &cookiesPart};
     QTimer moment;
     QTimer latest;
@@ -109,10 +110,7 @@ struct Profile::Private
 Profile* Profile::Private::opened = nullptr;
 
 Profile::Private::Private(Profile& profile)
-    : owner(profile)
-    , cookieJar(new CookieJar(&profile))
-    , cookies(*cookieJar)
-    , loginHandler(logins)
+    : owner(profile), cookieJar(new CookieJar(&profile)), cookies(*cookieJar), loginHandler(logins)
 {
     for (QTimer* timer : {&moment, &latest}) {
         timer->setSingleShot(true);
@@ -161,21 +159,23 @@ bool Profile::Private::refuse(Error kind, const QString& text)
     return false;
 }
 
+bool Profile::Private::hold(std::optional<UsedDirectory>& held, const QString& dir)
+{
+    const QString holder = held.emplace().hold(dir);
+    return holder.isEmpty() || refuse(InUseError, tr("%1 is in use by %2; end it first").arg(dir, holder));
+}
+
 /// @param named what the user has named, for the messages
 bool Profile::Private::open(const QString& named)
 {
     if (opened)
         return refuse(InUseError, tr("%1: another profile is open in this process").arg(named));
-    const bool isMade = UsedDirectory::make(userDir) &&
-                        UsedDirectory::make(userDir + QLatin1String("thumbnail/")) &&
-                        UsedDirectory::make(deviceDir);
+    const bool isMade = makeDirectory(userDir) && makeDirectory(userDir + QLatin1String("thumbnail/")) &&
+                        makeDirectory(deviceDir);
     if (!isMade)
         return refuse(PermissionError, tr("%1: cannot be written; check its permissions").arg(named));
-    QString holder = heldUser.emplace().hold(userDir);
-    if (holder.isEmpty() && deviceDir != userDir)
-        holder = heldDevice.emplace().hold(deviceDir);
-    if (!holder.isEmpty())
-        return refuse(InUseError, tr("%1: is in use by %2").arg(named, holder));
+    if (!hold(heldUser, userDir) || (deviceDir != userDir && !hold(heldDevice, deviceDir)))
+        return false;
     opened = &owner;
     error = NoError;
     errorString.clear();
@@ -263,10 +263,12 @@ bool Profile::Private::save(Part& part)
     if (!part.isChanged)
         return true;
     const QString problem = saveChecked(part);
-    const bool isNews = problem != part.error;
     part.isChanged = !problem.isEmpty();
+    if (problem == part.error)
+        return problem.isEmpty();
     part.error = problem;
-    if (isNews && !problem.isEmpty())
+    emit owner.saveErrorChanged();
+    if (!problem.isEmpty())
         emit owner.saveFailed(problem);
     return problem.isEmpty();
 }
@@ -286,11 +288,10 @@ bool Profile::open(const QString& dir)
     close();
     const QString path = QDir(dir).absolutePath();
     if (!isAscii(path) || path.size() > MaximumDirectory)
-        return d->refuse(PathError,
-                         tr("%1: a profile's path has at most %2 characters, all of them ASCII")
-                             .arg(path)
-                             .arg(MaximumDirectory));
-    if (!UsedDirectory::make(path))
+        return d->refuse(PathError, tr("%1: a profile's path has at most %2 characters, all of them ASCII")
+                                        .arg(path)
+                                        .arg(MaximumDirectory));
+    if (!makeDirectory(path))
         return d->refuse(PermissionError, tr("%1: cannot be written; check its permissions").arg(path));
     d->userDir = path + QLatin1String("/user/");
     d->deviceDir = path + QLatin1String("/common/");
@@ -302,10 +303,9 @@ bool Profile::open(const QString& userDir, const QString& deviceDir)
     close();
     const QString user = withSlash(userDir);
     if (!isAscii(user) || user.size() > MaximumUserDirectory)
-        return d->refuse(PathError,
-                         tr("%1: a user's directory has at most %2 characters, all of them ASCII")
-                             .arg(user)
-                             .arg(MaximumUserDirectory));
+        return d->refuse(PathError, tr("%1: a user's directory has at most %2 characters, all of them ASCII")
+                                        .arg(user)
+                                        .arg(MaximumUserDirectory));
     d->userDir = user;
     d->deviceDir = withSlash(deviceDir);
     return d->open(user);
@@ -339,6 +339,15 @@ QString Profile::errorString() const
 QList<Damage> Profile::damages() const
 {
     return d->damages;
+}
+
+QString Profile::saveError() const
+{
+    for (const Part* part : d->parts) {
+        if (!part->error.isEmpty())
+            return part->error;
+    }
+    return QString();
 }
 
 QString Profile::userDirectory() const

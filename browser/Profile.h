@@ -78,9 +78,11 @@ public:
         PermissionError, ///< cannot be made, or cannot be written
         InUseError       ///< another process has it, or another Profile of this one
     };
+    Q_ENUM(Error)
 
     /// When the use of the browser ends, in the codes of the preferences.
     enum Occasion { LogOut = 1, Timeout = 2 };
+    Q_ENUM(Occasion)
 
     explicit Profile(QObject* parent = nullptr);
 
@@ -108,6 +110,9 @@ public:
 
     /// What was damaged at the last open().
     QList<Damage> damages() const;
+
+    /// What could not be saved up to now, and why, in words for a person; empty when there is nothing.
+    QString saveError() const;
 
     // With "/" at their ends; empty before the first open().
     QString userDirectory() const;
@@ -154,6 +159,7 @@ public:
 Q_SIGNALS:
     /// A save failed; the text is for a person. Once for each file and reason, until it has been saved again.
     void saveFailed(const QString& error);
+    void saveErrorChanged();
     void preferencesChanged();
 
 private:

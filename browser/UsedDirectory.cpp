@@ -4,35 +4,47 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
+#include <sys/stat.h>
+
 namespace Tlv {
 
-bool UsedDirectory::make(const QString& path)
+namespace {
+
+QString tr(const char* text)
 {
-    if (!QFileInfo::exists(path)) {
-        const QFile::Permissions owner = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-        if (!QDir().mkpath(path) || !QFile::setPermissions(path, owner))
-            return false;
-    }
-    const QFileInfo info(path);
+    return QCoreApplication::translate("Tlv::Profile", text);
+}
+
+QString holderOf(const QLockFile& lock)
+{
+    qint64 process = 0;
+    QString host;
+    QString application;
+    if (!lock.getLockInfo(&process, &host, &application))
+        return tr("another program");
+    return tr("%1 (process %2 on %3)").arg(application).arg(process).arg(host);
+}
+
+} // namespace
+
+bool makeDirectory(const QString& path)
+{
+    const QString name = QDir::cleanPath(path);
+    QDir().mkpath(QFileInfo(name).path());
+    // Not QDir::mkdir(), which lets others in until the permissions are set.
+    ::mkdir(QFile::encodeName(name).constData(), S_IRWXU);
+    const QFileInfo info(name);
     return info.isDir() && info.isWritable();
 }
 
 QString UsedDirectory::hold(const QString& dir)
 {
     auto lock = std::make_unique<QLockFile>(dir + QLatin1String("tlvlib.lock"));
-    // Not 0, or an empty lock file, which a power cut leaves, would stop everybody for ever. A lock whose
-    // process lives is kept however old it is.
+    // Qt takes a lock of this age away only when the kernel knows of nobody who holds the file, so that a
+    // living program keeps it. With 0 a lock file that a power cut has left empty would never be taken away.
     lock->setStaleLockTime(1);
-    if (!lock->tryLock(0)) {
-        qint64 process = 0;
-        QString host;
-        QString application;
-        lock->getLockInfo(&process, &host, &application);
-        return QCoreApplication::translate("Tlv::Profile", "%1 (process %2 on %3)")
-            .arg(application)
-            .arg(process)
-            .arg(host);
-    }
+    if (!lock->tryLock(0))
+        return holderOf(*lock);
     lock_ = std::move(lock);
     return QString();
 }

@@ -8,13 +8,15 @@
 
 namespace Tlv {
 
+/// Makes a directory, for its owner alone, where it is missing; one that is there keeps its permissions.
+/// False when it cannot be written then.
+bool makeDirectory(const QString& path);
+
 /// A directory that this process holds against others.
 class UsedDirectory
 {
 public:
-    /// Makes a directory, for its owner alone, where it is missing. False when it cannot be written then.
-    static bool make(const QString& path);
-
+    /// @param dir ends in "/"
     /// @return who holds the directory; empty when it is ours from now on
     QString hold(const QString& dir);
 

@@ -16,8 +16,9 @@ RowFollower::RowFollower(QAbstractItemModel& model)
     connect(&model, &QAbstractItemModel::rowsRemoved, this, [this](const QModelIndex&, int first, int last) {
         rows_.erase(rows_.begin() + first, rows_.begin() + last + 1);
     });
-    connect(&model, &QAbstractItemModel::rowsMoved, this,
-            [this](const QModelIndex&, int first, int, const QModelIndex&, int to) { rows_.move(first, to); });
+    connect(
+        &model, &QAbstractItemModel::rowsMoved, this,
+        [this](const QModelIndex&, int first, int, const QModelIndex&, int to) { rows_.move(first, to); });
     connect(&model, &QAbstractItemModel::dataChanged, this,
             [this](const QModelIndex& first, const QModelIndex& last) {
                 for (int row = first.row(); row <= last.row(); ++row)

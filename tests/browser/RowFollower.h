@@ -6,8 +6,8 @@
 #include <QtTest/QAbstractItemModelTester>
 
 /**
- * A view's side of a model: knows of it what the signals have told, and reads the rows that they name. Qt's own
- * tester looks on.
+ * A view's side of a model: knows of it what the signals have told, and reads the rows that they name. Qt's
+ * own tester looks on.
  */
 class RowFollower : public QObject
 {

@@ -67,8 +67,8 @@ void tst_BookmarkModel::newBookmarkStandsInFront()
     QVERIFY(model.add("Maps", "http://example.org/maps"));
     QVERIFY(model.add("News", "http://example.org/news", picture(Qt::red)));
     QCOMPARE(changes.count(), 2);
-    QCOMPARE(RowFollower::rowsOf(model), (QList<QStringList>{{"News", "http://example.org/news"},
-                                                             {"Maps", "http://example.org/maps"}}));
+    QCOMPARE(RowFollower::rowsOf(model),
+             (QList<QStringList>{{"News", "http://example.org/news"}, {"Maps", "http://example.org/maps"}}));
     QCOMPARE(model.save(dir()), QString());
     BookmarkModel again;
     again.load(dir());

@@ -162,7 +162,7 @@ void tst_CookieJar::newestTwentyAreKept()
 {
     for (int i = 0; i < 25; ++i)
         take("c" + QByteArray::number(i) + "=1" + LATER);
-    take(QByteArray("c6=2") + LATER); // changed, and so the newest
+    take(QByteArray("c6=2") + LATER);     // changed, and so the newest
     QCOMPARE(jar_->cookies().size(), 25); // of this process's use
     QCOMPARE(jar_->save(dir()), QString());
     QList<QByteArray> names;

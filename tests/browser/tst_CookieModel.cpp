@@ -29,10 +29,9 @@ void tst_CookieModel::cookieIsShownWithoutItsValue()
     CookieModel model(jar);
     QVERIFY(jar.insertCookie(cookie("sid=s3cret; expires=Wed, 06-May-2037 07:08:09 GMT; secure; HttpOnly")));
     QVERIFY(jar.insertCookie(cookie("visit=now")));
-    QCOMPARE(RowFollower::rowsOf(model), (QList<QStringList>{{"example.org", "sid", "/", "secure, HttpOnly",
-                                                              "2037-05-06 09:08"},
-                                                             {"example.org", "visit", "/", "",
-                                                              "end of the browser"}}));
+    QCOMPARE(RowFollower::rowsOf(model),
+             (QList<QStringList>{{"example.org", "sid", "/", "secure, HttpOnly", "2037-05-06 09:08"},
+                                 {"example.org", "visit", "/", "", "end of the browser"}}));
     for (int role = 0; role < CookieModel::HttpOnlyRole + 10; ++role) {
         for (int column = 0; column < model.columnCount(); ++column)
             QVERIFY(!model.index(0, column).data(role).toString().contains("s3cret"));

@@ -28,7 +28,10 @@ private slots:
 
 private:
     QString dir() const { return dir_->path(); }
-    static QDateTime at(int minute) { return QDateTime(QDate(2011, 4, 12), QTime(0, 0)).addSecs(60 * minute); }
+    static QDateTime at(int minute)
+    {
+        return QDateTime(QDate(2011, 4, 12), QTime(0, 0)).addSecs(60 * minute);
+    }
     static QString url(int number) { return QString("http://example.org/%1").arg(number); }
 
     std::unique_ptr<TempDir> dir_;
@@ -47,8 +50,8 @@ void tst_HistoryModel::visitStandsInFrontWithDateAndTime()
     model.visit(url(1), "One", at(61));
     model.visit(url(2), "Two", at(62));
     QCOMPARE(changes.count(), 2);
-    QCOMPARE(RowFollower::rowsOf(model), (QList<QStringList>{{"2011-04-12 01:02", "Two", url(2)},
-                                                             {"2011-04-12 01:01", "One", url(1)}}));
+    QCOMPARE(RowFollower::rowsOf(model),
+             (QList<QStringList>{{"2011-04-12 01:02", "Two", url(2)}, {"2011-04-12 01:01", "One", url(1)}}));
     QCOMPARE(model.index(0, 0).data(HistoryModel::DateTimeRole).toDateTime(), at(62));
     model.visit(url(3), "Three"); // now
     QVERIFY(model.index(0, 0).data(HistoryModel::DateTimeRole).toDateTime().date().year() >= 2026);

@@ -30,14 +30,15 @@ struct Browser
     {
         manager.setProxyFactory(new Tlv::ProxyFactory);
         handler.attach(&manager);
-        QObject::connect(&handler, &LoginHandler::loginRequired, &handler, [this](const LoginRequest& request) {
-            questions.append(request);
-            if (answers.isEmpty())
-                return;
-            isSameRequest = handler.answer(request, answers.first().first, answers.first().second);
-            if (answers.size() > 1 || !isStubborn)
-                answers.removeFirst();
-        });
+        QObject::connect(
+            &handler, &LoginHandler::loginRequired, &handler, [this](const LoginRequest& request) {
+                questions.append(request);
+                if (answers.isEmpty())
+                    return;
+                isSameRequest = handler.answer(request, answers.first().first, answers.first().second);
+                if (answers.size() > 1 || !isStubborn)
+                    answers.removeFirst();
+            });
     }
 
     QNetworkAccessManager manager;
@@ -110,8 +111,12 @@ void tst_LoginHandler::loginIsAskedOnceAndKept_data()
     QTest::addColumn<QString>("password");
     QTest::addColumn<LoginModel::Scheme>("scheme");
     QTest::addColumn<QString>("realm");
-    QTest::newRow("basic") << "/basic" << "bob" << "builder" << LoginModel::Basic << "Staff";
-    QTest::newRow("digest") << "/digest" << "alice" << "wonderland" << LoginModel::Digest << "Archive";
+    QTest::newRow("basic") << "/basic"
+                           << "bob"
+                           << "builder" << LoginModel::Basic << "Staff";
+    QTest::newRow("digest") << "/digest"
+                            << "alice"
+                            << "wonderland" << LoginModel::Digest << "Archive";
 }
 
 void tst_LoginHandler::loginIsAskedOnceAndKept()
@@ -154,8 +159,12 @@ void tst_LoginHandler::wrongAnswerIsAskedAgain_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("user");
     QTest::addColumn<QString>("password");
-    QTest::newRow("basic") << "/basic" << "bob" << "builder";
-    QTest::newRow("digest") << "/digest" << "alice" << "wonderland";
+    QTest::newRow("basic") << "/basic"
+                           << "bob"
+                           << "builder";
+    QTest::newRow("digest") << "/digest"
+                            << "alice"
+                            << "wonderland";
 }
 
 void tst_LoginHandler::wrongAnswerIsAskedAgain()
@@ -332,7 +341,8 @@ void tst_LoginHandler::noEventRunsMeanwhile()
     int rounds = 0;
     connect(&manager, &QNetworkAccessManager::authenticationRequired, this, [this, &hasRun] {
         hasRun = false;
-        QMetaObject::invokeMethod(this, [&hasRun] { hasRun = true; }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [&hasRun] { hasRun = true; }, Qt::QueuedConnection);
     });
     LoginHandler handler(*logins_);
     handler.attach(&manager);

@@ -51,13 +51,27 @@ void tst_ProxyFactory::proxyFor_data()
     QTest::addColumn<QString>("host");
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("proxy");
-    QTest::newRow("http") << true << "proxy.test" << "http://example.org/" << "plain proxy.test:8080";
-    QTest::newRow("https") << true << "proxy.test" << "https://example.org/" << "tunnel proxy.test:8443";
-    QTest::newRow("port") << true << "proxy.test" << "http://example.org:81/" << "plain proxy.test:8080";
-    QTest::newRow("off") << false << "proxy.test" << "http://example.org/" << "none";
-    QTest::newRow("no host") << true << "" << "http://example.org/" << "none";
-    QTest::newRow("device") << true << "proxy.test" << "http://127.0.0.1/" << "none";
-    QTest::newRow("device by name") << true << "proxy.test" << "http://localhost:8000/" << "none";
+    QTest::newRow("http") << true << "proxy.test"
+                          << "http://example.org/"
+                          << "plain proxy.test:8080";
+    QTest::newRow("https") << true << "proxy.test"
+                           << "https://example.org/"
+                           << "tunnel proxy.test:8443";
+    QTest::newRow("port") << true << "proxy.test"
+                          << "http://example.org:81/"
+                          << "plain proxy.test:8080";
+    QTest::newRow("off") << false << "proxy.test"
+                         << "http://example.org/"
+                         << "none";
+    QTest::newRow("no host") << true << ""
+                             << "http://example.org/"
+                             << "none";
+    QTest::newRow("device") << true << "proxy.test"
+                            << "http://127.0.0.1/"
+                            << "none";
+    QTest::newRow("device by name") << true << "proxy.test"
+                                    << "http://localhost:8000/"
+                                    << "none";
 }
 
 void tst_ProxyFactory::proxyFor()
@@ -76,14 +90,22 @@ void tst_ProxyFactory::ports_data()
 {
     QTest::addColumn<QString>("port");
     QTest::addColumn<QString>("proxy");
-    QTest::newRow("lowest") << "1" << "plain proxy.test:1";
-    QTest::newRow("highest") << "65535" << "plain proxy.test:65535";
-    QTest::newRow("too high") << "65536" << "none";
-    QTest::newRow("zero") << "0" << "none";
-    QTest::newRow("negative") << "-1" << "none";
-    QTest::newRow("word") << "http" << "none";
-    QTest::newRow("with a letter") << "80a" << "none";
-    QTest::newRow("empty") << "" << "none";
+    QTest::newRow("lowest") << "1"
+                            << "plain proxy.test:1";
+    QTest::newRow("highest") << "65535"
+                             << "plain proxy.test:65535";
+    QTest::newRow("too high") << "65536"
+                              << "none";
+    QTest::newRow("zero") << "0"
+                          << "none";
+    QTest::newRow("negative") << "-1"
+                              << "none";
+    QTest::newRow("word") << "http"
+                          << "none";
+    QTest::newRow("with a letter") << "80a"
+                                   << "none";
+    QTest::newRow("empty") << ""
+                           << "none";
 }
 
 void tst_ProxyFactory::ports()
@@ -100,23 +122,40 @@ void tst_ProxyFactory::bypassList_data()
     QTest::addColumn<QString>("domains");
     QTest::addColumn<QString>("host");
     QTest::addColumn<bool>("isBypassed");
-    QTest::newRow("itself") << "example.org" << "example.org" << true;
-    QTest::newRow("below it") << "example.org" << "www.example.org" << true;
-    QTest::newRow("only its end") << "example.org" << "myexample.org" << false;
-    QTest::newRow("dot, itself") << ".example.org" << "example.org" << true;
-    QTest::newRow("dot, below it") << ".example.org" << "a.b.example.org" << true;
-    QTest::newRow("letter case") << "Example.ORG" << "www.exAmple.org" << true;
-    QTest::newRow("above it") << "www.example.org" << "example.org" << false;
-    QTest::newRow("wildcard") << "*.example.org" << "www.example.org" << false;
-    QTest::newRow("commas") << "a.test,b.test,c.test" << "b.test" << true;
-    QTest::newRow("semicolons") << "a.test;b.test" << "b.test" << true;
-    QTest::newRow("blanks") << "a.test b.test\tc.test" << "c.test" << true;
-    QTest::newRow("all of them") << " a.test ,; b.test ;" << "b.test" << true;
-    QTest::newRow("other separators") << "a.test|b.test" << "b.test" << false;
-    QTest::newRow("empty") << "" << "example.org" << false;
-    QTest::newRow("a dot alone") << "." << "example.org" << false;
-    QTest::newRow("separators alone") << ",; ," << "example.org" << false;
-    QTest::newRow("address") << "192.168.0.1" << "192.168.0.1" << true;
+    QTest::newRow("itself") << "example.org"
+                            << "example.org" << true;
+    QTest::newRow("below it") << "example.org"
+                              << "www.example.org" << true;
+    QTest::newRow("only its end") << "example.org"
+                                  << "myexample.org" << false;
+    QTest::newRow("dot, itself") << ".example.org"
+                                 << "example.org" << true;
+    QTest::newRow("dot, below it") << ".example.org"
+                                   << "a.b.example.org" << true;
+    QTest::newRow("letter case") << "Example.ORG"
+                                 << "www.exAmple.org" << true;
+    QTest::newRow("above it") << "www.example.org"
+                              << "example.org" << false;
+    QTest::newRow("wildcard") << "*.example.org"
+                              << "www.example.org" << false;
+    QTest::newRow("commas") << "a.test,b.test,c.test"
+                            << "b.test" << true;
+    QTest::newRow("semicolons") << "a.test;b.test"
+                                << "b.test" << true;
+    QTest::newRow("blanks") << "a.test b.test\tc.test"
+                            << "c.test" << true;
+    QTest::newRow("all of them") << " a.test ,; b.test ;"
+                                 << "b.test" << true;
+    QTest::newRow("other separators") << "a.test|b.test"
+                                      << "b.test" << false;
+    QTest::newRow("empty") << ""
+                           << "example.org" << false;
+    QTest::newRow("a dot alone") << "."
+                                 << "example.org" << false;
+    QTest::newRow("separators alone") << ",; ,"
+                                      << "example.org" << false;
+    QTest::newRow("address") << "192.168.0.1"
+                             << "192.168.0.1" << true;
 }
 
 void tst_ProxyFactory::bypassList()
@@ -134,8 +173,7 @@ void tst_ProxyFactory::managersAskByQuery()
 {
     useProxy();
     Tlv::ProxyFactory factory;
-    const QList<QNetworkProxy> proxies =
-        factory.queryProxy(QNetworkProxyQuery(QUrl("https://example.org/")));
+    const QList<QNetworkProxy> proxies = factory.queryProxy(QNetworkProxyQuery(QUrl("https://example.org/")));
     QCOMPARE(proxies.size(), 1);
     QCOMPARE(described(proxies.first()), QString("tunnel proxy.test:8443"));
 }

@@ -210,9 +210,9 @@ TestSite::Answer TestSite::answerAsProxy(const Request& request) const
 
 TestSite::Answer TestSite::protectedPage(const Request& request, bool isDigest) const
 {
-    const bool isFine =
-        isDigest ? isDigestFine(request)
-                 : request.headers.value("authorization") == basicHeader(basicUser, basicPassword);
+    const bool isFine = isDigest
+                            ? isDigestFine(request)
+                            : request.headers.value("authorization") == basicHeader(basicUser, basicPassword);
     if (isFine)
         return page(isDigest ? "Archive" : "Staff", "<p>Welcome in.</p>");
     Answer answer = page("Closed", "<p>Not without a login.</p>");

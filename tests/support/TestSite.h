@@ -65,7 +65,7 @@ private:
     bool isDigestFine(const Request& request) const;
 
     QHash<QTcpSocket*, QByteArray> pending_; ///< what has come of the next request
-    QTcpServer server_; ///< goes first, and its sockets with it
+    QTcpServer server_;                      ///< goes first, and its sockets with it
 };
 
 #endif
