@@ -70,15 +70,14 @@ void TestSite::serve(QTcpSocket& socket)
 {
     QByteArray& pending = pending_[&socket];
     pending += socket.readAll();
-    int end = -1;
-    while ((end = pending.indexOf("\r\n\r\n")) >= 0) {
+    for (auto end = pending.indexOf("\r\n\r\n"); end >= 0; end = pending.indexOf("\r\n\r\n")) {
         const QList<QByteArray> lines = pending.left(end).split('\n');
         pending.remove(0, end + 4);
         Request request;
         request.method = lines.first().split(' ').value(0);
         request.target = lines.first().split(' ').value(1);
         for (const QByteArray& line : lines.mid(1)) {
-            const int colon = line.indexOf(':');
+            const auto colon = line.indexOf(':');
             request.headers[line.left(colon).toLower()] = line.mid(colon + 1).trimmed();
         }
         const Answer given = request.target.startsWith('/') ? answer(request) : answerAsProxy(request);
