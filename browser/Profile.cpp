@@ -218,6 +218,10 @@ void Profile::Private::load()
 {
     devicePreferences().loadSetting(&deviceDir);
     userPreferences().loadSetting(&userDir);
+    for (Part* part : {&devicePreferencesPart, &userPreferencesPart}) {
+        if (!QFile::exists(part->files.first()))
+            change(*part); // a new profile gets its defaults, for whoever looks into it
+    }
     loadFonts();
     bookmarks.load(userDir);
     history.load(userDir);

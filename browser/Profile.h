@@ -95,7 +95,8 @@ public:
     /**
      * Opens a user's and the device's directory, after closing what was open before. Switches safe saving on,
      * for good; looks for damage; then loads all stores. Writes no file but the locks, copies of damaged
-     * files, and a missing "cookie.ini" from its document.
+     * files, and a missing "cookie.ini" from its document; a new profile's preferences and fonts follow a
+     * moment later.
      *
      * @return false when that cannot be; error() and errorString() tell why
      */
