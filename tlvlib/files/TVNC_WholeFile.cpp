@@ -104,8 +104,9 @@ bool TVNC_WholeFile::openFile()
 
     struct stat target;
     std::memset(&target, 0, sizeof target); // a mode of 0 for a target that does not exist
-    if (::stat(path.constData(), &target) != 0 && errno != ENOENT)
-        return openInPlace();
+    const bool b_missing = ::stat(path.constData(), &target) != 0;
+    if (name_.isEmpty() || (b_missing && errno != ENOENT))
+        return openInPlace(); // which fails
     if (target.st_mode != 0) {
         if (!S_ISREG(target.st_mode))
             return openInPlace();
