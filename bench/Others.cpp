@@ -79,7 +79,9 @@ void DomStore::save()
     QFile file(path_);
     openOrFail(file, QIODevice::WriteOnly);
     QTextStream stream(&file);
-    stream.setCodec("UTF-8");
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    stream.setCodec("UTF-8"); // as Qt 6 does by itself
+#endif
     document_.save(stream, 4);
 }
 

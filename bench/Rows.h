@@ -10,6 +10,7 @@
  */
 
 void addLoadAndSave(const QString& dir);
+void addSafeSaves(const QString& dir);
 void addChanges(const QString& dir);
 void addGrowth(const QString& dir);
 void addThumbnails(const QString& dir);

@@ -80,6 +80,18 @@ void loadStore(const Format& format, QString dir)
         fonts().loadFontList(dir);
 }
 
+void emptyStore(const Format& format)
+{
+    held.clear();
+    if (&format == &BOOKMARKS)
+        bookmarks().deleteAllSetting();
+    else if (&format == &HISTORY)
+        history().deleteAllSetting();
+    else
+        fonts().deleteAllSetting();
+    release();
+}
+
 void saveStore(const Format& format, QString dir)
 {
     if (&format == &BOOKMARKS)

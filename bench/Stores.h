@@ -18,6 +18,9 @@ void fillStore(const Format& format, QString dir, const Records& records);
 
 void loadStore(const Format& format, QString dir);
 
+/// Lets go of all records of a store, as at the start of a program, and has them released.
+void emptyStore(const Format& format);
+
 /// Loads a store unless it was last loaded or filled from this directory.
 void holdStore(const Format& format, const QString& dir);
 

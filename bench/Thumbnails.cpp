@@ -49,8 +49,8 @@ void unpackBare(const QString& path, const QString& dir)
         return;
     while (!file.atEnd()) {
         const QByteArray line = file.readLine();
-        const int start = line.indexOf("<![CDATA[") + 9;
-        const int name = line.indexOf("src=\"") + 5;
+        const auto start = line.indexOf("<![CDATA[") + 9;
+        const auto name = line.indexOf("src=\"") + 5;
         if (start < 9 || name < 5)
             continue;
         writeAll(dir + QString::fromUtf8(line.mid(name, line.indexOf('"', name) - name)),

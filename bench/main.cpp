@@ -25,6 +25,7 @@ int main(int argc, char** argv)
     const QString dir = scratch.path() + '/';
     addGrowth(dir); // first, on a heap that nothing has been done to
     addLoadAndSave(dir);
+    addSafeSaves(dir);
     addChanges(dir);
     addThumbnails(dir);
     addMemory(dir);

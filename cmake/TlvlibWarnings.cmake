@@ -1,4 +1,8 @@
-# Warnings are errors, in every target of the project.
+# The warnings that every target of the project is compiled with. They are errors where TLVLIB_WERROR says so: for those
+# who change the project, not for those who build it with a compiler that it has never seen.
 function(tlvlib_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+    if(TLVLIB_WERROR)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
 endfunction()

@@ -15,4 +15,4 @@ set(CMAKE_CXX_COMPILER "${TLVLIB_CROSS}g++")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 
 set(TLVLIB_QT_VERSION 4 CACHE STRING "Major version of Qt to build with")
-set(BUILD_TESTING OFF CACHE BOOL "Tests need the device's QtTest")
+set(TLVLIB_TESTS OFF CACHE BOOL "Tests need the device's QtTest")

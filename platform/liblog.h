@@ -7,10 +7,14 @@
  *
  * On the device the platform brings that library. A desk lacks it, and the build then makes one that hands
  * the messages to syslog(3). The calls go through the dynamic linker, so a program that defines these
- * functions itself sees every one of them.
+ * functions itself sees every one of them. Such a program includes this header, as
+ * <tlvlib/platform/liblog.h>: its functions are then visible to the library, also where the program is
+ * compiled with -fvisibility=hidden. Hidden ones would link and never be called.
  *
  * Only the argument values are settled; tlvlib ignores every result.
  */
+
+#pragma GCC visibility push(default)
 
 #ifdef __cplusplus
 extern "C" {
@@ -34,5 +38,7 @@ int LIBF_AttachMemory(void);
 #ifdef __cplusplus
 }
 #endif
+
+#pragma GCC visibility pop
 
 #endif

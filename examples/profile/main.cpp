@@ -2,39 +2,30 @@
  * Fills a browser's profile through every store of the library, or loads one, and prints what the stores
  * answer. What one process has filled in, another one gets as answer.
  *
- *     profile fill DIR     a new profile in DIR
+ *     profile fill DIR          a new profile in DIR
  *     profile show DIR
+ *     profile change DIR        edits, deletions, switches
+ *     profile forget DIR        deletes what the user has collected
+ *     profile pack DIR FILE     the pictures of the bookmarks as one file
+ *     profile unpack FILE DIR   and back, whoever made the file
+ *     profile clear-cache
  */
+
+#include "Profile.h"
+#include "upkeep.h"
 
 #include <tlvlib/tlvlib.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtGui/QLinearGradient>
 #include <QtGui/QPainter>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
-
-/// Directories end in "/": the stores append their file names to them as they are.
-struct Profile
-{
-    explicit Profile(const QString& dir) : common(dir + "/common/"), user(dir + "/user/") {}
-
-    QString common; ///< of the device
-    QString user;   ///< of one user
-    QString thumbnails() const { return user + "thumbnail/"; }
-
-    /// The conversions of cookies take C strings.
-    QByteArray cookieDocument() const { return (user + "cookies.xml").toLatin1(); }
-    QByteArray cookieDir() const { return user.toLatin1(); }
-};
-
-/// How many records this browser keeps. The stores take it at load and at save.
-const int BOOKMARK_MAX = 100;
-const int HISTORY_MAX = 200;
-const int AUTH_MAX = 50;
-const int COOKIE_MAX = 20;
 
 struct Page
 {
@@ -186,12 +177,22 @@ void showPreferences(Profile& profile)
     QString text;
     QByteArray bytes;
     print("cookies are accepted", common->getRcvCookieInfo());
+    print("JavaScript, Flash",
+          QString("%1, %2").arg(int(common->getUseJavaScriptInfo())).arg(int(common->getPlayFlashInfo())));
+    print("keyboard on the screen", common->getSWKeyBoardTypeInfo());
+    print("SSL 3.0, TLS 1.0",
+          QString("%1, %2").arg(int(common->getUseSSL30())).arg(int(common->getUseTLS10())));
     print("cache is used, deleted",
           QString("%1, %2").arg(int(common->getUseCacheInfo())).arg(int(common->getCacheDeleteTiming())));
     common->getProxyServerStr(&text);
     print("proxy", QString("%1, %2").arg(int(common->getUseProxyInfo())).arg(text));
     common->getProxyHttpPortStr(&text);
     print("proxy's port", text);
+    common->getProxyHttpsPortStr(&text);
+    print("its port for HTTPS", text);
+    print("HTTP/1.1 through it, login", QString("%1, %2")
+                                            .arg(int(common->getUseProxyHttpInfo()))
+                                            .arg(int(common->getUseProxyCertificationInfo())));
     common->getNoProxyDomainStr(&text);
     print("not for", text);
     common->getProxyAccountStr(&bytes);
@@ -207,6 +208,11 @@ void showPreferences(Profile& profile)
     print("zoom", user->getZoomInfo());
     user->getFontName(&text);
     print("font", text);
+    print("cookies, logins deleted", QString("%1, %2")
+                                         .arg(int(user->getCookieDeleteTiming()))
+                                         .arg(int(user->getCertificationDeleteTiming())));
+    user->getHomePage(&text);
+    print("home page is the device's", TVNC_IwsUrl::IsIwsContents(QUrl(text), 0, nullptr, nullptr));
 }
 
 void showFonts(Profile& profile)
@@ -274,11 +280,134 @@ void showCookies(Profile& profile)
               QString("%1 of %2%3, until %4").arg(cookie.name, cookie.website, cookie.path, cookie.expires));
 }
 
+// --- Start and end ----------------------------------------------------------------------------------------
+
+/// Before the first store: the log is on from the start.
+void startLog()
+{
+    TVNG_DebugAttachMemory();
+    TVNG_SetSignalHandler01(); // these handlers may use that memory
+    // The system log would get every trace, thousands of lines a load: it knows no levels. A log file of what
+    // was refused and what failed is enough for a product. Without its directory, both logs would lose every
+    // message.
+    g_uc_SystemLogLevel = 0;
+    TVNG_DebugSetLogLevel(QFileInfo("/ata07/Talvenor/tmp").isDir() ? 2 : 0);
+}
+
+/// While the application object lives: afterwards nothing frees what the stores have let go of. A browser
+/// saves here what it has not saved yet.
+void end()
+{
+    // A browser's event loop does this all the time, but not for what is removed after exec().
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+/// A load takes what stands in front of the damage, without a word, and the next save makes that the whole
+/// file.
+bool isSound(QString path)
+{
+    TVNC_XMLReader reader;
+    const std::unique_ptr<TVNC_XMLNode> root(reader.read(path));
+    if (reader.error() == QXmlStreamReader::NoError)
+        return true;
+    std::fprintf(stderr, "profile: %s is damaged in line %lld: %s\n", qPrintable(path), reader.lineNumber(),
+                 qPrintable(reader.errorString()));
+    return false;
+}
+
+bool areSound(const Profile& profile)
+{
+    bool isAll = true;
+    for (const QString& path :
+         {profile.common + "repostry.xml", profile.common + "fontlist.xml",
+          profile.user + "repostry_private.xml", profile.user + "bookmark.xml", profile.user + "visit.xml",
+          profile.user + "authinfo.xml", QString(profile.cookieDocument())})
+        isAll = isSound(path) && isAll;
+    return isAll;
+}
+
+int complain(const QString& problem)
+{
+    std::fprintf(stderr, "profile: %s\n", qPrintable(problem));
+    return 1;
+}
+
 int usage()
 {
-    std::fprintf(stderr, "usage: profile fill DIR    makes a new profile in the directory DIR\n"
-                         "       profile show DIR    prints what a profile holds\n");
+    std::fprintf(stderr, "usage: profile fill DIR          makes a new profile in the directory DIR\n"
+                         "       profile show DIR          prints what a profile holds\n"
+                         "       profile change DIR        edits and deletes some of it\n"
+                         "       profile forget DIR        deletes what its user has collected\n"
+                         "       profile pack DIR FILE     packs the bookmarks' pictures into FILE\n"
+                         "       profile unpack FILE DIR   unpacks them into the new directory DIR\n"
+                         "       profile clear-cache       empties the disk cache of the device\n");
     return 2;
+}
+
+void show(Profile& profile)
+{
+    // The preferences first: they tell a browser whether to use the rest, and what to open.
+    showPreferences(profile);
+    showFonts(profile);
+    showBookmarks(profile);
+    showHistory(profile);
+    showLogins(profile);
+    showCookies(profile);
+}
+
+int fill(Profile& profile)
+{
+    if (!QDir().mkpath(profile.common) || !QDir().mkpath(profile.thumbnails()))
+        return complain("cannot make " + profile.user + ": name a directory that can be written");
+    fillPreferences(profile);
+    fillFonts(profile);
+    fillBookmarks(profile);
+    fillHistory(profile);
+    fillLogins(profile);
+    fillCookies(profile);
+    show(profile);
+    return 0;
+}
+
+/// For the commands that need a profile: makes sure of it before they run.
+template <typename Command>
+int withProfile(Profile& profile, const Command& command)
+{
+    if (!QDir(profile.user).exists())
+        return complain("there is no profile in " + QFileInfo(profile.user).path() +
+                        ": make one with \"profile fill\"");
+    if (!areSound(profile))
+        return 1;
+    command(profile);
+    show(profile);
+    return 0;
+}
+
+int run(const QStringList& arguments)
+{
+    const QString command = arguments.value(1);
+    const QString first = arguments.value(2);
+    const QString second = arguments.value(3);
+    QString problem;
+    if (command == "pack" && arguments.size() == 4)
+        packPictures(Profile(first), second);
+    else if (command == "unpack" && arguments.size() == 4)
+        problem = unpackPictures(first, second);
+    else if (command == "clear-cache" && arguments.size() == 2)
+        problem = clearCache();
+    else {
+        if (arguments.size() != 3)
+            return usage();
+        Profile profile(first);
+        if (command == "fill")
+            return fill(profile);
+        if (command == "show")
+            return withProfile(profile, [](Profile&) {});
+        if (command == "change")
+            return withProfile(profile, changeProfile);
+        return command == "forget" ? withProfile(profile, forgetUser) : usage();
+    }
+    return problem.isEmpty() ? 0 : complain(problem);
 }
 
 } // namespace
@@ -286,34 +415,8 @@ int usage()
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    const QStringList arguments = application.arguments();
-    if (arguments.size() != 3 || (arguments.at(1) != "fill" && arguments.at(1) != "show"))
-        return usage();
-    Profile profile(arguments.at(2));
-    if (arguments.at(1) == "fill") {
-        if (!QDir().mkpath(profile.common) || !QDir().mkpath(profile.thumbnails())) {
-            std::fprintf(stderr, "profile: cannot make %s: name a directory that can be written\n",
-                         qPrintable(profile.user));
-            return 1;
-        }
-        fillPreferences(profile);
-        fillFonts(profile);
-        fillBookmarks(profile);
-        fillHistory(profile);
-        fillLogins(profile);
-        fillCookies(profile);
-    } else if (!QDir(profile.user).exists()) {
-        std::fprintf(stderr, "profile: there is no profile in %s: make one with \"profile fill\"\n",
-                     qPrintable(arguments.at(2)));
-        return 1;
-    }
-    showPreferences(profile);
-    showFonts(profile);
-    showBookmarks(profile);
-    showHistory(profile);
-    showLogins(profile);
-    showCookies(profile);
-    // The stores let go of what they hold with deleteLater(). A browser's event loop frees it all the time.
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return 0;
+    startLog();
+    const int exitCode = run(application.arguments());
+    end();
+    return exitCode;
 }

@@ -40,7 +40,8 @@ void tst_readme::stateComesBack()
     QCOMPARE(run({profile, site.address("/cookies"), site.address("/basic")}),
              QByteArray("bookmarks 2, visits 2, logins 1, cookies 4\n"));
     QCOMPARE(site.answers("/basic"), (QList<int>{401, 200}));
-    QCOMPARE(run({profile}), QByteArray("bookmarks 2, visits 2, logins 1, cookies 3\n")); // less the session's
+    QCOMPARE(run({profile}),
+             QByteArray("bookmarks 2, visits 2, logins 1, cookies 3\n")); // less the session's
 }
 
 void tst_readme::unusableProfileIsRefused()
@@ -48,7 +49,8 @@ void tst_readme::unusableProfileIsRefused()
     QProcess process;
     process.start(README_PROGRAM, {"/proc/profile"});
     QVERIFY(process.waitForFinished());
-    QVERIFY(process.readAllStandardError().contains("/proc/profile: cannot be written; check its permissions"));
+    QVERIFY(
+        process.readAllStandardError().contains("/proc/profile: cannot be written; check its permissions"));
 }
 
 void tst_readme::hasFortyLines()

@@ -13,6 +13,10 @@
 #include <QtCore/QFile>
 #include <QtCore/QSet>
 
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
 /**
  * Power cuts. What the library asks of the kernel while it saves everything that it can save is recorded, and
  * after each call every state that the disk may then be in is made and loaded; where these are too many, some
@@ -29,6 +33,8 @@ private slots:
     void diskOfTheTest();
     void safeSavesLoseNothing();
     void plainSavesLoseSomething();
+    void copyByTheRecipeLosesNothing();
+    void costOfASafeSave();
 
 private:
     struct Result
@@ -40,6 +46,7 @@ private:
     };
 
     Result cutAll(int si_samples);
+    void cutOne(Disk& disk, const Save& save, int si_round, int si_samples, Result& result);
     void checkCuts(const Disk& disk, const Files& before, const Files& after, bool b_returned, int si_samples,
                    Result& result);
     void check(const Files& files, const Files& before, const Files& after, bool b_returned, Result& result);
@@ -49,8 +56,9 @@ private:
     QString scratch() const { return dir_->path() + utf8("scratch/"); }
 
     QScopedPointer<TempDir> dir_;
-    Files put_;                                               ///< what is in the scratch directory
-    QSet<QByteArray> known_;                                  ///< states of the current save, as hashes
+    Files put_;                            ///< what is in the scratch directory
+    void (*pc_start_)(const QString& dir); ///< what is done in a directory before it is loaded; may be null
+    QSet<QByteArray> known_;               ///< states of the current save, as hashes
     QHash<QPair<QByteArray, QByteArray>, QByteArray> wanted_; ///< what complete files load as
     Random random_{15};
 };
@@ -86,7 +94,7 @@ static QByteArray difference(const Files& from, const Files& files)
 void tst_crash::init()
 {
     dir_.reset(new TempDir);
-    put_.clear();
+    pc_start_ = nullptr;
     wanted_.clear();
     random_ = Random(15);
     QDir().mkpath(work());
@@ -153,6 +161,10 @@ void tst_crash::check(const Files& files, const Files& before, const Files& afte
         wanted.append(qMakePair(it.key(), b_returned ? text : earlier));
     }
     put(files);
+    if (pc_start_) {
+        pc_start_(scratch());
+        put_ = filesBelow(scratch());
+    }
     for (int i = 0; i < wanted.size(); i += 2) {
         const QByteArray found = loaded(scratch(), wanted.at(i).first);
         if (found == wanted.at(i).second || found == wanted.at(i + 1).second)
@@ -199,29 +211,34 @@ void tst_crash::checkCuts(const Disk& disk, const Files& before, const Files& af
     }
 }
 
-/// Lets the library save everything twice, and cuts the power after every call.
+/// Lets the library save, and cuts the power after every call.
+void tst_crash::cutOne(Disk& disk, const Save& save, int si_round, int si_samples, Result& result)
+{
+    const Files before = disk.seen();
+    SystemCalls::record(QFile::encodeName(work()));
+    save.pc_run(work(), si_round);
+    const QList<SystemCall> calls = SystemCalls::take();
+    const Files after = filesBelow(work());
+    known_.clear();
+    checkCuts(disk, before, after, false, si_samples, result);
+    for (int i = 0; i < calls.size(); ++i) {
+        disk.apply(calls.at(i));
+        checkCuts(disk, before, after, i + 1 == calls.size(), si_samples, result);
+    }
+    // Nothing reached the kernel past the recorder.
+    if (disk.seen() != after || before == after)
+        ++result.bad["the record of " + QByteArray(save.pc_name)];
+    releaseDeferred();
+}
+
+/// Everything twice: files that are made, then files that are replaced.
 tst_crash::Result tst_crash::cutAll(int si_samples)
 {
     Result result = {0, 0, QMap<QByteArray, int>(), QByteArray()};
     Disk disk(filesBelow(work()));
-    for (int si_round = 0; si_round < 2; ++si_round) { // files that are made, then files that are replaced
-        for (int i = 0; i < SAVE_COUNT; ++i) {
-            const Files before = disk.seen();
-            SystemCalls::record(QFile::encodeName(work()));
-            SAVES[i].pc_run(work(), si_round);
-            const QList<SystemCall> calls = SystemCalls::take();
-            const Files after = filesBelow(work());
-            known_.clear();
-            checkCuts(disk, before, after, false, si_samples, result);
-            for (int j = 0; j < calls.size(); ++j) {
-                disk.apply(calls.at(j));
-                checkCuts(disk, before, after, j + 1 == calls.size(), si_samples, result);
-            }
-            // Nothing reached the kernel past the recorder.
-            if (disk.seen() != after || before == after)
-                ++result.bad["the record of " + QByteArray(SAVES[i].pc_name)];
-            releaseDeferred();
-        }
+    for (int si_round = 0; si_round < 2; ++si_round) {
+        for (int i = 0; i < SAVE_COUNT; ++i)
+            cutOne(disk, SAVES[i], si_round, si_samples, result);
     }
     return result;
 }
@@ -310,6 +327,96 @@ void tst_crash::plainSavesLoseSomething()
     }
     foreach (const QByteArray& name, result.bad.keys())
         QVERIFY2(!name.startsWith("the record of "), name.constData());
+}
+
+// --- The recipe of docs/integration.md for applications that do not switch safe saves on
+// --------------------
+
+static const char LIST[] = "bookmark.xml";
+static const char COPY[] = "bookmark.xml.old";
+static const char UNFINISHED[] = "bookmark.xml.new";
+
+static void renameTo(const QString& from, const QString& to)
+{
+    // Qt's own rename may copy.
+    QCOMPARE(std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()), 0);
+}
+
+static void sync(const QString& path)
+{
+    const int si_file = ::open(QFile::encodeName(path).constData(), O_RDONLY);
+    QVERIFY(si_file >= 0 && ::fsync(si_file) == 0 && ::close(si_file) == 0);
+}
+
+static void saveByTheRecipe(const QString& dir, int si_round)
+{
+    const Save* pc_save = SAVES;
+    while (qstrcmp(pc_save->pc_name, "bookmarks") != 0)
+        ++pc_save;
+    writeFile(dir + utf8(UNFINISHED), readFile(dir + utf8(LIST))); // empty when there is no list
+    sync(dir + utf8(UNFINISHED));
+    renameTo(dir + utf8(UNFINISHED), dir + utf8(COPY));
+    sync(dir);
+    pc_save->pc_run(dir, si_round);
+    sync(dir + utf8(LIST));
+    sync(dir);
+    QVERIFY(QFile::remove(dir + utf8(COPY)));
+    sync(dir);
+}
+
+static void startByTheRecipe(const QString& dir)
+{
+    if (!QFile::exists(dir + utf8(COPY)))
+        return;
+    renameTo(dir + utf8(COPY), dir + utf8(LIST));
+    sync(dir);
+}
+
+void tst_crash::copyByTheRecipeLosesNothing()
+{
+    const Save save = {"bookmarks by the recipe", saveByTheRecipe};
+    Result result = {0, 0, QMap<QByteArray, int>(), QByteArray()};
+    Disk disk(filesBelow(work()));
+    pc_start_ = startByTheRecipe;
+    for (int si_round = 0; si_round < 3; ++si_round)
+        cutOne(disk, save, si_round, 1000, result);
+    QVERIFY2(result.bad.isEmpty(), result.example.constData());
+    QVERIFY2(result.si_distinct >= 3000, QByteArray::number(result.si_distinct).constData());
+}
+
+// --- What it costs -----------------------------------------------------------------------------------------
+
+/// As docs/robustness.md has it: every byte is written once, and each file costs two syncs.
+void tst_crash::costOfASafeSave()
+{
+    TVNG_SetSafeSave(1);
+    for (int i = 0; i < SAVE_COUNT; ++i) {
+        const Files before = filesBelow(work());
+        SystemCalls::record(QFile::encodeName(work()));
+        SAVES[i].pc_run(work(), 0);
+        int si_bytes = 0;
+        int si_syncs = 0;
+        int si_renames = 0;
+        foreach (const SystemCall& call, SystemCalls::take()) {
+            si_bytes += static_cast<int>(call.data.size());
+            si_syncs += call.kind == SystemCall::SYNC || call.kind == SystemCall::SYNC_DIRECTORY;
+            si_renames += call.kind == SystemCall::RENAME;
+        }
+        int si_files = 0;
+        int si_size = 0;
+        const Files after = filesBelow(work());
+        for (Files::const_iterator it = after.begin(); it != after.end(); ++it) {
+            if (before.contains(it.key()))
+                continue;
+            ++si_files;
+            si_size += static_cast<int>(it.value().size());
+        }
+        QVERIFY(si_files > 0);
+        QCOMPARE(si_bytes, si_size);
+        QCOMPARE(si_syncs, 2 * si_files);
+        QCOMPARE(si_renames, si_files);
+        qDebug("%s: %d files, %d bytes, %d syncs", SAVES[i].pc_name, si_files, si_bytes, si_syncs);
+    }
 }
 
 int main(int argc, char** argv)

@@ -139,7 +139,7 @@ void tst_loading::loadingDoesNothing()
     dup2(ends[1], 2);
 
     watching = true;
-    void* pc_library = dlopen(TLVLIB_FILE, RTLD_NOW | RTLD_GLOBAL);
+    void* pc_library = dlopen("libtlvlib.so.1", RTLD_NOW | RTLD_GLOBAL);
     watching = false;
 
     fflush(stdout);

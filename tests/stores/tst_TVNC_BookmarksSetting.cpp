@@ -135,6 +135,7 @@ private slots:
     void lastNumberIgnoresGaps();
 
     void manyBookmarks();
+    void carriageReturnInAnAddressComesBackAsLineFeed();
 
 private:
     void loadFrom(const QByteArray& document, int si_max = 100);
@@ -1169,6 +1170,17 @@ void tst_TVNC_BookmarksSetting::manyBookmarks()
     QCOMPARE(thumbnails().at(si_count - 1), thumbnailDir() + utf8("000001.PNG"));
     bookmarks_->saveBookmark(&dirName_, 1);
     QVERIFY(readFile(file()).size() > si_count * 100);
+}
+
+void tst_TVNC_BookmarksSetting::carriageReturnInAnAddressComesBackAsLineFeed()
+{
+    TVNS_Bookmark bookmark = makeBookmark(utf8("t"), utf8("http://example.com/\ra"), utf8("p"));
+    QVERIFY(bookmarks_->setBookmark(&bookmark));
+    bookmarks_->saveBookmark(&dirName_, 100);
+    bookmarks_->loadBookmark(&dirName_, 100, lastNumber_);
+    QString url;
+    QVERIFY(bookmarks_->getBookmarkURL(0, &url));
+    QCOMPARE(url, utf8("http://example.com/\na"));
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_BookmarksSetting)

@@ -99,6 +99,7 @@ private slots:
     void saveNeedsADirectory();
     void saveNeedsAMaximum();
     void saveIntoAMissingOrUnwritableDirectoryDoesNotFail();
+    void missingDirectoriesAreMade();
     void documentIsNotTouched();
 
     void missingFileGivesNoCookies();
@@ -362,6 +363,16 @@ void tst_TVNC_CookieSetting_ini::saveIntoAMissingOrUnwritableDirectoryDoesNotFai
     cookies_->saveCookieInfo(deviceCookies(), &dir, 20);
     QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_SAVE) << utf8(END_SAVE));
     QCOMPARE(readFile(dirName_ + utf8("file")), QByteArray("as it was"));
+}
+
+void tst_TVNC_CookieSetting_ini::missingDirectoriesAreMade()
+{
+    if (qVersion()[0] == '4')
+        QSKIP("what Qt 4 makes was not looked at", SkipAll);
+    QString dir = dirName_ + utf8("not/yet/there/");
+    cookies_->saveCookieInfo(deviceCookies(), &dir, 20);
+    QCOMPARE(QDir(dir).entryList(QDir::Files), QStringList(utf8("cookie.ini"))); // no lock stays
+    QCOMPARE(int(cookies_->loadCookieInfo(&dir, 20).size()), int(deviceCookies().size()));
 }
 
 void tst_TVNC_CookieSetting_ini::documentIsNotTouched()

@@ -45,6 +45,7 @@ private slots:
     void nameIsHandedOutUpTo256Bytes();
     void elementNameIsOnlyTestedForTheCount();
     void awkwardNamesComeBack();
+    void namesThatAFileCannotHoldComeBackChanged();
 
 private:
     void loadFrom(const QByteArray& document);
@@ -352,6 +353,18 @@ void tst_TVNC_FontListSetting::awkwardNamesComeBack()
     QCOMPARE(fonts_->getFont(0), name);
     QCOMPARE(fonts_->getFont(1), utf8("badname"));
     QCOMPARE(fonts_->getFont(2), utf8("last"));
+}
+
+void tst_TVNC_FontListSetting::namesThatAFileCannotHoldComeBackChanged()
+{
+    fonts_->addFont(utf8("   "));
+    fonts_->addFont(utf8("two\rlines"));
+    QCOMPARE(fonts_->getFont(0), utf8("   "));
+    fonts_->saveFontList(dir_->path());
+    fonts_->loadFontList(dir_->path());
+    QCOMPARE(fonts_->getCount(), 2);
+    QCOMPARE(fonts_->getFont(0), QString());
+    QCOMPARE(fonts_->getFont(1), utf8("two\nlines"));
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_FontListSetting)

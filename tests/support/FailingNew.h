@@ -3,8 +3,9 @@
 
 /**
  * @file
- * Lets the creation of a node fail as it does when memory runs out. Includes the definitions: for one source
- * of a program.
+ * Lets the creation of a node, or of any object, fail as it does when memory runs out. Includes the
+ * definitions: for one source of a program. None of them may be inlined: the compiler would then see memory
+ * of malloc() go to operator delete, and warn.
  */
 
 #include <tlvlib/xml/TVNC_XMLNode.h>
@@ -15,21 +16,29 @@
 /// 0: nothing fails; n: the nth node from now on cannot be created.
 static int failingNode = 0;
 
-void* operator new(std::size_t size)
+/// 0: nothing fails; n: the nth object from now on cannot be created, nor any behind it until this is 0
+/// again.
+static int failingObject = 0;
+
+__attribute__((noinline)) void* operator new(std::size_t size)
 {
     if (failingNode > 0 && size == sizeof(TVNC_XMLNode) && --failingNode == 0)
         throw std::bad_alloc();
+    if (failingObject > 0 && --failingObject == 0) {
+        failingObject = 1;
+        throw std::bad_alloc();
+    }
     if (void* pc_memory = std::malloc(size))
         return pc_memory;
     throw std::bad_alloc();
 }
 
-void operator delete(void* pc_memory) noexcept
+__attribute__((noinline)) void operator delete(void* pc_memory) noexcept
 {
     std::free(pc_memory);
 }
 
-void operator delete(void* pc_memory, std::size_t) noexcept
+__attribute__((noinline)) void operator delete(void* pc_memory, std::size_t) noexcept
 {
     std::free(pc_memory);
 }

@@ -245,10 +245,14 @@ int syncFile(int (*function)(int), const char* pc_name, int si_file)
     return si_result;
 }
 
-int renameFile(int si_from, const char* pc_from, int si_to, const char* pc_to)
+int renameFile(int si_from, const char* pc_from, int si_to, const char* pc_to, unsigned int ul_flags)
 {
+    const auto rename = [=] {
+        return ul_flags != 0 ? REAL(renameat2)(si_from, pc_from, si_to, pc_to, ul_flags)
+                             : REAL(renameat)(si_from, pc_from, si_to, pc_to);
+    };
     if (!isWatched())
-        return REAL(renameat)(si_from, pc_from, si_to, pc_to);
+        return rename();
     const Inside inside;
     const QByteArray from = absolute(si_from, pc_from);
     const QByteArray to = absolute(si_to, pc_to);
@@ -256,7 +260,7 @@ int renameFile(int si_from, const char* pc_from, int si_to, const char* pc_to)
         return -1;
     struct stat status;
     const bool b_there = lstat(from.constData(), &status) == 0;
-    const int si_result = REAL(renameat)(si_from, pc_from, si_to, pc_to);
+    const int si_result = rename();
     if (si_result == 0 && b_there && isRecorded(to)) {
         add(SystemCall::RENAME, numberOf(status, false), relative(from), relative(to));
         addText("rename " + relative(from) + ' ' + relative(to));
@@ -404,22 +408,17 @@ int fdatasync(int si_file)
 
 int rename(const char* pc_from, const char* pc_to) noexcept
 {
-    return renameFile(AT_FDCWD, pc_from, AT_FDCWD, pc_to);
+    return renameFile(AT_FDCWD, pc_from, AT_FDCWD, pc_to, 0);
 }
 
 int renameat(int si_from, const char* pc_from, int si_to, const char* pc_to) noexcept
 {
-    return renameFile(si_from, pc_from, si_to, pc_to);
+    return renameFile(si_from, pc_from, si_to, pc_to, 0);
 }
 
 int renameat2(int si_from, const char* pc_from, int si_to, const char* pc_to, unsigned int ul_flags) noexcept
 {
-    if (ul_flags != 0 && isWatched()) {
-        errno = ENOSYS; // Qt then does without
-        return -1;
-    }
-    return ul_flags != 0 ? REAL(renameat2)(si_from, pc_from, si_to, pc_to, ul_flags)
-                         : renameFile(si_from, pc_from, si_to, pc_to);
+    return renameFile(si_from, pc_from, si_to, pc_to, ul_flags);
 }
 
 int unlink(const char* pc_path) noexcept

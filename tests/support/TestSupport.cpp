@@ -52,8 +52,5 @@ void writeFile(const QString& path, const QByteArray& bytes)
 
 QString testData(const QString& name)
 {
-    const QByteArray dir = qgetenv("TLVLIB_TEST_DATA");
-    if (!dir.isEmpty())
-        return QFile::decodeName(dir) + QLatin1Char('/') + name;
-    return QString::fromUtf8(TLVLIB_TEST_DATA) + name;
+    return QCoreApplication::applicationDirPath() + QLatin1String("/../data/") + name;
 }

@@ -32,7 +32,8 @@ QByteArray readFile(const QString& path);
 /// Writes a file; fails the test program when that does not work.
 void writeFile(const QString& path, const QByteArray& bytes);
 
-/// The path of a file in tests/data/. The environment variable TLVLIB_TEST_DATA names another directory.
+/// The path of a file of tests/data/, or of the list of symbols: the build copies them beside the programs'
+/// folders.
 QString testData(const QString& name);
 
 /// A string from UTF-8, as short as test tables need it.

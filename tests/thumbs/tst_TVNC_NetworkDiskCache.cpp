@@ -23,6 +23,7 @@ private slots:
     void clearingTwiceIsHarmless();
     void missingDirectoryIsNoFailure();
     void otherFilesStay();
+    void filesOfItsEndingGoAtAnyDepth();
     void aFileInTheDirectorysPlaceIsNoFailure();
     void clearingIsLogged();
 };
@@ -121,6 +122,17 @@ void tst_TVNC_NetworkDiskCache::otherFilesStay()
     QVERIFY(!hasItem(0));
     QCOMPARE(fileCount(), 1);
     QCOMPARE(readFile(file), QByteArray("kept"));
+}
+
+void tst_TVNC_NetworkDiskCache::filesOfItsEndingGoAtAnyDepth()
+{
+    QVERIFY(QDir().mkpath(CACHE_DIR + utf8("a/b")));
+    writeFile(CACHE_DIR + utf8("letter.d"), "gone");
+    writeFile(CACHE_DIR + utf8("a/b/makefile.d"), "gone");
+    writeFile(CACHE_DIR + utf8("a/b/makefile.d.old"), "kept");
+    TVNC_NetworkDiskCache::getInstance()->clear();
+    QCOMPARE(fileCount(), 1);
+    QCOMPARE(readFile(CACHE_DIR + utf8("a/b/makefile.d.old")), QByteArray("kept"));
 }
 
 void tst_TVNC_NetworkDiskCache::aFileInTheDirectorysPlaceIsNoFailure()

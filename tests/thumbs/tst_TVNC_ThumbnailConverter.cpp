@@ -46,6 +46,7 @@ private slots:
     void emptyDirectoryGivesAnEmptyPack();
     void missingDirectoryGivesAnEmptyPack();
     void emptyFileIsPackedEmpty();
+    void controlCharactersInNamesAreLost();
     void packingReplacesTheFile();
     void packLogsItsSteps();
     void packNeedsItsArguments();
@@ -228,9 +229,10 @@ void tst_TVNC_ThumbnailConverter::anythingThatIsNoLetterIsSkipped()
     QString path = outDir() + utf8("x");
     QVERIFY(converter_->decode_base64(base64, path));
     QCOMPARE(readFile(path), QByteArray("ab"));
-    QVERIFY(!converter_->decode_base64(nothing, path));
-    QCOMPARE(readFile(path), QByteArray("ab"));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(EMPTY));
+    QVERIFY(converter_->decode_base64(nothing, path));
+    QVERIFY(QFile::exists(path));
+    QCOMPARE(readFile(path), QByteArray());
+    QCOMPARE(LogRecorder::take(), QStringList());
 }
 
 void tst_TVNC_ThumbnailConverter::imageIsAppended()
@@ -308,6 +310,7 @@ void tst_TVNC_ThumbnailConverter::onlyPngFilesArePacked()
     writeFile(pngDir() + utf8("b.txt"), "x");
     writeFile(pngDir() + utf8("png"), "x");
     writeFile(pngDir() + utf8("c.png.bak"), "x");
+    writeFile(pngDir() + utf8(".hidden.png"), "x");
     QVERIFY(QDir().mkdir(pngDir() + utf8("d.png")));
     QVERIFY(QFile::link(pngDir() + utf8("a.Png"), pngDir() + utf8("e.png")));
     pack();
@@ -336,6 +339,15 @@ void tst_TVNC_ThumbnailConverter::emptyFileIsPackedEmpty()
     pack();
     QVERIFY(readFile(file()).contains("    <image src=\"b.png\"/>\n"
                                       "    <image src=\"a.png\"><![CDATA[eA==]]></image>\n"));
+}
+
+void tst_TVNC_ThumbnailConverter::controlCharactersInNamesAreLost()
+{
+    writeFile(pngDir() + utf8("a\x01"
+                              "b.png"),
+              "x");
+    pack();
+    QVERIFY(readFile(file()).contains("    <image src=\"ab.png\"><![CDATA[eA==]]></image>\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::packingReplacesTheFile()
@@ -421,12 +433,15 @@ void tst_TVNC_ThumbnailConverter::unpackLogsItsSteps()
 
 void tst_TVNC_ThumbnailConverter::emptyImagesAreNotUnpacked()
 {
-    // Those without text and section are skipped; sections that hold no bytes are told.
+    // Those without text and section are skipped, and an empty section is told. What holds no letter of
+    // base64 is an empty picture.
     unpack("<thumbnail><image src='a'/><image src='b'></image><image src='c'><![CDATA[]]></image>"
            "<image src='d'><![CDATA[ \n]]></image><image src='e'><![CDATA[=]]></image></thumbnail>");
-    QCOMPARE(unpacked(), QStringList());
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_LOAD) << utf8(END_LOAD) << utf8(EMPTY)
-                                                << utf8(EMPTY) << utf8(EMPTY) << utf8(EMPTIED));
+    QCOMPARE(unpacked(), QStringList() << utf8("d") << utf8("e"));
+    QCOMPARE(readFile(outDir() + utf8("d")), QByteArray());
+    QCOMPARE(readFile(outDir() + utf8("e")), QByteArray());
+    QCOMPARE(LogRecorder::take(), QStringList()
+                                      << utf8(START_LOAD) << utf8(END_LOAD) << utf8(EMPTY) << utf8(EMPTIED));
 }
 
 void tst_TVNC_ThumbnailConverter::imagesInCharacterDataAreNotUnpacked()

@@ -1,9 +1,27 @@
+#include "platform/liblog.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
 #include <QtCore/QThread>
+
+/// What this program's own system log does with each message while it is set: it uses the library itself.
+static TVNC_XMLSetting* pc_logsOwn = nullptr;
+
+int LIBF_WriteSystemLog(int, int, int, const char*, unsigned short*)
+{
+    if (!pc_logsOwn)
+        return 0;
+    TVNC_XMLSetting* const pc_own = pc_logsOwn;
+    pc_logsOwn = nullptr;
+    QString path = utf8("/nowhere/x.xml");
+    QString id = utf8("id");
+    pc_own->load(path);
+    makeNode(pc_own->getXMLRootNode(), "own");
+    pc_own->setIDforChildren(id);
+    return 0;
+}
 
 /// What numbering and looking up cost, and that records which share an attribute set stay independent.
 class tst_TVNC_RecordNumbers : public QObject
@@ -23,6 +41,7 @@ private slots:
     void nearlyRightAttributesAreReplaced_data();
     void nearlyRightAttributesAreReplaced();
     void treesOfDifferentThreadsMayBeNumberedAtOnce();
+    void theLogMayLoadAndNumber();
 
 private:
     void fill(int si_count);
@@ -202,6 +221,24 @@ void tst_TVNC_RecordNumbers::treesOfDifferentThreadsMayBeNumberedAtOnce()
         numberers[i].wait();
         QCOMPARE(numberers[i].wrong, 0);
     }
+}
+
+void tst_TVNC_RecordNumbers::theLogMayLoadAndNumber()
+{
+    Setting own;
+    fill(2);
+    setting_->getXMLRootNode()->getXMLNodeChildren().insert(1, nullptr); // its number is logged
+    pc_logsOwn = &own;
+    setting_->setIDforChildren(id_);
+    QVERIFY(!pc_logsOwn);
+    QCOMPARE(describe(own.getXMLRootNode()), utf8("(own{id=000})"));
+    QCOMPARE(describe(setting_->getXMLRootNode()), utf8("(font{id=000},0,font{id=002})"));
+
+    pc_logsOwn = &own;
+    QString path = utf8("/nowhere/y.xml");
+    setting_->load(path);
+    QVERIFY(!pc_logsOwn);
+    QCOMPARE(describe(own.getXMLRootNode()), utf8("(own{id=000})"));
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_RecordNumbers)

@@ -35,6 +35,7 @@ private slots:
     void deletingAnInnerNodeKeepsItsSiblings();
     void deletionIsInDocumentOrder();
     void deletionCopesWithNullChildren();
+    void childListedTwiceIsDeletedOnce();
     void deletionThroughTheBaseAndDeferred();
     void childListedUnderAStrangerLeavesItsParent();
     void deepTreesAreDeleted();
@@ -436,6 +437,17 @@ void tst_TVNC_XMLNode::deletionCopesWithNullChildren()
     pc_a->getXMLNodeChildren().append(nullptr);
     delete pc_root;
     QCOMPARE(deaths.dead(), utf8("a"));
+}
+
+void tst_TVNC_XMLNode::childListedTwiceIsDeletedOnce()
+{
+    TVNC_XMLNode* pc_root = makeNode(nullptr, "root");
+    QPointer<TVNC_XMLNode> inner(makeNode(pc_root, "inner"));
+    QPointer<TVNC_XMLNode> leaf(makeNode(inner, "leaf"));
+    pc_root->getXMLNodeChildren().append(inner);
+    inner->getXMLNodeChildren().prepend(leaf);
+    delete pc_root;
+    QVERIFY(inner.isNull() && leaf.isNull());
 }
 
 void tst_TVNC_XMLNode::deletionThroughTheBaseAndDeferred()

@@ -6,6 +6,7 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QDir>
+#include <QtCore/QPointer>
 
 /// What is kept of a document. tst_TVNC_XMLReader_input has the damaged and the hostile ones.
 class tst_TVNC_XMLReader : public QObject
@@ -22,6 +23,7 @@ private slots:
     void measuredFileIsReadAsItsTree();
 
     void missingFileGivesAnEmptyNode();
+    void linkThatLeadsNowhereIsNoFile();
     void unopenableFileGivesAnEmptyNode();
     void fileWithoutAnElementGivesAnEmptyNode_data();
     void fileWithoutAnElementGivesAnEmptyNode();
@@ -32,6 +34,12 @@ private slots:
     void deviceIsReadFromWhereItStands();
     void positionAndErrorCanBeAskedForAfterwards();
     void readerMayReadTwice();
+    void filterGoesWithTheReader();
+    void deviceMayGoBeforeTheReader();
+    void deviceMayBeReplaced();
+    void attributesAreThoseOfTheStreamReader_data();
+    void attributesAreThoseOfTheStreamReader();
+    void prefixedNumberIsNotTheNumber();
     void elementIsReadUnderAParent();
     void textIsStoredByTheRules();
 
@@ -88,7 +96,8 @@ void tst_TVNC_XMLReader::keepsWhatADocumentHolds_data()
     QTest::newRow("line ends become line feeds") << QByteArray("<a>x\r\ny\rz</a>") << utf8("a'x\ny\nz'");
     QTest::newRow("comments and instructions are skipped")
         << QByteArray("<!-- 1 --><?i n?><a><!-- 2 --><b/><?i n?></a><!-- 3 --><?i n?>") << utf8("a(b)");
-    QTest::newRow("prefixes are not kept") << QByteArray("<p:a xmlns:p='u'><p:b/></p:a>") << utf8("a(b)");
+    QTest::newRow("prefixes of elements are not kept")
+        << QByteArray("<p:a xmlns:p='u'><p:b/></p:a>") << utf8("a(b)");
     QTest::newRow("namespace declarations are no attributes")
         << QByteArray("<a xmlns='u' b='1'/>") << utf8("a{b=1}");
     QTest::newRow("all planes")
@@ -161,6 +170,17 @@ void tst_TVNC_XMLReader::missingFileGivesAnEmptyNode()
     QCOMPARE(describe(root.data()), QString());
     QCOMPARE(LogRecorder::take(), QStringList(utf8("2 TVNC_XMLReader::read file not exist!")));
     QVERIFY(!QFile::exists(path));
+}
+
+void tst_TVNC_XMLReader::linkThatLeadsNowhereIsNoFile()
+{
+    TempDir dir;
+    QString path = dir.path() + utf8("link.xml");
+    QVERIFY(QFile::link(dir.path() + utf8("absent.xml"), path));
+    TVNC_XMLReader reader;
+    QScopedPointer<TVNC_XMLNode> root(reader.read(path));
+    QCOMPARE(describe(root.data()), QString());
+    QCOMPARE(LogRecorder::take(), QStringList(utf8("2 TVNC_XMLReader::read file not exist!")));
 }
 
 void tst_TVNC_XMLReader::unopenableFileGivesAnEmptyNode()
@@ -265,6 +285,117 @@ void tst_TVNC_XMLReader::readerMayReadTwice()
     otherBuffer.open(QIODevice::ReadOnly);
     root.reset(reader.read(otherBuffer));
     QCOMPARE(describe(root.data()), utf8("c'y'"));
+}
+
+void tst_TVNC_XMLReader::filterGoesWithTheReader()
+{
+    QByteArray bytes("<a>x</a>");
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QPointer<QIODevice> filter;
+    for (int i = 0; i < 3; ++i) {
+        TVNC_XMLReader reader;
+        buffer.seek(0);
+        delete reader.read(buffer);
+        QVERIFY(buffer.children().isEmpty());
+        filter = reader.device();
+        QVERIFY(!filter.isNull());
+        buffer.seek(0);
+        delete reader.read(buffer);
+        QVERIFY(filter.isNull());
+        filter = reader.device();
+    }
+    QVERIFY(filter.isNull());
+}
+
+void tst_TVNC_XMLReader::deviceMayGoBeforeTheReader()
+{
+    TVNC_XMLReader reader;
+    QPointer<QIODevice> filter;
+    {
+        QByteArray bytes("<a>x</b>");
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        delete reader.read(buffer);
+        filter = reader.device();
+    }
+    QVERIFY(!filter.isNull());
+    QVERIFY(reader.hasError());
+    QVERIFY(reader.atEnd());
+}
+
+void tst_TVNC_XMLReader::deviceMayBeReplaced()
+{
+    QPointer<QIODevice> filter;
+    {
+        TVNC_XMLReader reader;
+        QByteArray bytes("<a>x</a>");
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        delete reader.read(buffer);
+        filter = reader.device();
+        QScopedPointer<QBuffer> other(new QBuffer(&bytes));
+        other->open(QIODevice::ReadOnly);
+        reader.setDevice(other.data()); // gone before the reader, as Qt allows
+    }
+    QVERIFY(filter.isNull());
+}
+
+void tst_TVNC_XMLReader::attributesAreThoseOfTheStreamReader_data()
+{
+    QTest::addColumn<QByteArray>("element");
+    QTest::newRow("none") << QByteArray("<a/>");
+    QTest::newRow("plain") << QByteArray("<a b='1' c='2'/>");
+    QTest::newRow("language") << QByteArray("<a xml:lang='ja' xml:space='preserve'/>");
+    QTest::newRow("prefix") << QByteArray("<a xmlns:x='urn:u' x:id='5' id='6'/>");
+    QTest::newRow("two prefixes of a namespace")
+        << QByteArray("<a xmlns:x='urn:u' xmlns:y='urn:u' x:b='1' y:c='2'/>");
+    QTest::newRow("prefix of the element") << QByteArray("<x:a xmlns:x='urn:u' x:b='1' c='2'/>");
+    QTest::newRow("names beyond ASCII")
+        << QByteArray("<a xmlns:\xE6\x97\xA5='urn:\xE6\x9C\xAC' \xE6\x97\xA5:\xC3\xA9='1'/>");
+    QTest::newRow("default namespace") << QByteArray("<a xmlns='urn:u' b='1'/>");
+}
+
+void tst_TVNC_XMLReader::attributesAreThoseOfTheStreamReader()
+{
+    QFETCH(QByteArray, element);
+    QXmlStreamReader stream(element);
+    QVERIFY(stream.readNextStartElement());
+    const QXmlStreamAttributes expected = stream.attributes();
+    QBuffer buffer(&element);
+    buffer.open(QIODevice::ReadOnly);
+    TVNC_XMLReader reader;
+    QScopedPointer<TVNC_XMLNode> root(reader.read(buffer));
+    const QXmlStreamAttributes& attributes = root->getAttribute();
+    QCOMPARE(attributes.size(), expected.size());
+    for (int i = 0; i < expected.size(); ++i) {
+        const QString qualifiedName = expected.at(i).qualifiedName().toString();
+        const QString namespaceUri = expected.at(i).namespaceUri().toString();
+        const QString name = expected.at(i).name().toString();
+        const QString value = expected.at(i).value().toString();
+        QCOMPARE(attributes.at(i).qualifiedName().toString(), qualifiedName);
+        QCOMPARE(attributes.at(i).namespaceUri().toString(), namespaceUri);
+        QCOMPARE(attributes.at(i).name().toString(), name);
+        QCOMPARE(attributes.at(i).prefix().toString(), expected.at(i).prefix().toString());
+        QCOMPARE(attributes.at(i).value().toString(), value);
+        QCOMPARE(attributes.value(qualifiedName).toString(), value);
+        QCOMPARE(attributes.value(namespaceUri, name).toString(), value);
+        QCOMPARE(attributes.value(name).toString(), expected.value(name).toString());
+    }
+}
+
+void tst_TVNC_XMLReader::prefixedNumberIsNotTheNumber()
+{
+    QByteArray bytes("<a xmlns:x='urn:u'><b x:id='5'/><b id='5'/><b xml:id='6'/></a>");
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    TVNC_XMLReader reader;
+    QScopedPointer<TVNC_XMLNode> root(reader.read(buffer));
+    QString id = utf8("id");
+    QCOMPARE(root->getXMLNodeChildByID(5, id), root->getXMLNodeChildren().at(1));
+    QVERIFY(!root->getXMLNodeChildByID(6, id));
+    QString prefixed = utf8("x:id");
+    QCOMPARE(root->getXMLNodeChildByID(5, prefixed), root->getXMLNodeChildren().at(0));
 }
 
 void tst_TVNC_XMLReader::elementIsReadUnderAParent()

@@ -40,6 +40,7 @@ private slots:
     void hugeTextsAndAttributesAreRead();
     void elementsWithTooManyAttributesEndTheDocument_data();
     void elementsWithTooManyAttributesEndTheDocument();
+    void aLoadTakesAnyNumberOfAttributes();
     void tooManyNamespacesEndTheDocument_data();
     void tooManyNamespacesEndTheDocument();
 };
@@ -458,26 +459,33 @@ void tst_TVNC_XMLReader_input::elementsWithTooManyAttributesEndTheDocument()
     QFETCH(QByteArray, rest);
     const QByteArray start = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r><b/>";
     const QByteArray end = "<c/></r>\n";
-    const QByteArray full = "<a" + manyAttributes("n", 1000, rest) + "/>";
-    const QByteArray tooFull = "<a" + manyAttributes("n", 1001, rest) + "/>";
+    const QByteArray full = "<a" + manyAttributes("n", 8000, rest) + "/>";
+    const QByteArray tooFull = "<a" + manyAttributes("n", 8001, rest) + "/>";
     QScopedPointer<TVNC_XMLNode> root(read(start + full + full + end));
     QCOMPARE(childNames(root.data()), utf8("b a a c"));
-    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().at(2)->getAttribute().size()), 1000);
+    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().at(2)->getAttribute().size()), 8000);
     root.reset(read(start + full + tooFull + end));
     QCOMPARE(childNames(root.data()), utf8("b a"));
+    QVERIFY(!read("<a" + manyAttributes("n", 100000, rest) + "/>"));
+}
 
-    // A load reads most documents in another way, and the same.
+// As the library writes it, an element may have any number of attributes.
+void tst_TVNC_XMLReader_input::aLoadTakesAnyNumberOfAttributes()
+{
     TempDir dir;
     QString path = dir.path() + utf8("document.xml");
     Setting setting;
-    writeFile(path, start + full + full + end);
+    const QByteArray many = manyAttributes("n", 100000, "=\"x\"");
+    const QByteArray start = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r><b/><a" + many;
+    writeFile(path, start + "/><c/></r>\n");
     setting.load(path);
-    QCOMPARE(childNames(setting.getXMLRootNode()), utf8("b a a c"));
-    writeFile(path, start + full + tooFull + end);
+    QCOMPARE(childNames(setting.getXMLRootNode()), utf8("b a c"));
+    QCOMPARE(static_cast<int>(setting.getXMLRootNode()->getXMLNodeChildren().at(1)->getAttribute().size()),
+             100000);
+    // One that comes twice is an error as ever.
+    writeFile(path, start + " n5=\"x\"/><c/></r>\n");
     setting.load(path);
-    QCOMPARE(childNames(setting.getXMLRootNode()), utf8("b a"));
-
-    QVERIFY(!read("<a" + manyAttributes("n", 100000, rest) + "/>"));
+    QCOMPARE(childNames(setting.getXMLRootNode()), utf8("b"));
 }
 
 void tst_TVNC_XMLReader_input::tooManyNamespacesEndTheDocument_data()
@@ -490,17 +498,28 @@ void tst_TVNC_XMLReader_input::tooManyNamespacesEndTheDocument_data()
     QTest::newRow("longer name") << QByteArray("xmlnsx='u'") << false;
     QTest::newRow("end of a name") << QByteArray("x-xmlns='u'") << false;
     QTest::newRow("value") << QByteArray("x='xmlns:p=u xmlns:q=u'") << false;
+    QTest::newRow("value that ends like a tag") << QByteArray("xmlns:p='u/'") << true;
 }
 
 void tst_TVNC_XMLReader_input::tooManyNamespacesEndTheDocument()
 {
     QFETCH(QByteArray, attribute);
     QFETCH(bool, isNamespace);
-    const QByteArray element = "<a " + attribute + "/>";
-    QScopedPointer<TVNC_XMLNode> root(read("<r>" + element.repeated(1000) + "<b/></r>"));
-    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().size()), 1001);
-    root.reset(read("<r>" + element.repeated(1001) + "<b/></r>"));
-    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().size()), isNamespace ? 1000 : 1002);
+    // Nested, so that all are in force at once.
+    const auto nested = [&attribute](int si_levels) {
+        return "<r>" + QByteArray("<a " + attribute + '>').repeated(si_levels) + "<b/>" +
+               QByteArray("</a>").repeated(si_levels) + "<c/></r>";
+    };
+    QScopedPointer<TVNC_XMLNode> root(read(nested(4000)));
+    QCOMPARE(childNames(root.data()), utf8("a c"));
+    QCOMPARE(depthOf(root.data()), 4002);
+    root.reset(read(nested(4001)));
+    QCOMPARE(childNames(root.data()), utf8(isNamespace ? "a" : "a c"));
+    QCOMPARE(depthOf(root.data()), isNamespace ? 4001 : 4003);
+    // Side by side, no two are.
+    root.reset(read("<r>" + QByteArray("<a " + attribute + "/>").repeated(5000) +
+                    QByteArray("<a " + attribute + "><b/></a>").repeated(5000) + "</r>"));
+    QCOMPARE(static_cast<int>(root->getXMLNodeChildren().size()), 10000);
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_XMLReader_input)

@@ -7,7 +7,7 @@
 
 /**
  * How much memory a load takes at its peak, in a process of its own. What a hostile file can reach is bounded
- * by its size: eight times for texts, 200 times for elements of three bytes.
+ * by its size: eight times for texts, 20 times for names, 200 times for elements of three bytes.
  */
 class tst_TVNC_XMLReader_memory : public QObject
 {
@@ -66,7 +66,9 @@ void tst_TVNC_XMLReader_memory::peakIsInProportionToTheFile_data()
     row("comment", "<r><!--", "x", "--></r>", 20, 8);
     row("processing instruction", "<r><?a ", "x", "?></r>", 20, 8);
     row("zero bytes", "<r>", QByteArray(1, '\0'), "</r>", 20, 8);
-    row("name", "<", "x", "/>", 20, 8);
+    // Later versions of Qt refuse long names. The device's holds one in two buffers that double when they
+    // grow, twice while they do, beside the node's own: two bytes a character in each.
+    row("name", "<", "x", "/>", 20, 20);
     row("entity", "<!DOCTYPE r [<!ENTITY a '", "x", "'>]><r>&a;</r>", 20, 8);
     row("other encoding", "<?xml version='1.0' encoding='ISO-8859-1'?><r>", "\xE9", "</r>", 20, 8);
     row("elements", "<r>", "<e/>", "</r>", 4, 200);

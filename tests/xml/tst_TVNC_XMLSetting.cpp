@@ -50,7 +50,12 @@ private slots:
     void deletingAllSettingsIsLinear();
     void recordThatGoesBeforeItsTurnIsDeletedOnce();
     void recordThatIsPutElsewhereGoesAllTheSame();
-    void recordsGoAlsoWhenMemoryIsShort();
+    void recordLetGoGoesByItsOwnEvent();
+    void recordLetGoMayBeRemovedAndDeleted();
+    void recordListedTwiceIsReleasedOnce();
+    void nothingIsThrownWhenMemoryIsShort_data();
+    void nothingIsThrownWhenMemoryIsShort();
+    void loadWithoutMemoryLeavesNoRoot();
 
     void lookUpFindsTheFirstBearerOfANumber_data();
     void lookUpFindsTheFirstBearerOfANumber();
@@ -483,17 +488,123 @@ void tst_TVNC_XMLSetting::recordThatIsPutElsewhereGoesAllTheSame()
     QCOMPARE(describe(&other), QString());
 }
 
-void tst_TVNC_XMLSetting::recordsGoAlsoWhenMemoryIsShort()
+void tst_TVNC_XMLSetting::recordLetGoGoesByItsOwnEvent()
+{
+    fillNumbered(3);
+    QPointer<TVNC_XMLNode> first = root()->getXMLNodeChildByID(0, id_);
+    QPointer<TVNC_XMLNode> second = root()->getXMLNodeChildByID(1, id_);
+    QPointer<TVNC_XMLNode> third = root()->getXMLNodeChildByID(2, id_);
+    setting_->deleteAllSetting();
+    QCoreApplication::sendPostedEvents(second, QEvent::DeferredDelete);
+    QVERIFY(!first.isNull() && second.isNull() && !third.isNull());
+    QCoreApplication::sendPostedEvents(third, QEvent::DeferredDelete);
+    QVERIFY(!first.isNull() && third.isNull());
+    releaseDeferred();
+    QVERIFY(first.isNull());
+}
+
+void tst_TVNC_XMLSetting::recordLetGoMayBeRemovedAndDeleted()
+{
+    fillNumbered(4);
+    TVNC_XMLNode* records[4];
+    for (int i = 0; i < 4; ++i)
+        records[i] = root()->getXMLNodeChildByID(i, id_);
+    setting_->deleteAllSetting();
+    TVNC_XMLNode stranger(nullptr, 0);
+    TVNC_XMLNode* const pc_stranger = new TVNC_XMLNode(nullptr, 0);
+    char c_last = 0;
+    stranger.removeXMLNode(records[0]);
+    root()->removeXMLNode(records[1]);
+    pc_stranger->addXMLNode(records[2], c_last);
+    stranger.addXMLNode(records[3], c_last);
+    delete records[0];
+    delete records[1];
+    delete pc_stranger;
+    stranger.removeXMLNode(records[3]);
+    releaseDeferred();
+    QCOMPARE(describe(&stranger), QString());
+    QCOMPARE(setting_->getXMLNodeCnt(), 0);
+}
+
+void tst_TVNC_XMLSetting::recordListedTwiceIsReleasedOnce()
 {
     fillNumbered(2);
     QPointer<TVNC_XMLNode> first = root()->getXMLNodeChildByID(0, id_);
     QPointer<TVNC_XMLNode> second = root()->getXMLNodeChildByID(1, id_);
-    failingNode = 1;
+    root()->getXMLNodeChildren().append(first);
     setting_->deleteAllSetting();
-    QCOMPARE(failingNode, 0);
-    QVERIFY(!first.isNull() && !second.isNull() && !first->getXMLNodeParent());
+    QVERIFY(!first.isNull() && !second.isNull());
     releaseDeferred();
     QVERIFY(first.isNull() && second.isNull());
+}
+
+void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::newRow("load") << utf8("load");
+    QTest::newRow("save") << utf8("save");
+    QTest::newRow("create the root") << utf8("create");
+    QTest::newRow("delete all nodes") << utf8("nodes");
+    QTest::newRow("delete all settings") << utf8("settings");
+    QTest::newRow("delete by number") << utf8("number");
+    QTest::newRow("set an element") << utf8("element");
+}
+
+void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort()
+{
+    QFETCH(QString, operation);
+    TempDir dir;
+    QString path = dir.path() + utf8("x.xml");
+    QString other = dir.path() + utf8("y.xml");
+    QString name = utf8("r");
+    writeFile(path, "<list><r id='000'>&lt;</r><r id='001'/></list>"); // not in the library's own form
+    bool b_done = false;
+    int si_failing = 0;
+    while (!b_done) {
+        setting_->load(path);
+        setting_->setIDforChildren(id_);
+        failingObject = ++si_failing;
+        if (operation == utf8("load"))
+            setting_->load(path);
+        else if (operation == utf8("save"))
+            setting_->save(other);
+        else if (operation == utf8("create"))
+            setting_->createXMLRootNode();
+        else if (operation == utf8("nodes"))
+            setting_->deleteAllXMLNode();
+        else if (operation == utf8("settings"))
+            setting_->deleteAllSetting();
+        else if (operation == utf8("number"))
+            setting_->deleteXMLNodeByID(1, id_);
+        else
+            setting_->setElement(root(), name, operation, QXmlStreamAttributes(), 0, 0);
+        b_done = failingObject > 1; // there was enough
+        failingObject = 0;
+        // What is there can be used, and what went can go.
+        setting_->setIDforChildren(id_);
+        setting_->deleteXMLNodeByID(0, id_);
+        setting_->getXMLRootNodeChildCntByName(id_, name);
+        releaseDeferred();
+        QVERIFY(si_failing < 1000);
+    }
+    QVERIFY(operation == utf8("element") || si_failing > 1);
+}
+
+void tst_TVNC_XMLSetting::loadWithoutMemoryLeavesNoRoot()
+{
+    fillNumbered(1);
+    TempDir dir;
+    QString path = dir.path() + utf8("x.xml");
+    writeFile(path, "<list><r/></list>");
+    failingObject = 1;
+    setting_->load(path);
+    failingObject = 0;
+    QVERIFY(!root());
+    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_XMLSetting::loadBookmark] start")
+                                                << utf8("1 [TVNC_XMLSetting::load] Fail")
+                                                << utf8("3 [TVNC_XMLSetting::loadBookmark] end"));
+    setting_->save(path); // so that nothing takes the file's place
+    QCOMPARE(readFile(path), QByteArray("<list><r/></list>"));
 }
 
 // Numbered lists are looked up by position. Whatever changes the numbers behind the setting's back must still

@@ -24,6 +24,9 @@ private slots:
     void textTypeTellsTheForm();
     void textStandsBeforeChildren();
     void attributesKeepTheirOrder();
+    void prefixesAreDeclaredWhereTheyAreNeeded_data();
+    void prefixesAreDeclaredWhereTheyAreNeeded();
+    void namespacesWithoutAPrefixGetOneOfQts();
 
     void charactersThatXMLCannotHoldAreLeftOut_data();
     void charactersThatXMLCannotHoldAreLeftOut();
@@ -151,6 +154,70 @@ void tst_TVNC_XMLWriter::attributesKeepTheirOrder()
     addAttribute(root.data(), "q", utf8("<\"'&>"));
     QCOMPARE(written(root.data()),
              DECLARATION + QByteArray("<a z=\"1\" b=\"\" q=\"&lt;&quot;'&amp;&gt;\"/>\n"));
+}
+
+void tst_TVNC_XMLWriter::prefixesAreDeclaredWhereTheyAreNeeded_data()
+{
+    QTest::addColumn<QByteArray>("read");
+    QTest::addColumn<QByteArray>("body");
+    const auto row = [](const char* pc_name, const char* pc_read, const char* pc_body) {
+        QTest::newRow(pc_name) << QByteArray(pc_read) << QByteArray(pc_body);
+    };
+    row("language", "<a xml:lang='ja'/>", "<a xml:lang=\"ja\"/>\n");
+    row("on the element", "<a xmlns:x='urn:u' x:b='1' b='2'/>", "<a xmlns:x=\"urn:u\" x:b=\"1\" b=\"2\"/>\n");
+    row("around it", "<r xmlns:x='urn:u'><a x:b='1'/><a x:b='2'/></r>",
+        "<r>\n    <a xmlns:x=\"urn:u\" x:b=\"1\"/>\n    <a xmlns:x=\"urn:u\" x:b=\"2\"/>\n</r>\n");
+    row("once for all inside", "<a xmlns:x='urn:u' x:b='1'><c x:b='2'><d x:b='3'/></c></a>",
+        "<a xmlns:x=\"urn:u\" x:b=\"1\">\n    <c x:b=\"2\">\n        <d x:b=\"3\"/>\n    </c>\n</a>\n");
+    row("another meaning inside", "<a xmlns:x='urn:u' x:b='1'><c xmlns:x='urn:v' x:b='2'/><d x:b='3'/></a>",
+        "<a xmlns:x=\"urn:u\" x:b=\"1\">\n    <c xmlns:x=\"urn:v\" x:b=\"2\"/>\n    <d x:b=\"3\"/>\n</a>\n");
+    row("two prefixes of a namespace", "<a xmlns:x='urn:u' xmlns:y='urn:u' x:b='1' y:c='2'/>",
+        "<a xmlns:x=\"urn:u\" xmlns:y=\"urn:u\" x:b=\"1\" y:c=\"2\"/>\n");
+    row("as Qt would name one", "<a xmlns:n1='urn:u' xmlns:n2='urn:v' n2:b='1' n1:b='2'/>",
+        "<a xmlns:n2=\"urn:v\" xmlns:n1=\"urn:u\" n2:b=\"1\" n1:b=\"2\"/>\n");
+    row("markup in the namespace", "<a xmlns:x='u&amp;&quot;&lt;' x:b='1'/>",
+        "<a xmlns:x=\"u&amp;&quot;&lt;\" x:b=\"1\"/>\n");
+}
+
+void tst_TVNC_XMLWriter::prefixesAreDeclaredWhereTheyAreNeeded()
+{
+    QFETCH(QByteArray, read);
+    QFETCH(QByteArray, body);
+    for (int i = 0; i < 2; ++i) { // what was written is read as it was
+        QBuffer buffer(&read);
+        buffer.open(QIODevice::ReadOnly);
+        TVNC_XMLReader reader;
+        QScopedPointer<TVNC_XMLNode> root(reader.read(buffer));
+        QVERIFY(!reader.hasError());
+        QCOMPARE(written(root.data()), DECLARATION + body);
+        read = body;
+    }
+}
+
+// As an application may make them, since Qt has no way to give an attribute both.
+void tst_TVNC_XMLWriter::namespacesWithoutAPrefixGetOneOfQts()
+{
+    QByteArray document("<a xmlns:n1='urn:u' n1:b='1'/>");
+    QBuffer buffer(&document);
+    buffer.open(QIODevice::ReadOnly);
+    TVNC_XMLReader reader;
+    QScopedPointer<TVNC_XMLNode> root(reader.read(buffer));
+    root->getAttribute().append(utf8("urn:v"), utf8("c"), utf8("2"));
+    root->getAttribute().append(utf8("http://www.w3.org/XML/1998/namespace"), utf8("lang"), utf8("ja"));
+    QCOMPARE(written(root.data()),
+             DECLARATION + QByteArray("<a xmlns:n1=\"urn:u\" n1:b=\"1\""
+                                      " xmlns:n2=\"urn:v\" n2:c=\"2\" xml:lang=\"ja\"/>\n"));
+    // One prefix with two meanings, taken from two elements.
+    QByteArray other("<a xmlns:n1='urn:w' n1:d='3'/>");
+    QBuffer otherBuffer(&other);
+    otherBuffer.open(QIODevice::ReadOnly);
+    TVNC_XMLReader otherReader;
+    QScopedPointer<TVNC_XMLNode> otherRoot(otherReader.read(otherBuffer));
+    QXmlStreamAttributes both = otherRoot->getAttribute();
+    both.append(root->getAttribute().at(0));
+    root->setAttribute(both);
+    QCOMPARE(written(root.data()),
+             DECLARATION + QByteArray("<a xmlns:n1=\"urn:w\" n1:d=\"3\" xmlns:n2=\"urn:u\" n2:b=\"1\"/>\n"));
 }
 
 void tst_TVNC_XMLWriter::charactersThatXMLCannotHoldAreLeftOut_data()

@@ -20,16 +20,22 @@
  * @endcode
  * without time, level or thread. The file only grows; nothing in the library truncates or rotates it.
  *
+ * The system log is on from the start and has no threshold: it gets the traces of level 3, too, thousands of
+ * lines for the load of a long history. docs/log.md tells what a product does about it.
+ *
  * Failures are never reported to the caller. When the log file cannot be opened (its directory is missing,
  * say), the message is lost in both sinks.
  */
 
-/// printf-style checks by the compiler, where it has them.
-#if defined(__GNUC__)
+// printf-style checks by the compiler, for the library's own build alone: programs call TVNG_DebugPrint(2,
+// text), which many compilers are set to refuse when they check.
+/// @cond
+#if defined(TLVLIB_CHECK_FORMATS)
 #define TLVLIB_PRINTF_FORMAT(fmt, first) __attribute__((format(printf, fmt, first)))
 #else
 #define TLVLIB_PRINTF_FORMAT(fmt, first)
 #endif
+/// @endcond
 
 /// Threshold of the log file: messages of this level and below are written. 0, the initial value, is off.
 TLVLIB_EXPORT extern quint32 ul_outputLevel;

@@ -1,6 +1,7 @@
 #include "tlvlib/files/TVNC_WholeFile.h"
 
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/util/TVNG_memory.h"
 
 #include <QtCore/QFile>
 
@@ -73,6 +74,11 @@ TVNC_WholeFile::TVNC_WholeFile(const QString& path)
 
 TVNC_WholeFile::~TVNC_WholeFile()
 {
+    if (b_leftover_ && !hasFailed()) { // an exception ended the save
+        errno = ENOMEM;
+        fail("it could not be finished");
+        TVNG_hasMemoryFor([&] { tell(); });
+    }
     closeFile();
     removeLeftover();
     if (si_directory_ >= 0)

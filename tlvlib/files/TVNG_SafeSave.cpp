@@ -1,18 +1,18 @@
 #include "tlvlib/files/TVNG_SafeSave.h"
 
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/util/TVNG_immortal.h"
 
 namespace {
 
 bool b_safeSave = false;
 bool b_secretSave = false;
 
-/// Never destroyed: a store may be saved while the process ends.
-QString& saveError()
+/// What TVNG_GetSaveError() answers.
+struct SaveError
 {
-    static QString* const pc_error = new QString;
-    return *pc_error;
-}
+    QString text;
+};
 
 } // namespace
 
@@ -23,7 +23,7 @@ void TVNG_SetSafeSave(char c_on)
 
 QString TVNG_GetSaveError()
 {
-    return saveError();
+    return TVNG_immortal<SaveError>().text;
 }
 
 bool TVNG_isSafeSave()
@@ -33,7 +33,7 @@ bool TVNG_isSafeSave()
 
 void TVNG_setSaveError(const QString& error)
 {
-    saveError() = error;
+    TVNG_immortal<SaveError>().text = error;
 }
 
 TVNC_SecretSave::TVNC_SecretSave(bool b_secret) : b_before_(b_secretSave)

@@ -4,6 +4,7 @@
 #include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_immortal.h"
 
 namespace {
 
@@ -41,11 +42,9 @@ struct Preferences : public TVNC_PreferenceList
     TVNC_ChoicePreference enableTLS10{*this, "security", "enableTLS10", FALSE_TRUE, 1};
 };
 
-/// Made once and never destroyed, so that they outlive the store.
 const Preferences& preferences()
 {
-    static const Preferences* const pc_preferences = new Preferences;
-    return *pc_preferences;
+    return TVNG_immortal<Preferences>();
 }
 
 QString pathIn(const QString& dir)
@@ -55,7 +54,7 @@ QString pathIn(const QString& dir)
 
 } // namespace
 
-TVNC_BrowserCommonSetting::TVNC_BrowserCommonSetting() : keyBoardType(0) {}
+TVNC_BrowserCommonSetting::TVNC_BrowserCommonSetting() : c_keyBoardType_(0) {}
 
 TVNC_BrowserCommonSetting::~TVNC_BrowserCommonSetting() {}
 
@@ -95,12 +94,12 @@ void TVNC_BrowserCommonSetting::saveSetting(QString* dir)
 
 char TVNC_BrowserCommonSetting::getKeyBoardTypeInfo()
 {
-    return keyBoardType;
+    return c_keyBoardType_;
 }
 
 void TVNC_BrowserCommonSetting::setKeyBoardTypeInfo(char c_type)
 {
-    keyBoardType = c_type;
+    c_keyBoardType_ = c_type;
 }
 
 // --- Choices ----------------------------------------------------------------------------------------------

@@ -6,6 +6,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The preferences of the device, whoever uses it, in the file "repostry.xml". All of them, with their
  * defaults:
@@ -75,8 +76,9 @@ public:
     void loadSetting(QString* dir);
 
     /**
-     * Writes the preferences to @a dir + "repostry.xml", in place. Before the first load the file stays as it
-     * was.
+     * Writes the preferences to @a dir + "repostry.xml", as TVNG_SetSafeSave() has it. Before the first load
+     * the file stays as it was. With a password for the proxy, a safe save makes a file that did not exist
+     * for its owner alone.
      *
      * Logs at level 3 "[TVNC_BrowserCommonSetting::saveSetting] start" and "... end". A null or empty
      * directory writes nothing and logs at level 2 "[TVNC_BrowserCommonSetting::saveSetting] Common Path is
@@ -97,7 +99,8 @@ public:
     /// word for off, and as 1 for any other text.
     /// @{
 
-    /// Whether cookies are accepted: "accept" or "refuse".
+    /// Whether cookies are accepted: "accept" or "refuse". By custom a browser that refuses sends none
+    /// either.
     void setRcvCookieInfo(char c_accept);
     /// @copydoc setRcvCookieInfo
     char getRcvCookieInfo();
@@ -155,15 +158,17 @@ public:
 
     /// @}
 
-    /// When the disk cache is emptied: 0 "notDelete", 1 "logout", 2 "timeout". Any other code, and any other
-    /// text in the document, stands for 0.
+    /// When the disk cache is emptied: 0 "notDelete", 1 "logout" (the user ends the use), 2 "timeout" (nobody
+    /// has used the browser for a while). Any other code, and any other text in the document, stands for 0.
+    /// Emptying it is the application's work.
     void setCacheDeleteTiming(char c_timing);
     /// @copydoc setCacheDeleteTiming
     char getCacheDeleteTiming();
 
     /// @name Texts
     /// A setter returns false for a text longer than its limit, in bytes of UTF-8, and changes nothing then.
-    /// A getter answers a longer text in the document, and a missing one, as told. Null does nothing.
+    /// A getter answers a longer text in the document, and a missing one, as told. Null does nothing. A text
+    /// of blanks alone comes back as empty from a file, and a carriage return as a line feed.
     /// @{
 
     /// The proxy's host name, up to 253 bytes; otherwise empty.
@@ -171,7 +176,8 @@ public:
     /// @copydoc setProxyServerStr
     void getProxyServerStr(QString* pc_host);
 
-    /// The proxy's port for HTTP, any text of up to 5 bytes; otherwise "8080".
+    /// The proxy's port for HTTP, any text of up to 5 bytes; otherwise "8080". A text that is no port stands
+    /// for no proxy, by custom.
     bool setProxyHttpPortStr(QString port);
     /// @copydoc setProxyHttpPortStr
     void getProxyHttpPortStr(QString* pc_port);
@@ -181,16 +187,18 @@ public:
     /// @copydoc setProxyHttpsPortStr
     void getProxyHttpsPortStr(QString* pc_port);
 
-    /// The domains for which the proxy is not used, up to 253 bytes; otherwise empty.
+    /// The domains for which the proxy is not used, up to 253 bytes; otherwise empty. By custom separated by
+    /// commas, semicolons or blanks; each, with or without a dot in front, stands for itself and for what
+    /// ends in a dot and it.
     bool setNoProxyDomainStr(QString domains);
     /// @copydoc setNoProxyDomainStr
     void getNoProxyDomainStr(QString* pc_domains);
 
     /// @}
     /// @name The login for the proxy
-    /// Raw bytes, at most 80, in the document as base64 and in no way protected. A setter returns false for
-    /// more, and changes nothing then. A getter answers more in the document, and a missing element, as
-    /// empty. Null does nothing.
+    /// Raw bytes, by custom UTF-8, at most 80, in the document as base64 and in no way protected. A setter
+    /// returns false for more, and changes nothing then. A getter answers more in the document, and a missing
+    /// element, as empty. Null does nothing.
     /// @{
 
     /// The user's name, at most 80 bytes.
@@ -209,7 +217,8 @@ private:
     TVNC_BrowserCommonSetting();
     ~TVNC_BrowserCommonSetting();
 
-    char keyBoardType;
+    char c_keyBoardType_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -3,6 +3,7 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_immortal.h"
 
 namespace {
 
@@ -33,11 +34,9 @@ struct Preferences : public TVNC_PreferenceList
     TVNC_TextPreference fontName{*this, "font", "fontName", TEXT_MAX_BYTES, ""};
 };
 
-/// Made once and never destroyed, so that they outlive the store.
 const Preferences& preferences()
 {
-    static const Preferences* const pc_preferences = new Preferences;
-    return *pc_preferences;
+    return TVNG_immortal<Preferences>();
 }
 
 QString pathIn(const QString& dir)

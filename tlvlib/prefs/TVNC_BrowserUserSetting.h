@@ -5,6 +5,7 @@
 
 #include <QtCore/QString>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The preferences of one user, in the file "repostry_private.xml". All of them, with their defaults:
  *
@@ -54,8 +55,8 @@ public:
     void loadSetting(QString* dir);
 
     /**
-     * Writes the preferences to @a dir + "repostry_private.xml", in place. Before the first load the file
-     * stays as it was.
+     * Writes the preferences to @a dir + "repostry_private.xml", as TVNG_SetSafeSave() has it. Before the
+     * first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_BrowserUserSetting::saveSetting] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_BrowserUserSetting::saveSetting] User Path is NULL or
@@ -70,8 +71,9 @@ public:
     char getStartUp();
 
     /// @name When what the browser has collected is deleted
-    /// 0 "notDelete", 1 "logout", 2 "timeout". Any other code, and any other text in the document, stands for
-    /// 0. Deleting is the application's work.
+    /// 0 "notDelete", 1 "logout" (the user ends the use), 2 "timeout" (nobody has used the browser for a
+    /// while). Any other code, and any other text in the document, stands for 0. Deleting is the
+    /// application's work.
     /// @{
 
     /// For cookies.
@@ -87,8 +89,9 @@ public:
     /// @}
     /// @name Texts
     /// Up to 256 bytes of UTF-8. A setter returns false for a longer text and changes nothing then; an empty
-    /// one is accepted. For null, a getter logs at level 2 "[TVNC_BrowserUserSetting::getHomePage] Parameter
-    /// is NULL.", with its own name.
+    /// one is accepted. A text of blanks alone comes back as empty from a file, and a carriage return as a
+    /// line feed. For null, a getter logs at level 2 "[TVNC_BrowserUserSetting::getHomePage] Parameter is
+    /// NULL.", with its own name.
     /// @{
 
     /// The home page's address. Answered as "about:blank" when it is missing, too long or empty.
@@ -124,5 +127,6 @@ private:
     TVNC_BrowserUserSetting();
     ~TVNC_BrowserUserSetting();
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -1,5 +1,6 @@
 #include "tlvlib/prefs/TVNC_Preference.h"
 
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Base64.h"
 #include "tlvlib/util/TVNG_Utf8.h"
@@ -8,9 +9,6 @@
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QStringList>
-
-static const char CHARACTER_DATA = 0;
-static const char CDATA_SECTION = 1;
 
 // --- Any preference ---------------------------------------------------------------------------------------
 
@@ -29,7 +27,7 @@ TVNC_XMLNode* TVNC_Preference::find(TVNC_XMLSetting& setting) const
 TVNC_XMLNode* TVNC_Preference::writeGroup(TVNC_XMLSetting& setting) const
 {
     return setting.setElement(setting.getXMLRootNode(), group_, QString(), QXmlStreamAttributes(),
-                              CHARACTER_DATA, 0);
+                              TVNG_CHARACTER_DATA, 0);
 }
 
 void TVNC_Preference::writeLeaf(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_group, const QString& text,
@@ -90,7 +88,7 @@ void TVNC_ChoicePreference::set(TVNC_XMLSetting& setting, char c_code) const
 void TVNC_ChoicePreference::writeWord(TVNC_XMLSetting& setting, int si_code) const
 {
     const QString theDefault = words_.at(si_default_ - si_firstCode_);
-    write(setting, words_.value(si_code - si_firstCode_, theDefault), CHARACTER_DATA);
+    write(setting, words_.value(si_code - si_firstCode_, theDefault), TVNG_CHARACTER_DATA);
 }
 
 bool TVNC_ChoicePreference::setOrRefuse(TVNC_XMLSetting& setting, int si_code) const
@@ -101,7 +99,7 @@ bool TVNC_ChoicePreference::setOrRefuse(TVNC_XMLSetting& setting, int si_code) c
     const int si_index = si_code - si_firstCode_;
     if (!pc_group || si_index < 0 || si_index >= words_.size())
         return false;
-    writeLeaf(setting, pc_group, words_.at(si_index), CHARACTER_DATA);
+    writeLeaf(setting, pc_group, words_.at(si_index), TVNG_CHARACTER_DATA);
     return true;
 }
 
@@ -134,7 +132,7 @@ void TVNC_TextPreference::get(TVNC_XMLSetting& setting, QString* pc_out) const
 
 bool TVNC_TextPreference::set(TVNC_XMLSetting& setting, const QString& text) const
 {
-    return TVNG_fitsUtf8(text, si_maxBytes_) && write(setting, text, CHARACTER_DATA);
+    return TVNG_fitsUtf8(text, si_maxBytes_) && write(setting, text, TVNG_CHARACTER_DATA);
 }
 
 void TVNC_TextPreference::setDefault(TVNC_XMLSetting& setting) const
@@ -161,7 +159,7 @@ void TVNC_BytesPreference::get(TVNC_XMLSetting& setting, QByteArray* pc_out) con
 
 bool TVNC_BytesPreference::set(TVNC_XMLSetting& setting, const QByteArray& bytes) const
 {
-    return bytes.size() <= si_maxBytes_ && write(setting, TVNG_toBase64(bytes), CDATA_SECTION);
+    return bytes.size() <= si_maxBytes_ && write(setting, TVNG_toBase64(bytes), TVNG_CDATA_SECTION);
 }
 
 void TVNC_BytesPreference::setDefault(TVNC_XMLSetting& setting) const

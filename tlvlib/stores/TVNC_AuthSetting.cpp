@@ -2,9 +2,12 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Base64.h"
 #include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 // No member of a record goes into a log line, neither here nor below.
@@ -19,44 +22,27 @@ const int PORT_NUM_MAX_BYTES = 5;
 const int USER_MAX_BYTES = 272;
 const int PASSWD_MAX_BYTES = 272;
 
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
-
-/// The names and words in the document, decoded once. Never destroyed, so that they outlive the store.
+/// The names and words in the document.
 struct Names
 {
-    Names()
-        : file(QEXC_TextCodec::fromSJIS("authinfo.xml"))
-        , root(QEXC_TextCodec::fromSJIS("authentication"))
-        , authInfo(QEXC_TextCodec::fromSJIS("authInfo"))
-        , hostName(QEXC_TextCodec::fromSJIS("hostName"))
-        , portNum(QEXC_TextCodec::fromSJIS("portNum"))
-        , authType(QEXC_TextCodec::fromSJIS("authType"))
-        , user(QEXC_TextCodec::fromSJIS("user"))
-        , passwd(QEXC_TextCodec::fromSJIS("passwd"))
-    {
-        authTypes[0] = QEXC_TextCodec::fromSJIS("basic");
-        authTypes[1] = QEXC_TextCodec::fromSJIS("digest");
-        authTypes[2] = QEXC_TextCodec::fromSJIS("NTLM");
-    }
+    QString file = QEXC_TextCodec::fromSJIS("authinfo.xml");
+    QString root = QEXC_TextCodec::fromSJIS("authentication");
+    QString authInfo = QEXC_TextCodec::fromSJIS("authInfo");
+    QString hostName = QEXC_TextCodec::fromSJIS("hostName");
+    QString portNum = QEXC_TextCodec::fromSJIS("portNum");
+    QString authType = QEXC_TextCodec::fromSJIS("authType");
+    QString user = QEXC_TextCodec::fromSJIS("user");
+    QString passwd = QEXC_TextCodec::fromSJIS("passwd");
 
     static const unsigned char AUTH_TYPES = 3;
-
-    QString file;
-    QString root;
-    QString authInfo;
-    QString hostName;
-    QString portNum;
-    QString authType;
-    QString user;
-    QString passwd;
-    QString authTypes[AUTH_TYPES]; ///< the word of each code
+    /// The word of each code.
+    QString authTypes[AUTH_TYPES] = {QEXC_TextCodec::fromSJIS("basic"), QEXC_TextCodec::fromSJIS("digest"),
+                                     QEXC_TextCodec::fromSJIS("NTLM")};
 };
 
 Names& names()
 {
-    static Names* const pc_names = new Names;
-    return *pc_names;
+    return TVNG_immortal<Names>();
 }
 
 /// The word of a code; empty for a code that has none.
@@ -92,7 +78,7 @@ void copyBytes(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QByteArra
 
 } // namespace
 
-TVNC_AuthSetting::TVNC_AuthSetting() : si_maxCount(0) {}
+TVNC_AuthSetting::TVNC_AuthSetting() : si_maxCount_(0) {}
 
 TVNC_AuthSetting::~TVNC_AuthSetting() {}
 
@@ -114,11 +100,11 @@ void TVNC_AuthSetting::loadAuthInfo(QString* dir, int si_loadMax)
         return;
     }
     // Only remembered: entries beyond the maximum are kept. Browsers count the list themselves.
-    si_maxCount = si_loadMax;
+    si_maxCount_ = si_loadMax;
     deleteAllSetting();
     QString path = *dir + names().file;
     load(path);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::loadAuthInfo] end");
 }
 
@@ -160,21 +146,21 @@ void TVNC_AuthSetting::addAuthInfo(TVNS_AuthInfo* pc_info)
     TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().authInfo, 1);
     if (!pc_entry)
         return;
-    TVNG_addField(*this, pc_entry, names().hostName, pc_info->hostName, CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().portNum, pc_info->portNum, CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().authType, wordOf(pc_info->authType), CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().user, TVNG_toBase64(pc_info->user), CDATA_SECTION);
-    TVNG_addField(*this, pc_entry, names().passwd, TVNG_toBase64(pc_info->passwd), CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, names().hostName, pc_info->hostName, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().portNum, pc_info->portNum, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().authType, wordOf(pc_info->authType), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().user, TVNG_toBase64(pc_info->user), TVNG_CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, names().passwd, TVNG_toBase64(pc_info->passwd), TVNG_CDATA_SECTION);
     TVNG_releaseDetached(pc_entry);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 int TVNC_AuthSetting::updateAuthInfo(TVNS_AuthInfo* pc_info)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::updateAuthInfo]");
     int si_kept = getXMLNodeCnt();
-    if (si_kept > si_maxCount)
-        si_kept = si_maxCount;
+    if (si_kept > si_maxCount_)
+        si_kept = si_maxCount_;
     // Before the new entry is looked at, and also while there is room: browsers call this when their own
     // count says that the list is full, and rely on one entry being gone afterwards.
     deleteAuthInfo(si_kept - 1);
@@ -203,12 +189,12 @@ int TVNC_AuthSetting::getAuthInfo(int si_index, TVNS_AuthInfo* pc_out)
 
 int TVNC_AuthSetting::getAuthInfoCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNG_idName(), names().authInfo);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().authInfo);
 }
 
 void TVNC_AuthSetting::deleteAuthInfo(int si_index)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::deleteAuthInfo] si_nodeNum:%d", si_index);
-    deleteXMLNodeByID(si_index, TVNG_idName());
-    setIDforChildren(TVNG_idName());
+    deleteXMLNodeByID(si_index, TVNC_RecordNumbers::attributeName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }

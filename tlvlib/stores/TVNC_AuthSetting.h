@@ -12,22 +12,26 @@
  */
 struct TVNS_AuthInfo
 {
-    /// The server's host name, at most 256 bytes of UTF-8.
+    /// The server's host name, at most 256 bytes of UTF-8. One of blanks alone comes back as empty from a
+    /// file, and a carriage return as a line feed; in the port, too.
     QString hostName;
 
-    /// The port number as text, at most 5 bytes of UTF-8. Any text is taken.
+    /// The port number as text, at most 5 bytes of UTF-8. Any text is taken. By custom never empty: "80" or
+    /// "443" where the address has none.
     QString portNum;
 
-    /// The scheme: 0 "basic", 1 "digest", 2 "NTLM". Any other code is stored without a word and read as 0.
+    /// The scheme that the server asks for: 0 "basic", 1 "digest", 2 "NTLM". Any other code is stored without
+    /// a word and read as 0.
     unsigned char authType;
 
-    /// The user name: raw bytes, zero bytes included, at most 272.
+    /// The user name: raw bytes, zero bytes included, at most 272. By custom UTF-8.
     QByteArray user;
 
-    /// The password: raw bytes, zero bytes included, at most 272.
+    /// The password: raw bytes, zero bytes included, at most 272. By custom UTF-8.
     QByteArray passwd;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The credentials for servers that ask for a login, newest first, in the file "authinfo.xml":
  *
@@ -100,7 +104,8 @@ public:
      * Logs at level 3 "[TVNC_AuthSetting::setAuthInfo]", then what addAuthInfo() logs. A refusal has no line
      * of its own.
      *
-     * @return 1 when the entry was accepted, 0 when it was refused
+     * @return 1 when the entry was acceptable, 0 when it was refused. Before the first load it is 1, too,
+     * although the entry is lost.
      */
     int setAuthInfo(TVNS_AuthInfo* pc_info);
 
@@ -153,7 +158,8 @@ private:
     ~TVNC_AuthSetting();
 
     /// The maximum of the last accepted load; 0 before. Only updateAuthInfo() reads it.
-    int si_maxCount;
+    int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -3,8 +3,12 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/util/TVNG_digits.h"
+#include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QBuffer>
@@ -23,42 +27,56 @@ const int THUMBNAIL_NAME_LENGTH = 10;
 const int THUMBNAIL_EXTENSION_LENGTH = 4;
 const char THUMBNAIL_FORMAT[] = "PNG";
 
-const char CHARACTER_DATA = 0;
-
-/// The names in the document, decoded once. Never destroyed, so that they outlive the store.
+/// The names in the document.
 struct Names
 {
-    Names()
-        : file(QEXC_TextCodec::fromSJIS("bookmark.xml"))
-        , thumbnailDirectory(QEXC_TextCodec::fromSJIS("thumbnail/"))
-        , aboutBlank(QEXC_TextCodec::fromSJIS("about:blank"))
-        , root(QEXC_TextCodec::fromSJIS("bookmarks"))
-        , bookmark(QEXC_TextCodec::fromSJIS("bookmark"))
-        , title(QEXC_TextCodec::fromSJIS("title"))
-        , href(QEXC_TextCodec::fromSJIS("href"))
-        , thumbnail(QEXC_TextCodec::fromSJIS("thumbnail"))
-    {
-    }
-    QString file;
-    QString thumbnailDirectory;
-    QString aboutBlank;
-    QString root;
-    QString bookmark;
-    QString title;
-    QString href;
-    QString thumbnail;
+    QString file = QEXC_TextCodec::fromSJIS("bookmark.xml");
+    QString thumbnailDirectory = QEXC_TextCodec::fromSJIS("thumbnail/");
+    QString aboutBlank = QEXC_TextCodec::fromSJIS("about:blank");
+    QString root = QEXC_TextCodec::fromSJIS("bookmarks");
+    QString bookmark = QEXC_TextCodec::fromSJIS("bookmark");
+    QString title = QEXC_TextCodec::fromSJIS("title");
+    QString href = QEXC_TextCodec::fromSJIS("href");
+    QString thumbnail = QEXC_TextCodec::fromSJIS("thumbnail");
 };
 
 Names& names()
 {
-    static Names* const pc_names = new Names;
-    return *pc_names;
+    return TVNG_immortal<Names>();
 }
 
 /// What getBookmarkChildNode() selects.
 const char TITLE = 0;
 const char HREF = 1;
 const char THUMBNAIL = 2;
+
+/// Null for a null record, for a code that selects nothing, and when the element is missing.
+TVNC_XMLNode* childOf(TVNC_XMLNode* pc_record, char c_which)
+{
+    if (!pc_record)
+        return nullptr;
+    switch (c_which) {
+    case TITLE:
+        return pc_record->getXMLNodeChildByName(names().title);
+    case HREF:
+        return pc_record->getXMLNodeChildByName(names().href);
+    case THUMBNAIL:
+        return pc_record->getXMLNodeChildByName(names().thumbnail);
+    default:
+        return nullptr;
+    }
+}
+
+/// The title; none where it is over its limit.
+QString titleOf(TVNC_XMLNode& title)
+{
+    return TVNG_fitsUtf8(title.getText(), TITLE_MAX_BYTES) ? title.getText() : QString();
+}
+
+QString urlOf(TVNC_XMLNode& href)
+{
+    return TVNG_fitsUtf8(href.getText(), URL_MAX_BYTES) ? href.getText() : names().aboutBlank;
+}
 
 QString makeThumbFilePath(QString& path, QString& dir)
 {
@@ -81,15 +99,9 @@ int numberOf(const QString& path)
 {
     const int si_from = qMax(0, static_cast<int>(path.size()) - THUMBNAIL_NAME_LENGTH);
     const int si_count = static_cast<int>(path.size()) - si_from - THUMBNAIL_EXTENSION_LENGTH;
-    // Six digits, as this store writes them, take no memory and no locale. What else is a number, Qt tells.
-    int si_number = 0;
-    for (int i = 0; i < si_count; ++i) {
-        const int si_digit = path.at(si_from + i).unicode() - '0';
-        if (si_digit < 0 || si_digit > 9)
-            return path.mid(si_from, si_count).toInt();
-        si_number = si_number * 10 + si_digit;
-    }
-    return si_number;
+    // The names that this store makes take no memory here. Qt reads whatever else is a number.
+    const int si_number = TVNG_digits(path.constData() + si_from, si_count);
+    return si_number >= 0 ? si_number : path.mid(si_from, si_count).toInt();
 }
 
 /// As QImage::save() does, but in the mode for files that are replaced whole.
@@ -114,7 +126,7 @@ bool savePictureWhole(const QImage& image, const QString& path)
 
 } // namespace
 
-TVNC_BookmarksSetting::TVNC_BookmarksSetting() : si_maxCount(0) {}
+TVNC_BookmarksSetting::TVNC_BookmarksSetting() : si_maxCount_(0) {}
 
 TVNC_BookmarksSetting::~TVNC_BookmarksSetting() {}
 
@@ -137,11 +149,11 @@ void TVNC_BookmarksSetting::loadBookmark(QString* dir, int si_loadMax, int& si_l
         TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::loadBookmark] Error load_max:%d", si_loadMax);
         return;
     }
-    si_maxCount = si_loadMax;
+    si_maxCount_ = si_loadMax;
     deleteAllSetting();
     QString path = *dir + names().file;
     load(path);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
     addThumbnailFilePath(dir);
     si_lastNumber = getLastNumber();
     TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::loadBookmark] end");
@@ -169,7 +181,7 @@ void TVNC_BookmarksSetting::saveBookmark(QString* dir, int si_saveMax)
 
 int TVNC_BookmarksSetting::getBookmarkCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNG_idName(), names().bookmark);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().bookmark);
 }
 
 bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
@@ -184,38 +196,36 @@ bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
         return false;
     }
     const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TITLE_MAX_BYTES);
-    TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_record, names().title,
                   b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TITLE_MAX_BYTES),
-                  CHARACTER_DATA);
-    TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, CHARACTER_DATA);
+                  TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, TVNG_CHARACTER_DATA);
     TVNG_releaseDetached(pc_record);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
     return true;
 }
 
 bool TVNC_BookmarksSetting::getBookmark(int si_id, TVNS_Bookmark* pc_out)
 {
-    if (!pc_out || !TVNG_recordByNumber(*this, si_id))
+    TVNC_XMLNode* pc_record = pc_out ? TVNG_recordByNumber(*this, si_id) : nullptr;
+    if (!pc_record)
         return false;
-    QString title;
-    QString url;
-    QString thumbnail;
     // A title over its limit is answered with true and no title: it gets empty here, not the caller's own.
-    if (getBookmarkTitle(si_id, &title))
-        pc_out->title = title;
-    if (getBookmarkURL(si_id, &url))
-        pc_out->href = url;
-    if (getBookmarkThumbnailFilePath(si_id, &thumbnail))
-        pc_out->thumbnail = thumbnail;
+    if (TVNC_XMLNode* pc_title = childOf(pc_record, TITLE))
+        pc_out->title = titleOf(*pc_title);
+    if (TVNC_XMLNode* pc_href = childOf(pc_record, HREF))
+        pc_out->href = urlOf(*pc_href);
+    if (TVNC_XMLNode* pc_thumbnail = childOf(pc_record, THUMBNAIL))
+        pc_out->thumbnail = getThumbFilePath(pc_thumbnail);
     return true;
 }
 
 void TVNC_BookmarksSetting::deleteBookmark(int si_id)
 {
     TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::deleteBookmark] si_nodeNum:%d", si_id);
-    deleteXMLNodeByID(si_id, TVNG_idName());
-    setIDforChildren(TVNG_idName());
+    deleteXMLNodeByID(si_id, TVNC_RecordNumbers::attributeName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 // --- The members of one bookmark --------------------------------------------------------------------------
@@ -246,7 +256,7 @@ bool TVNC_BookmarksSetting::getBookmarkURL(int si_id, QString* pc_out)
     TVNC_XMLNode* pc_href = pc_out ? getBookmarkChildNode(si_id, HREF) : nullptr;
     if (!pc_href)
         return false;
-    *pc_out = TVNG_fitsUtf8(pc_href->getText(), URL_MAX_BYTES) ? pc_href->getText() : names().aboutBlank;
+    *pc_out = urlOf(*pc_href);
     return true;
 }
 
@@ -279,19 +289,7 @@ bool TVNC_BookmarksSetting::setBookmarkThumbnailFilePath(int si_id, QString* pc_
 
 TVNC_XMLNode* TVNC_BookmarksSetting::getBookmarkChildNode(int si_id, char c_which)
 {
-    TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
-    if (!pc_record)
-        return nullptr;
-    switch (c_which) {
-    case TITLE:
-        return pc_record->getXMLNodeChildByName(names().title);
-    case HREF:
-        return pc_record->getXMLNodeChildByName(names().href);
-    case THUMBNAIL:
-        return pc_record->getXMLNodeChildByName(names().thumbnail);
-    default:
-        return nullptr;
-    }
+    return childOf(TVNG_recordByNumber(*this, si_id), c_which);
 }
 
 QString TVNC_BookmarksSetting::ClipString(const QString& text, int si_maxBytes)

@@ -12,13 +12,15 @@ struct TVNS_Bookmark
     /// The title shown to the user. Adding cuts it to 100 bytes of UTF-8.
     QString title;
 
-    /// The page's address, at most 256 bytes of UTF-8.
+    /// The page's address, at most 256 bytes of UTF-8. A carriage return in it, as in a title, comes back as
+    /// a line feed from a file, and a text of blanks alone as empty.
     QString href;
 
     /// The full path of the bookmark's picture, at most 256 bytes of UTF-8; see TVNC_BookmarksSetting.
     QString thumbnail;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The user's bookmarks, newest first, in the file "bookmark.xml", and their pictures beside it in the
  * directory "thumbnail/":
@@ -84,9 +86,9 @@ public:
     void loadBookmark(QString* dir, int si_loadMax, int& si_lastNumber);
 
     /**
-     * Writes all bookmarks to @a dir + "bookmark.xml", in place. Afterwards all pictures have their paths
-     * under @a dir. @a si_saveMax must be at least 1 and has no other effect. Before the first load the file
-     * stays as it was.
+     * Writes all bookmarks to @a dir + "bookmark.xml", as TVNG_SetSafeSave() has it. Afterwards all pictures
+     * have their paths under @a dir. @a si_saveMax must be at least 1 and has no other effect. Before the
+     * first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_BookmarksSetting::saveBookmark] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_BookmarksSetting::saveBookmark] Path is NULL or empty."; so
@@ -105,7 +107,8 @@ public:
      * "[TVNC_BookmarksSetting::setBookmark] Failed to new TVNC_XMLNode.". A refusal has no line of its own.
      *
      * @return false when @a pc_bookmark is null, its address or its thumbnail is longer than 256 bytes of
-     *         UTF-8, or memory ran out; nothing is added then
+     *         UTF-8, or memory ran out; nothing is added then. Before the first load true is no promise: the
+     *         bookmark is lost.
      */
     bool setBookmark(TVNS_Bookmark* pc_bookmark);
 
@@ -120,7 +123,7 @@ public:
 
     /**
      * Removes a bookmark, if there is one of this number, and renumbers the rest. Its picture stays: read its
-     * path first, and hand it to deleteThumbnail().
+     * path first, save, and then hand it to deleteThumbnail().
      *
      * Logs at level 3 "[TVNC_BookmarksSetting::deleteBookmark] si_nodeNum:%d".
      */
@@ -248,7 +251,8 @@ private:
     ~TVNC_BookmarksSetting();
 
     /// The maximum of the last accepted load; 0 before. Nothing reads it, but it is part of the layout.
-    int si_maxCount;
+    int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -2,9 +2,12 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QVector>
@@ -17,43 +20,25 @@ namespace {
 /// save of cookie.ini.
 const int CONVERTED_MAX = 20;
 
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
-
-/// The names and words in the document, decoded once. Never destroyed, so that they outlive the store.
+/// The names and words in the document.
 struct Names
 {
-    Names()
-        : root(QEXC_TextCodec::fromSJIS("cookie"))
-        , webSiteInfo(QEXC_TextCodec::fromSJIS("webSiteInfo"))
-        , website(QEXC_TextCodec::fromSJIS("website"))
-        , name(QEXC_TextCodec::fromSJIS("name"))
-        , path(QEXC_TextCodec::fromSJIS("path"))
-        , secure(QEXC_TextCodec::fromSJIS("secure"))
-        , expires(QEXC_TextCodec::fromSJIS("expires"))
-        , contents(QEXC_TextCodec::fromSJIS("contents"))
-        , isSecure(QEXC_TextCodec::fromSJIS("true"))
-        , isNotSecure(QEXC_TextCodec::fromSJIS("false"))
-        , expiresFormat(QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm:ss"))
-    {
-    }
-    QString root;
-    QString webSiteInfo;
-    QString website;
-    QString name;
-    QString path;
-    QString secure;
-    QString expires;
-    QString contents;
-    QString isSecure;
-    QString isNotSecure;
-    QString expiresFormat;
+    QString root = QEXC_TextCodec::fromSJIS("cookie");
+    QString webSiteInfo = QEXC_TextCodec::fromSJIS("webSiteInfo");
+    QString website = QEXC_TextCodec::fromSJIS("website");
+    QString name = QEXC_TextCodec::fromSJIS("name");
+    QString path = QEXC_TextCodec::fromSJIS("path");
+    QString secure = QEXC_TextCodec::fromSJIS("secure");
+    QString expires = QEXC_TextCodec::fromSJIS("expires");
+    QString contents = QEXC_TextCodec::fromSJIS("contents");
+    QString isSecure = QEXC_TextCodec::fromSJIS("true");
+    QString isNotSecure = QEXC_TextCodec::fromSJIS("false");
+    QString expiresFormat = QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm:ss");
 };
 
 Names& names()
 {
-    static Names* const pc_names = new Names;
-    return *pc_names;
+    return TVNG_immortal<Names>();
 }
 
 const QString& secureText(const QNetworkCookie& cookie)
@@ -101,7 +86,7 @@ void logInvalidParameter()
 
 } // namespace
 
-TVNC_CookieSetting::TVNC_CookieSetting() : si_maxCount(0) {}
+TVNC_CookieSetting::TVNC_CookieSetting() : si_maxCount_(0) {}
 
 TVNC_CookieSetting::~TVNC_CookieSetting() {}
 
@@ -117,15 +102,15 @@ void TVNC_CookieSetting::addCookieInfo(QNetworkCookie& cookie)
     TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().webSiteInfo, 1);
     if (!pc_entry)
         return;
-    TVNG_addField(*this, pc_entry, names().website, cookie.domain(), CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().website, cookie.domain(), TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_entry, names().name, QString::fromUtf8(cookie.name().constData()),
-                  CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().path, cookie.path(), CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().secure, secureText(cookie), CHARACTER_DATA);
+                  TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().path, cookie.path(), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, names().secure, secureText(cookie), TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_entry, names().expires,
-                  TVNG_clockText(cookie.expirationDate(), names().expiresFormat), CHARACTER_DATA);
+                  TVNG_clockText(cookie.expirationDate(), names().expiresFormat), TVNG_CHARACTER_DATA);
     TVNG_addField(*this, pc_entry, names().contents, QString::fromUtf8(cookie.value().constData()),
-                  CDATA_SECTION);
+                  TVNG_CDATA_SECTION);
     TVNG_releaseDetached(pc_entry);
     // Not numbered here: until then the entry is invisible to getAllCookieInfo(), and the conversion, which
     // removes entries by their positions, relies on it.
@@ -154,8 +139,8 @@ bool TVNC_CookieSetting::isMuchCookieInfo(QNetworkCookie& cookie, TVNS_CookieInf
 void TVNC_CookieSetting::deleteCookieInfo(int si_index)
 {
     TVNG_DebugPrint(3, "[TVNC_CookieSetting::deleteCookieInfo] si_XMLNum:%d", si_index);
-    deleteXMLNodeByID(si_index, TVNG_idName());
-    setIDforChildren(TVNG_idName());
+    deleteXMLNodeByID(si_index, TVNC_RecordNumbers::attributeName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir)
@@ -212,7 +197,7 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
             addCookieInfo(cookies[i]);
     }
     TVNG_nameRoot(getXMLRootNode(), names().root);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
     const TVNC_SecretSave secret(true);
     save(xmlPath);
     deleteAllSetting();

@@ -19,19 +19,21 @@ struct TVNS_CookieInfo
     /// The path on the site for which it counts, such as "/".
     QString path;
 
-    /// "true" or "false".
+    /// "true" or "false"; of an edited document whatever it holds.
     QString secure;
 
-    /// When the cookie expires, "yyyy/MM/dd hh:mm:ss"; empty for one that ends with the browser.
+    /// When the cookie expires, "yyyy/MM/dd hh:mm:ss"; empty for one that ends with the browser. Of an edited
+    /// document whatever it holds.
     QString expires;
 
     /// The cookie's value, its bytes read as UTF-8, up to the first zero byte.
     QString contents;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
- * The browser's cookies, in two forms. For the user and for backups, a settings document at a path that the
- * application names:
+ * The browser's cookies, in two forms. For the user to look at, a settings document at a path that the
+ * application names, which is no backup of the other one:
  *
  * @code
  * <?xml version="1.0" encoding="UTF-8"?>
@@ -85,8 +87,9 @@ public:
     void addCookieInfo(QNetworkCookie& cookie);
 
     /**
-     * The entries with the numbers from 0 to the number of entries minus 1, in this order. What an entry
-     * lacks is empty. An entry without a number, or with one outside this range, is missing.
+     * The entries with the numbers from 0 to the number of entries minus 1, in this order. Texts are those of
+     * the document, also where they are no times and no "true" or "false". What an entry lacks is empty. An
+     * entry without a number, or with one outside this range, is missing.
      */
     QList<TVNS_CookieInfo> getAllCookieInfo();
 
@@ -106,7 +109,9 @@ public:
     /**
      * Replaces the file @a dir + "cookie.ini" by one with these cookies. All are written, however many, with
      * everything they have; @a si_saveMax must be at least 1 and has no other effect. The directory ends in
-     * "/". The document is not touched.
+     * "/". Missing directories are made by Qt 5, and there must be write access to the directory: another
+     * file is written there and renamed, with a "cookie.ini.lock" beside it meanwhile. The document is not
+     * touched.
      *
      * Logs at level 3 "[TVNC_CookieSetting::saveCookieInfo] start" and "... end". A null or empty directory
      * writes nothing and logs at level 2 "[TVNC_CookieSetting::saveCookieInfo] Path is NULL or empty."; so
@@ -154,7 +159,8 @@ public:
      *
      * Logs what its steps log. A null argument does nothing and logs at level 1
      * "[TVNC_CookieSetting::convertCookieIniToXML] Invalid Parameter.". Empty paths are not null: without a
-     * directory there are no cookies, and without a document path nothing is read or written.
+     * directory there are no cookies. Without a document path the document that the store holds is brought up
+     * to the cookies, written nowhere, and then emptied as always.
      *
      * @param pc_iniDir the directory, in ASCII and with "/" at its end
      * @param pc_xmlPath the document's full path, in ASCII
@@ -167,7 +173,8 @@ private:
 
     /// The maximum of the last accepted load of cookie.ini; 0 before. Nothing reads it, but it is part of the
     /// layout.
-    int si_maxCount;
+    int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

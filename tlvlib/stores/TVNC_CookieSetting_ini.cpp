@@ -165,7 +165,7 @@ QList<QNetworkCookie> TVNC_CookieSetting::loadCookieInfo(QString* dir, int si_lo
         TVNG_DebugPrint(2, "[TVNC_CookieSetting::loadCookieInfo] Error load_max:%d", si_loadMax);
         return QList<QNetworkCookie>();
     }
-    si_maxCount = si_loadMax;
+    si_maxCount_ = si_loadMax;
     QSettings settings(pathIn(*dir), QSettings::IniFormat);
     settings.beginGroup(section());
     const QList<QNetworkCookie> cookies = deserialised(settings.value(key()).toByteArray());

@@ -1,8 +1,11 @@
 #include "tlvlib/stores/TVNC_FontListSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
+#include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
 namespace {
@@ -10,24 +13,17 @@ namespace {
 /// Longer names are stored but never handed out. In bytes of UTF-8.
 const int FONT_NAME_MAX = 256;
 
-/// The names in the document, decoded once. Never destroyed, so that they outlive the store.
+/// The names in the document.
 struct Names
 {
-    Names()
-        : file(QEXC_TextCodec::fromSJIS("fontlist.xml"))
-        , root(QEXC_TextCodec::fromSJIS("fontlist"))
-        , font(QEXC_TextCodec::fromSJIS("font"))
-    {
-    }
-    QString file;
-    QString root;
-    QString font;
+    QString file = QEXC_TextCodec::fromSJIS("fontlist.xml");
+    QString root = QEXC_TextCodec::fromSJIS("fontlist");
+    QString font = QEXC_TextCodec::fromSJIS("font");
 };
 
 Names& names()
 {
-    static Names* const pc_names = new Names;
-    return *pc_names;
+    return TVNG_immortal<Names>();
 }
 
 } // namespace
@@ -52,7 +48,7 @@ void TVNC_FontListSetting::loadFontList(QString dir)
     deleteAllSetting();
     QString path = dir + names().file;
     load(path);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::loadFontList] end");
 }
 
@@ -71,7 +67,7 @@ void TVNC_FontListSetting::saveFontList(QString dir)
 
 int TVNC_FontListSetting::getCount()
 {
-    return getXMLRootNodeChildCntByName(TVNG_idName(), names().font);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().font);
 }
 
 QString TVNC_FontListSetting::getFont(int si_index)
@@ -92,7 +88,7 @@ void TVNC_FontListSetting::addFont(QString name)
         return;
     }
     QXmlStreamAttributes noAttributes;
-    char c_textType = 0;
+    char c_textType = TVNG_CHARACTER_DATA;
     TVNG_releaseDetached(addXMLChild(getXMLRootNode(), names().font, name, c_textType, noAttributes, 0));
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }

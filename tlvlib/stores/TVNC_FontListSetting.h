@@ -3,6 +3,7 @@
 
 #include <tlvlib/xml/TVNC_XMLSetting.h>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The names of the fonts that are offered to the user, in the file "fontlist.xml":
  *
@@ -42,8 +43,8 @@ public:
     void loadFontList(QString dir);
 
     /**
-     * Writes the list to @a dir + "fontlist.xml", in place, with the numbers it has. Before the first load
-     * the file stays as it was.
+     * Writes the list to @a dir + "fontlist.xml", as TVNG_SetSafeSave() has it, with the numbers it has.
+     * Before the first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_FontListSetting::saveFontList] start" and "... end". An empty directory writes
      * nothing and logs at level 2 "[TVNC_FontListSetting::saveFontList] Path is empty.".
@@ -60,8 +61,9 @@ public:
     QString getFont(int si_index);
 
     /**
-     * Adds a font at the end. The same name may be added again. From the 1000th font on, fonts are stored but
-     * get no number. Nothing is saved.
+     * Adds a font at the end. The same name may be added again. One of blanks alone is taken, but comes back
+     * as empty from a file; a carriage return comes back as a line feed. From the 1000th font on, fonts are
+     * stored but get no number. Nothing is saved.
      *
      * Logs at level 3 "[TVNC_FontListSetting::addFont]". An empty name is refused and logged at level 2 as
      * "[TVNC_FontListSetting::addFont] FontName is empty.".
@@ -72,5 +74,6 @@ private:
     TVNC_FontListSetting();
     ~TVNC_FontListSetting();
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

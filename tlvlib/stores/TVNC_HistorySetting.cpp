@@ -1,9 +1,11 @@
 #include "tlvlib/stores/TVNC_HistorySetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_quickSort.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
@@ -13,32 +15,21 @@
 
 namespace {
 
-/// The names in the document, decoded once. Never destroyed, so that they outlive the store.
+/// The names in the document.
 struct Names
 {
-    Names()
-        : file(QEXC_TextCodec::fromSJIS("visit.xml"))
-        , root(QEXC_TextCodec::fromSJIS("history"))
-        , pageInfo(QEXC_TextCodec::fromSJIS("pageInfo"))
-        , title(QEXC_TextCodec::fromSJIS("title"))
-        , url(QEXC_TextCodec::fromSJIS("url"))
-        , dateTime(QEXC_TextCodec::fromSJIS("dateTime"))
-        , dateTimeFormat(QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm"))
-    {
-    }
-    QString file;
-    QString root;
-    QString pageInfo;
-    QString title;
-    QString url;
-    QString dateTime;
-    QString dateTimeFormat;
+    QString file = QEXC_TextCodec::fromSJIS("visit.xml");
+    QString root = QEXC_TextCodec::fromSJIS("history");
+    QString pageInfo = QEXC_TextCodec::fromSJIS("pageInfo");
+    QString title = QEXC_TextCodec::fromSJIS("title");
+    QString url = QEXC_TextCodec::fromSJIS("url");
+    QString dateTime = QEXC_TextCodec::fromSJIS("dateTime");
+    QString dateTimeFormat = QEXC_TextCodec::fromSJIS("yyyy/MM/dd hh:mm");
 };
 
 Names& names()
 {
-    static Names* const pc_names = new Names;
-    return *pc_names;
+    return TVNG_immortal<Names>();
 }
 
 /// Copies the texts that a record has; what it lacks stays as it was in @a out.
@@ -59,10 +50,10 @@ TVNC_XMLNode* addVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
     TVNC_XMLNode* pc_record = TVNG_addRecord(setting, names().pageInfo, 1);
     if (!pc_record)
         return nullptr;
-    TVNG_addField(setting, pc_record, names().title, visit.title, 0);
-    TVNG_addField(setting, pc_record, names().url, visit.url, 0);
+    TVNG_addField(setting, pc_record, names().title, visit.title, TVNG_CHARACTER_DATA);
+    TVNG_addField(setting, pc_record, names().url, visit.url, TVNG_CHARACTER_DATA);
     TVNG_addField(setting, pc_record, names().dateTime,
-                  TVNG_clockText(visit.dateTime, names().dateTimeFormat), 0);
+                  TVNG_clockText(visit.dateTime, names().dateTimeFormat), TVNG_CHARACTER_DATA);
     return pc_record;
 }
 
@@ -110,7 +101,7 @@ bool isField(TVNC_XMLNode* pc_node, const QString& name)
 }
 
 /// Whether a record is what addVisit() would make of it, but for text types and the form of the time.
-bool isPlain(TVNC_XMLNode& record)
+bool isAsAdded(TVNC_XMLNode& record)
 {
     const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(record);
     return TVNC_NodeAccess::name(record) == names().pageInfo && TVNC_NodeAccess::text(record).isEmpty() &&
@@ -118,12 +109,12 @@ bool isPlain(TVNC_XMLNode& record)
            isField(fields.at(2), names().dateTime);
 }
 
-/// Puts a plain record back at the front of the root, as addVisit() would make it anew.
+/// Puts such a record back at the front of the root, as addVisit() would make it anew.
 void putBack(TVNC_XMLNode& root, const Visit& visit)
 {
     const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(*visit.pc_record);
     for (int i = 0; i < fields.size(); ++i)
-        fields.at(i)->setTextType(0);
+        fields.at(i)->setTextType(TVNG_CHARACTER_DATA);
     QDate date;
     QTime time;
     QString& text = TVNC_NodeAccess::text(*fields.at(2));
@@ -169,14 +160,14 @@ void sort(TVNC_XMLSetting& history, bool b_fresh)
 
     QList<TVNC_XMLNode*> fresh;
     if (b_fresh)
-        fresh = TVNC_NodeAccess::takeChildren(*history.getXMLRootNode());
+        fresh = TVNG_takeChildren(*history.getXMLRootNode());
     history.deleteAllSetting(); // the records live on until the event loop
     // Null records, which only a program can have put there, stay and are logged at each numbering.
     const bool b_numberEach = history.getXMLNodeCnt() > 0;
     for (int i = static_cast<int>(sorted.size()) - 1; i >= 0; --i) {
         logSetHistory();
         TVNC_XMLNode* pc_record = sorted.at(i)->pc_record;
-        if (b_fresh && isPlain(*pc_record)) {
+        if (b_fresh && isAsAdded(*pc_record)) {
             putBack(*history.getXMLRootNode(), *sorted.at(i));
         } else {
             TVNS_History visit;
@@ -186,13 +177,13 @@ void sort(TVNC_XMLSetting& history, bool b_fresh)
         if (!pc_record)
             continue;
         if (b_numberEach)
-            history.setIDforChildren(TVNG_idName());
+            history.setIDforChildren(TVNC_RecordNumbers::attributeName());
         else if (i >= TVNC_RecordNumbers::LIMIT) // it keeps the last number that it had on its way back
-            TVNC_RecordNumbers(TVNG_idName()).give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
+            TVNC_RecordNumbers::give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
     }
     for (int i = 0; i < fresh.size(); ++i)
         TVNG_releaseDetached(fresh.at(i));
-    history.setIDforChildren(TVNG_idName());
+    history.setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 } // namespace
@@ -204,7 +195,7 @@ bool TVNS_History::operator<(const TVNS_History& other) const
     return TVNG_isLater(dateTime, other.dateTime);
 }
 
-TVNC_HistorySetting::TVNC_HistorySetting() : si_maxCount(0) {}
+TVNC_HistorySetting::TVNC_HistorySetting() : si_maxCount_(0) {}
 
 TVNC_HistorySetting::~TVNC_HistorySetting() {}
 
@@ -225,11 +216,11 @@ void TVNC_HistorySetting::loadHistory(QString* dir, int si_loadMax)
         TVNG_DebugPrint(2, "[TVNC_HistorySetting::loadHistory] Error load_max:%d", si_loadMax);
         return;
     }
-    si_maxCount = si_loadMax;
+    si_maxCount_ = si_loadMax;
     deleteAllSetting();
     QString path = *dir + names().file;
     load(path);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
     sort(*this, true);
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::loadHistory] end");
 }
@@ -254,7 +245,7 @@ void TVNC_HistorySetting::saveHistory(QString* dir, int si_saveMax)
 
 int TVNC_HistorySetting::getHistoryCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNG_idName(), names().pageInfo);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().pageInfo);
 }
 
 void TVNC_HistorySetting::setHistory(TVNS_History* pc_history)
@@ -266,7 +257,7 @@ void TVNC_HistorySetting::setHistory(TVNS_History* pc_history)
     if (!pc_record)
         return;
     TVNG_releaseDetached(pc_record);
-    setIDforChildren(TVNG_idName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 void TVNC_HistorySetting::updateHistory(TVNS_History* pc_history)
@@ -274,8 +265,8 @@ void TVNC_HistorySetting::updateHistory(TVNS_History* pc_history)
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::updateHistory]");
     // One visit goes, however many are too many, and it goes even when the record turns out to be null.
     // Before the first load the maximum is 0, so the number is -1, which no visit has.
-    if (getXMLNodeCnt() >= si_maxCount)
-        deleteHistory(si_maxCount - 1);
+    if (getXMLNodeCnt() >= si_maxCount_)
+        deleteHistory(si_maxCount_ - 1);
     setHistory(pc_history);
 }
 
@@ -329,8 +320,8 @@ void TVNC_HistorySetting::changeHistoryTitle(int si_id, QString& title)
 void TVNC_HistorySetting::deleteHistory(int si_id)
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::deleteHistory] si_nodeNum:%d", si_id);
-    deleteXMLNodeByID(si_id, TVNG_idName());
-    setIDforChildren(TVNG_idName());
+    deleteXMLNodeByID(si_id, TVNC_RecordNumbers::attributeName());
+    setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 void TVNC_HistorySetting::sortHistory()

@@ -23,7 +23,8 @@ struct TLVLIB_EXPORT TVNS_History
     /// The page's title, of any length.
     QString title;
 
-    /// The page's address, of any length.
+    /// The page's address, of any length. A carriage return in it, as in a title, comes back as a line feed
+    /// from a file, and a text of blanks alone as empty.
     QString url;
 
     /**
@@ -36,6 +37,7 @@ struct TLVLIB_EXPORT TVNS_History
     QDateTime dateTime;
 };
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * The visited pages, newest first, in the file "visit.xml":
  *
@@ -89,8 +91,8 @@ public:
     void loadHistory(QString* dir, int si_loadMax);
 
     /**
-     * Writes the list to @a dir + "visit.xml", in place and in its present order. Before the first load the
-     * file stays as it was.
+     * Writes the list to @a dir + "visit.xml", as TVNG_SetSafeSave() has it, and in its present order. Before
+     * the first load the file stays as it was.
      *
      * Logs at level 3 "[TVNC_HistorySetting::saveHistory] start" and "... end". Nothing is written, and level
      * 2 tells why: for a null or empty directory "[TVNC_HistorySetting::saveHistory] Path is NULL or empty.",
@@ -158,7 +160,8 @@ public:
 
     /**
      * Puts the newest visit first. Visits of the same minute come in the order in which the quicksort of the
-     * device leaves them, which is not that of the file.
+     * device leaves them, which is not that of the file: it changes with every load, and with it which of
+     * them updateHistory() takes for the oldest.
      *
      * The list is built anew: only records that are found by a number below the count of all records are
      * taken over (of a file that this library wrote, the first 999), each as a "pageInfo" with its three
@@ -176,7 +179,8 @@ private:
     ~TVNC_HistorySetting();
 
     /// How many visits updateHistory() keeps: 0 until loadHistory() sets it.
-    int si_maxCount;
+    int si_maxCount_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -16,8 +16,9 @@ public:
     static TVNC_NetworkDiskCache* getInstance();
 
     /**
-     * Removes what a QNetworkDiskCache keeps under the directory, and nothing else. A missing directory is
-     * created where that is allowed, and is no failure.
+     * Removes every file whose name ends in ".d", at any depth below the directory, and nothing else: that is
+     * what a QNetworkDiskCache takes for its own. A missing directory is created where that is allowed, and
+     * is no failure.
      *
      * Logs at level 3 "[TVNC_NetworkDiskCache::clearDiskCache]".
      */

@@ -2,41 +2,32 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNG_SafeSave.h"
+#include "tlvlib/files/TVNG_saveMode.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNG_Records.h"
 
 #include <QtCore/QFile>
 
 namespace {
 
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
-
-/// The names in the document, decoded once. Never destroyed, so that they outlive the converter.
+/// The names in the document.
 struct Names
 {
-    Names()
-        : root(QEXC_TextCodec::fromSJIS("thumbnail"))
-        , docInfo(QEXC_TextCodec::fromSJIS("docInfo"))
-        , version(QEXC_TextCodec::fromSJIS("1.0"))
-        , image(QEXC_TextCodec::fromSJIS("image"))
-        , src(QEXC_TextCodec::fromSJIS("src"))
-        , png(QEXC_TextCodec::fromSJIS("*.png"))
-    {
-    }
-    QString root;
-    QString docInfo;
-    QString version;
-    QString image;
-    QString src;
-    QString png;
+    QString root = QEXC_TextCodec::fromSJIS("thumbnail");
+    QString image = QEXC_TextCodec::fromSJIS("image");
+    QString src = QEXC_TextCodec::fromSJIS("src");
+    QString png = QEXC_TextCodec::fromSJIS("*.png");
 };
 
 Names& names()
 {
-    static Names* const pc_names = new Names;
-    return *pc_names;
+    return TVNG_immortal<Names>();
 }
 
 } // namespace
@@ -63,9 +54,7 @@ void TVNC_ThumbnailConverter::encode_base64(QString& path, QByteArray& out)
 
 bool TVNC_ThumbnailConverter::decode_base64(QByteArray& base64, QString& path)
 {
-    // Before the file is touched: one that is there is not lost to a text without any letter of base64.
-    const QByteArray bytes = QByteArray::fromBase64(base64);
-    if (bytes.isEmpty()) {
+    if (base64.isEmpty()) {
         TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] thumbnail is empty.");
         return false;
     }
@@ -74,7 +63,8 @@ bool TVNC_ThumbnailConverter::decode_base64(QByteArray& base64, QString& path)
         TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.");
         return false;
     }
-    file.device().write(bytes);
+    // A text without a letter of base64 gives an empty file.
+    file.device().write(QByteArray::fromBase64(base64));
     if (!file.commit()) {
         TVNG_DebugPrint(2, "[TVNC_ThumbnailConverter] Couldn't replace thumbnail.");
         return false;
@@ -90,7 +80,7 @@ void TVNC_ThumbnailConverter::setThumbnail(QString& base64Text, QString& src, TV
     }
     QXmlStreamAttributes attributes;
     attributes.append(names().src, src);
-    char c_textType = CDATA_SECTION;
+    char c_textType = TVNG_CDATA_SECTION;
     TVNC_XMLSetting::addXMLChild(pc_root, names().image, base64Text, c_textType, attributes, 0);
 }
 
@@ -104,33 +94,33 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
     QString xmlPath = TVNG_fromCString(pc_xmlPath);
 
     QString noText;
-    char c_textType = CHARACTER_DATA;
-    QXmlStreamAttributes docInfo;
-    docInfo.append(names().docInfo, names().version);
+    char c_textType = TVNG_CHARACTER_DATA;
+    QXmlStreamAttributes docInfo = TVNG_docInfo();
     TVNC_XMLNode* pc_root =
         TVNC_XMLSetting::addXMLChild(nullptr, names().root, noText, c_textType, docInfo, 1);
     if (!pc_root)
         return;
-    if (pc_XMLRootNode)
-        pc_XMLRootNode->deleteLater();
-    pc_XMLRootNode = pc_root;
+    TVNG_release(pc_root_);
+    pc_root_ = pc_root;
 
-    QStringList filter(names().png);
-    const QStringList files = getFileList(
-        pngDir, filter, QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot, QDir::Name | QDir::Reversed);
-    for (int i = 0; i < files.size(); ++i) {
-        QString name = files.at(i);
-        QString path = pngDir + name;
-        QByteArray base64;
-        encode_base64(path, base64);
-        const QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
-        const int si_before = static_cast<int>(images.size());
-        setThumbnail(noText, name, pc_root);
-        if (images.size() > si_before && !base64.isEmpty())
-            TVNC_NodeAccess::setPackedText(*images.last(), base64.constData(),
-                                           static_cast<int>(base64.size()));
-    }
-    TVNC_XMLSetting::save(xmlPath);
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        QStringList filter(names().png);
+        const QStringList files =
+            getFileList(pngDir, filter, QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot,
+                        QDir::Name | QDir::Reversed);
+        for (int i = 0; i < files.size(); ++i) {
+            QString name = files.at(i);
+            QString path = pngDir + name;
+            QByteArray base64;
+            encode_base64(path, base64);
+            QString text = QString::fromLatin1(base64.constData(), static_cast<int>(base64.size()));
+            setThumbnail(text, name, pc_root);
+        }
+    });
+    if (b_complete)
+        TVNC_XMLSetting::save(xmlPath);
+    else
+        TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter::convertThumbnailPngToXML] Fail");
     TVNC_XMLSetting::deleteAllXMLNode();
 }
 
@@ -147,21 +137,26 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
     if (!pc_root)
         return;
     const QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
+    QString saveError; // the first one tells of the whole pack
     for (int i = 0; i < images.size(); ++i) {
         TVNC_XMLNode* pc_image = images.at(i);
         if (!pc_image) {
             TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] XMLNode is Null.");
             break;
         }
-        if (pc_image->getName() != names().image || pc_image->getTextType() != CDATA_SECTION)
+        if (pc_image->getName() != names().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
-        // A picture's text is packed, unless it is very small or something else.
-        QByteArray base64 = TVNC_NodeAccess::packedText(*pc_image);
-        if (base64.isNull())
-            base64 = pc_image->getText().toUtf8();
-        QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();
-        decode_base64(base64, path);
+        const bool b_decoded = TVNG_hasMemoryFor([&] {
+            QByteArray base64 = pc_image->getText().toUtf8();
+            QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();
+            if (!decode_base64(base64, path) && !base64.isEmpty() && saveError.isEmpty())
+                saveError = TVNG_GetSaveError();
+        });
+        if (!b_decoded)
+            TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Fail");
     }
+    if (!saveError.isEmpty())
+        TVNG_setSaveError(saveError);
     TVNC_XMLSetting::deleteAllXMLNode();
 }
 

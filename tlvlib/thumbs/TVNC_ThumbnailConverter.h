@@ -8,6 +8,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * Packs the PNG files of a directory into one XML document, and unpacks them again:
  *
@@ -20,8 +21,9 @@
  * @endcode
  *
  * Each "image" holds a file's name and, in base64 without line breaks, its bytes. Nothing looks at whether
- * they are a picture. The whole pack is in memory meanwhile: less than three times the bytes of the files,
- * which come back when the thread's event loop runs.
+ * they are a picture. Names lose what a document cannot hold, such as most control characters, and files are
+ * then unpacked under other names than they had. The whole pack is in memory meanwhile: less than three times
+ * the bytes of the files, which come back when the thread's event loop runs.
  *
  * Nothing is kept between two conversions. Paths are joined as they are, so directories end in "/". Failures
  * are log lines, all at level 1 but those of the setting base.
@@ -40,11 +42,12 @@ public:
 
     /**
      * Writes the bytes that a base64 text holds into a file, replacing it. What is no letter of base64 is
-     * skipped. Errors while writing go unnoticed, but in the mode that TVNG_SetSafeSave() switches on.
+     * skipped, so a text without a letter makes an empty file. Errors while writing go unnoticed, but in the
+     * mode that TVNG_SetSafeSave() switches on.
      *
-     * @return false for a text that holds no bytes, logged as "[TVNC_ThumbnailConverter] thumbnail is
-     * empty.", for a file that cannot be opened, logged as "[TVNC_ThumbnailConverter] Couldn't open
-     * thumbnail for writing.", and for one that could not be replaced whole, logged at level 2 as
+     * @return false, with the file as it was, for an empty text, logged as "[TVNC_ThumbnailConverter]
+     * thumbnail is empty.", for a file that cannot be opened, logged as "[TVNC_ThumbnailConverter] Couldn't
+     * open thumbnail for writing.", and for one that could not be replaced whole, logged at level 2 as
      * "[TVNC_ThumbnailConverter] Couldn't replace thumbnail."
      */
     bool decode_base64(QByteArray& base64, QString& path);
@@ -61,9 +64,9 @@ public:
 
     /**
      * Packs the files of a directory whose names end in ".png", in small or capital letters, the last name
-     * first. Directories and symbolic links are left out. A file that cannot be read becomes an empty
-     * "image". A null argument is logged as "[TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid
-     * Parameter.".
+     * first. Hidden files, directories and symbolic links are left out. A file that cannot be read, or has no
+     * bytes, becomes an empty "image", which is not unpacked again. A null argument is logged as
+     * "[TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid Parameter.".
      *
      * @param pc_pngDir  the directory, in ASCII and with "/" at its end
      * @param pc_xmlPath the pack's full path, in ASCII
@@ -73,7 +76,7 @@ public:
     /**
      * Unpacks a document, whatever its root. Only an "image" whose text is a CDATA section is unpacked; one
      * that fails does not stop the others. "src" is joined to the directory as it is and may name a file
-     * elsewhere: look at packs of doubtful origin first.
+     * elsewhere: look at packs of doubtful origin first, as docs/integration.md tells.
      *
      * A null argument is logged as "[TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Invalid Parameter.".
      * A null child of the root ends the unpacking and is logged as "[TVNC_ThumbnailConverter] XMLNode is
@@ -92,5 +95,6 @@ private:
     TVNC_ThumbnailConverter();
     ~TVNC_ThumbnailConverter();
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

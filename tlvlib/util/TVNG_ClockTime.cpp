@@ -1,19 +1,8 @@
 #include "tlvlib/util/TVNG_ClockTime.h"
 
-namespace {
+#include "tlvlib/util/TVNG_digits.h"
 
-/// The number in a run of decimal digits; -1 when another character stands among them.
-int digitsAt(const QString& text, int si_from, int si_count)
-{
-    int si_number = 0;
-    for (int i = si_from; i < si_from + si_count; ++i) {
-        const int si_digit = text.at(i).unicode() - '0';
-        if (si_digit < 0 || si_digit > 9)
-            return -1;
-        si_number = si_number * 10 + si_digit;
-    }
-    return si_number;
-}
+namespace {
 
 /// Whether a text has the length of a format, and its separators.
 bool hasForm(const QString& text, const QString& format)
@@ -44,10 +33,11 @@ bool TVNG_clockParts(const QString& text, const QString& format, QDate& date, QT
     // Years outside the range that every Qt reads have what meaning Qt gives them.
     if (!hasForm(text, format))
         return false;
-    const int si_year = digitsAt(text, 0, 4);
-    date = QDate(si_year, digitsAt(text, 5, 2), digitsAt(text, 8, 2));
-    const int si_second = text.size() > 16 ? digitsAt(text, 17, 2) : 0;
-    time = QTime(digitsAt(text, 11, 2), digitsAt(text, 14, 2), si_second);
+    const QChar* const pc_text = text.constData();
+    const int si_year = TVNG_digits(pc_text, 4);
+    date = QDate(si_year, TVNG_digits(pc_text + 5, 2), TVNG_digits(pc_text + 8, 2));
+    const int si_second = text.size() > 16 ? TVNG_digits(pc_text + 17, 2) : 0;
+    time = QTime(TVNG_digits(pc_text + 11, 2), TVNG_digits(pc_text + 14, 2), si_second);
     return si_year >= 1000 && si_year <= 7999 && date.isValid() && time.isValid();
 }
 

@@ -5,21 +5,24 @@
 #include <QtCore/QString>
 
 /**
- * Whether a text is at most @a si_maxBytes long in UTF-8, the measure of every limit on texts.
- * Internal to the library; not installed.
+ * Whether a text is at most @a si_maxBytes long in UTF-8 as toUtf8() of this Qt makes it, the measure of
+ * every limit on texts. Internal to the library; not installed.
  */
 inline bool TVNG_fitsUtf8(const QString& text, int si_maxBytes)
 {
-    // No UTF-16 unit takes more than three bytes, and none less than one, so that most texts need not be
-    // counted.
+    // A UTF-16 unit takes at most three bytes, so most texts need not be counted.
     if (text.size() <= si_maxBytes / 3)
         return true;
-    if (text.size() > si_maxBytes)
+    // The device's Qt writes one byte for a pair of surrogates that is a noncharacter. No two units take
+    // less.
+    if (text.size() / 2 > si_maxBytes)
         return false;
     int si_bytes = 0;
     for (int i = 0; i < text.size(); ++i) {
         const ushort us_unit = text.at(i).unicode();
-        if (us_unit >= 0xD800 && us_unit <= 0xDFFF) // what halves of pairs become is Qt's to say
+        // Among these are surrogates and noncharacters. How many bytes they take depends on the version of
+        // Qt.
+        if (us_unit >= 0xD800)
             return text.toUtf8().size() <= si_maxBytes;
         si_bytes += us_unit < 0x80 ? 1 : us_unit < 0x800 ? 2 : 3;
     }

@@ -9,4 +9,13 @@
  */
 #define TLVLIB_EXPORT __attribute__((visibility("default")))
 
+/**
+ * Stand around a class of the public interface that has virtual operations and no virtual destructor. It
+ * cannot get one, since that would move the operations behind it; a program that turns the warning on is
+ * spared it here.
+ */
+#define TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN                                                                   \
+    _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wnon-virtual-dtor\"")
+#define TLVLIB_NO_VIRTUAL_DESTRUCTOR_END _Pragma("GCC diagnostic pop")
+
 #endif

@@ -1,53 +1,93 @@
 #include "tlvlib/xml/TVNC_CanonicalReader.h"
 
-#include "tlvlib/xml/TVNC_MarkupGuard.h"
+#include "tlvlib/format/TVNC_XMLCharacters.h"
+#include "tlvlib/format/TVNG_documentForm.h"
+#include "tlvlib/xml/TVNC_NamePool.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
-#include "tlvlib/xml/TVNG_canonicalForm.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
 
-#include <QtCore/QString>
-
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 namespace {
 
 const char DECLARATION[] = TVNG_XML_DECLARATION "\n";
-const size_t DECLARATION_SIZE = sizeof DECLARATION - 1;
+const char CDATA_START[] = TVNG_CDATA_START;
+const char CDATA_END[] = TVNG_CDATA_END;
+
+/// The length of a literal.
+template <size_t SIZE>
+int sizeOf(const char (&)[SIZE])
+{
+    return static_cast<int>(SIZE) - 1;
+}
 
 /// Bytes that are read at a time; more for a text that is longer.
 const int PIECE_SIZE = 64 * 1024;
 
-/// CDATA sections from this size on are kept packed.
-const int PACKED_SIZE = 1024;
+/// Tokens larger than this are left to the general reader.
+const int TOKEN_MAX = 512 * 1024 * 1024;
 
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
-
-bool isBlank(char c_byte)
+/// Where a byte may stand without a second look. None of them is zero, which stands behind the last byte of
+/// the buffer, so that a scan for bytes of a kind needs no other end.
+class ByteKinds
 {
-    return c_byte == ' ' || c_byte == '\n' || c_byte == '\t';
-}
+public:
+    enum Kind {
+        BLANK = 1,       ///< but for the carriage return, which a parser turns into a line feed
+        IN_TEXT = 2,     ///< ASCII, and not '<', '&' or '>'
+        IN_CDATA = 4,    ///< ASCII, and not ']'
+        IN_VALUE = 8,    ///< ASCII, no line break and no tab, and not '"', '<' or '&'
+        NAME_START = 16, ///< of a name
+        IN_NAME = 32,
+    };
+
+    ByteKinds()
+    {
+        for (int i = 0; i < 256; ++i) {
+            const unsigned int ui_byte = static_cast<unsigned int>(i);
+            const bool b_blank = TVNG_isBlank(ui_byte) && i != '\r';
+            const bool b_printable = i >= 0x20 && i < 0x80;
+            const bool b_markup = i == '<' || i == '&';
+            const bool b_inText = (b_printable || b_blank) && !b_markup && i != '>';
+            const bool b_inCdata = (b_printable || b_blank) && i != ']';
+            const bool b_inValue = b_printable && !b_markup && i != '"';
+            kinds_[i] = static_cast<uchar>((b_blank ? BLANK : 0) | (b_inText ? IN_TEXT : 0) |
+                                           (b_inCdata ? IN_CDATA : 0) | (b_inValue ? IN_VALUE : 0) |
+                                           (TVNG_isNameStart(ui_byte) ? NAME_START : 0) |
+                                           (TVNG_isNameCharacter(ui_byte) ? IN_NAME : 0));
+        }
+    }
+
+    bool is(char c_byte, Kind kind) const { return (kinds_[static_cast<uchar>(c_byte)] & kind) != 0; }
+
+    const char* skip(const char* pc_bytes, Kind kind) const
+    {
+        while (is(*pc_bytes, kind))
+            ++pc_bytes;
+        return pc_bytes;
+    }
+
+private:
+    uchar kinds_[256];
+};
 
 /// Some of the document's bytes.
 struct Span
 {
-    Span() : pc_begin(nullptr), pc_end(nullptr) {}
-    Span(const char* pc_from, const char* pc_to) : pc_begin(pc_from), pc_end(pc_to) {}
-
     int size() const { return static_cast<int>(pc_end - pc_begin); }
-    bool equals(const QString& text) const
+
+    /// By length first: an order for finding what is there twice, and for nothing else.
+    bool operator<(const Span& other) const
     {
-        if (text.size() != size())
-            return false;
-        const QChar* const pc_text = text.constData();
-        for (int i = 0; i < size(); ++i) {
-            if (pc_text[i].unicode() != static_cast<uchar>(pc_begin[i]))
-                return false;
-        }
-        return true;
+        if (size() != other.size())
+            return size() < other.size();
+        return std::memcmp(pc_begin, other.pc_begin, static_cast<size_t>(size())) < 0;
     }
+    bool operator==(const Span& other) const { return !(*this < other) && !(other < *this); }
 
     const char* pc_begin;
     const char* pc_end;
@@ -63,432 +103,380 @@ QString textOf(const Span& bytes, bool b_ascii)
     return text;
 }
 
-/// How many bytes from the front are ASCII that needs no second look: no markup, no control characters.
-size_t plainRun(const char* pc_bytes, size_t size)
+/// Replaces the named entities in checked bytes. Returns false when there are others.
+bool resolve(const Span& bytes, QByteArray& resolved)
 {
-    size_t i = 0;
-    while (i < size) {
-        const uchar uc_byte = static_cast<uchar>(pc_bytes[i]);
-        if (uc_byte < 0x20 || uc_byte >= 0x80 || uc_byte == '<' || uc_byte == '&' || uc_byte == '>')
-            break;
-        ++i;
-    }
-    return i;
-}
-
-/// The same inside a CDATA section, up to a bracket.
-size_t plainCdataRun(const char* pc_bytes, size_t size)
-{
-    size_t i = 0;
-    while (i < size) {
-        const uchar uc_byte = static_cast<uchar>(pc_bytes[i]);
-        if (uc_byte < 0x20 || uc_byte >= 0x80 || uc_byte == ']')
-            break;
-        ++i;
-    }
-    return i;
-}
-
-/// Gives every "pageInfo" and "title" of a document the same shared string. Of two names that fall into the
-/// same slot only the later one is remembered.
-class NamePool
-{
-public:
-    QString& shared(const Span& name)
+    static const struct
     {
-        QString& slot =
-            slots_[(static_cast<unsigned int>(name.size()) * 7u + static_cast<uchar>(*name.pc_begin) * 31u +
-                    static_cast<uchar>(name.pc_end[-1])) %
-                   SLOTS];
-        if (!name.equals(slot))
-            slot = QString::fromLatin1(name.pc_begin, name.size());
-        return slot;
-    }
+        const char* pc_name;
+        char c_meaning;
+    } ENTITIES[] = {{"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
 
-private:
-    static const unsigned int SLOTS = 32;
-    QString slots_[SLOTS];
-};
+    resolved.reserve(bytes.size());
+    const char* pc_from = bytes.pc_begin;
+    while (const void* const pc_found =
+               std::memchr(pc_from, '&', static_cast<size_t>(bytes.pc_end - pc_from))) {
+        const char* const pc_entity = static_cast<const char*>(pc_found);
+        resolved.append(pc_from, static_cast<int>(pc_entity - pc_from));
+        pc_from = pc_entity;
+        for (size_t i = 0; i < sizeof ENTITIES / sizeof ENTITIES[0] && pc_from == pc_entity; ++i) {
+            // Behind the bytes there is a '<', so that no name is found beyond their end.
+            const size_t length = std::strlen(ENTITIES[i].pc_name);
+            if (std::strncmp(pc_entity, ENTITIES[i].pc_name, length) != 0)
+                continue;
+            resolved.append(ENTITIES[i].c_meaning);
+            pc_from += length;
+        }
+        if (pc_from == pc_entity)
+            return false;
+    }
+    resolved.append(pc_from, static_cast<int>(bytes.pc_end - pc_from));
+    return true;
+}
+
+/// The number of three digits that a record's value is; -1 for anything else.
+int recordNumber(const Span& value)
+{
+    if (value.size() != 3)
+        return -1;
+    int si_number = 0;
+    for (int i = 0; i < 3; ++i) {
+        const int si_digit = value.pc_begin[i] - '0';
+        if (si_digit < 0 || si_digit > 9)
+            return -1;
+        si_number = si_number * 10 + si_digit;
+    }
+    return si_number < TVNC_RecordNumbers::LIMIT ? si_number : -1;
+}
 
 /**
- * One pass over the bytes. Every function returns false at the first thing that is not of the form, and when
- * the bytes read so far are not enough to tell. In that case b_short_ is set, nothing has been done, and the
- * function is called again with more bytes, from the same place.
+ * One pass over the bytes, token by token.
+ *
+ * The buffer holds the bytes from the current token on, as many as were read so far, and a zero behind them.
+ * A function for a token, or for a part of one, moves pc_pos_ over it and answers how that went. Until it is
+ * DONE it leaves the tree alone, so that a token of which only a part was in the buffer is begun again when
+ * there are more bytes.
  */
 class Parser
 {
 public:
-    explicit Parser(QIODevice& device) : device_(device), numbers_(TVNC_RecordNumbers::usualName())
+    explicit Parser(QIODevice& device) : device_(device), pc_node_(nullptr)
     {
-        buffer_.resize(PIECE_SIZE);
-        pc_pos = buffer_.data();
-        pc_end = pc_pos;
-        readMore(pc_pos);
+        buffer_.resize(PIECE_SIZE + 1);
+        pc_pos_ = buffer_.constData();
+        pc_end_ = pc_pos_;
+        readMore(pc_pos_);
     }
 
-    /// Null when the document is not of the form, or memory ran out.
+    /// Null when the document is of another form, or there is no memory for a node.
     TVNC_XMLNode* parse()
     {
-        if (size() < DECLARATION_SIZE || std::memcmp(pc_pos, DECLARATION, DECLARATION_SIZE) != 0)
+        if (pc_end_ - pc_pos_ < sizeOf(DECLARATION) ||
+            std::memcmp(pc_pos_, DECLARATION, sizeof DECLARATION - 1) != 0)
             return nullptr;
-        pc_pos += DECLARATION_SIZE;
-        skipBlanks();
-        std::unique_ptr<TVNC_XMLNode> root;
-        TVNC_XMLNode* pc_node = nullptr; // the element that is open
+        pc_pos_ = kinds_.skip(pc_pos_ + sizeOf(DECLARATION), ByteKinds::BLANK);
         do {
-            const char* const pc_token = pc_pos;
-            b_short_ = false;
-            if (token(root, pc_node))
-                continue;
-            if (!b_short_ || !readMore(pc_token))
+            const char* const pc_token = pc_pos_;
+            const Step step = token();
+            if (step == OTHER_FORM || (step == MORE_BYTES && !readMore(pc_token)))
                 return nullptr;
-        } while (!root || pc_node);
-        skipBlanks();
-        while (pc_pos == pc_end && readMore(pc_pos))
-            skipBlanks();
-        return pc_pos == pc_end ? root.release() : nullptr;
+        } while (!root_ || pc_node_);
+        do {
+            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::BLANK);
+        } while (pc_pos_ == pc_end_ && readMore(pc_pos_));
+        return pc_pos_ == pc_end_ ? root_.release() : nullptr;
     }
 
 private:
-    size_t size() const { return static_cast<size_t>(pc_end - pc_pos); }
+    enum Step {
+        DONE,
+        MORE_BYTES, ///< the bytes in the buffer do not tell
+        OTHER_FORM, ///< the document is not for this reader
+    };
 
-    /// Goes back to a place and reads on behind what is there. False at the end of the device.
+    /// Goes back to a place and reads on behind what is there. False at the end of the device, and when the
+    /// token is too large.
     bool readMore(const char* pc_from)
     {
-        const int si_kept = static_cast<int>(pc_end - pc_from);
+        const int si_kept = static_cast<int>(pc_end_ - pc_from);
         const int si_from = static_cast<int>(pc_from - buffer_.constData());
-        if (si_kept == buffer_.size())
+        if (si_kept > TOKEN_MAX)
+            return false;
+        if (si_kept + 1 == buffer_.size()) // a token that fills it
             buffer_.resize(2 * si_kept);
         char* const pc_buffer = buffer_.data();
         std::memmove(pc_buffer, pc_buffer + si_from, static_cast<size_t>(si_kept));
-        const qint64 count = device_.read(pc_buffer + si_kept, buffer_.size() - si_kept);
-        pc_pos = pc_buffer;
-        pc_end = pc_buffer + si_kept + qMax(count, static_cast<qint64>(0));
+        const qint64 count = device_.read(pc_buffer + si_kept, buffer_.size() - 1 - si_kept);
+        pc_pos_ = pc_buffer;
+        pc_end_ = pc_buffer + si_kept + qMax(count, static_cast<qint64>(0));
+        pc_buffer[pc_end_ - pc_buffer] = 0;
         return count > 0;
     }
 
-    bool isShort()
-    {
-        b_short_ = true;
-        return false;
-    }
+    /// What a byte that is not the expected one means.
+    Step unexpected() const { return pc_pos_ == pc_end_ ? MORE_BYTES : OTHER_FORM; }
 
     /// A tag, or a text between two tags.
-    bool token(std::unique_ptr<TVNC_XMLNode>& root, TVNC_XMLNode*& pc_node)
+    Step token()
     {
-        if (size() < 2)
-            return isShort();
-        if (!root) {
-            root.reset(startTag(nullptr));
-            pc_node = b_tagEnded_ ? nullptr : root.get();
-            return root != nullptr;
+        if (!root_)
+            return startTag();
+        if (*pc_pos_ != '<')
+            return characterData();
+        switch (pc_pos_[1]) {
+        case '/':
+            return endTag();
+        case '!':
+            return cdataSection();
+        default:
+            return startTag();
         }
-        if (*pc_pos != '<')
-            return characterData(*pc_node);
-        if (pc_pos[1] == '!')
-            return cdataSection(*pc_node);
-        if (pc_pos[1] == '/') {
-            if (!endTag(*pc_node))
-                return false;
-            pc_node = pc_node->getXMLNodeParent();
-            return true;
-        }
-        TVNC_XMLNode* const pc_child = startTag(pc_node);
-        if (pc_child && !b_tagEnded_)
-            pc_node = pc_child;
-        return pc_child != nullptr;
     }
 
-    void skipBlanks()
+    Step skip(char c_byte)
     {
-        while (pc_pos != pc_end && isBlank(*pc_pos))
-            ++pc_pos;
+        if (*pc_pos_ != c_byte)
+            return unexpected();
+        ++pc_pos_;
+        return DONE;
     }
 
-    bool skip(char c_byte)
+    Step name(Span& name)
     {
-        if (pc_pos == pc_end)
-            return isShort();
-        if (*pc_pos != c_byte)
+        if (!kinds_.is(*pc_pos_, ByteKinds::NAME_START))
+            return unexpected();
+        name.pc_begin = pc_pos_;
+        pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_NAME);
+        name.pc_end = pc_pos_;
+        return pc_pos_ == pc_end_ ? MORE_BYTES : DONE;
+    }
+
+    Step startTag()
+    {
+        Span element = {pc_pos_, pc_pos_};
+        Step step = skip('<');
+        if (step == DONE)
+            step = name(element);
+        names_.clear();
+        values_.clear();
+        while (step == DONE && *pc_pos_ == ' ')
+            step = attribute();
+        if (step != DONE)
+            return step;
+        const bool b_empty = *pc_pos_ == '/';
+        if (b_empty)
+            ++pc_pos_;
+        step = skip('>');
+        if (step != DONE)
+            return step;
+        return isAttributeTwice() ? OTHER_FORM : addNode(element, b_empty);
+    }
+
+    Step attribute()
+    {
+        ++pc_pos_;
+        Span attribute = {pc_pos_, pc_pos_};
+        Span value = attribute;
+        Step step = name(attribute);
+        if (step == DONE)
+            step = skip('=');
+        if (step == DONE)
+            step = skip('"');
+        if (step == DONE)
+            step = attributeValue(value);
+        if (step != DONE)
+            return step;
+        // Namespaces are the general reader's.
+        if (attribute.size() >= 3 && std::memcmp(attribute.pc_begin, "xml", 3) == 0)
+            return OTHER_FORM;
+        names_.push_back(attribute);
+        values_.push_back(value);
+        return DONE;
+    }
+
+    Step attributeValue(Span& value)
+    {
+        value.pc_begin = pc_pos_;
+        for (;;) {
+            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_VALUE);
+            if (*pc_pos_ == '"')
+                break;
+            const Step step = multibyte();
+            if (step != DONE)
+                return step;
+        }
+        value.pc_end = pc_pos_++;
+        return DONE;
+    }
+
+    /// By sorting, so that no number of attributes takes long.
+    bool isAttributeTwice()
+    {
+        if (names_.size() < 2)
             return false;
-        ++pc_pos;
-        return true;
+        sortedNames_ = names_;
+        std::sort(sortedNames_.begin(), sortedNames_.end());
+        return std::adjacent_find(sortedNames_.begin(), sortedNames_.end()) != sortedNames_.end();
     }
 
-    bool name(Span& name)
+    /// Makes the node of a start tag.
+    Step addNode(const Span& element, bool b_empty)
     {
-        if (pc_pos == pc_end)
-            return isShort();
-        if (!TVNG_isNameStart(static_cast<uchar>(*pc_pos)))
-            return false;
-        name.pc_begin = pc_pos;
-        while (pc_pos != pc_end && TVNG_isNameCharacter(static_cast<uchar>(*pc_pos)))
-            ++pc_pos;
-        name.pc_end = pc_pos;
-        return true;
-    }
-
-    /// Null for a tag of another form, and when memory ran out. b_tagEnded_ tells whether the element is
-    /// empty.
-    TVNC_XMLNode* startTag(TVNC_XMLNode* pc_parent)
-    {
-        // The whole tag, so that no node is made for nothing.
-        if (!std::memchr(pc_pos, '>', size())) {
-            isShort();
-            return nullptr;
-        }
-        Span element;
-        if (!skip('<') || !name(element))
-            return nullptr;
-        TVNC_XMLNode* const pc_node = TVNG_newXMLNode(pc_parent, 0);
+        TVNC_XMLNode* const pc_node = TVNG_newXMLNode(pc_node_, 0);
         if (!pc_node)
-            return nullptr;
-        TVNC_NodeAccess::name(*pc_node) = names_.shared(element);
-        if (finishStartTag(*pc_node))
-            return pc_node;
-        delete pc_node;
-        return nullptr;
+            return OTHER_FORM;
+        if (!root_)
+            root_.reset(pc_node);
+        TVNC_NodeAccess::name(*pc_node) = pool_.shared(element.pc_begin, element.size());
+        if (!names_.empty())
+            giveAttributes(TVNC_NodeAccess::attributes(*pc_node));
+        if (!b_empty)
+            pc_node_ = pc_node;
+        return DONE;
     }
 
-    bool finishStartTag(TVNC_XMLNode& node)
+    /// A number that is a record's only attribute is a set that all documents share.
+    void giveAttributes(QXmlStreamAttributes& attributes)
     {
-        while (skip(' ')) {
-            Span attribute;
-            Span value;
-            if (!name(attribute) || !skip('=') || !skip('"') || !attributeValue(value))
-                return false;
-            // Namespaces are the general reader's, and so is an attribute that comes twice or is one too
-            // many.
-            if (attribute.size() >= 3 && std::memcmp(attribute.pc_begin, "xml", 3) == 0)
-                return false;
-            QXmlStreamAttributes& attributes = TVNC_NodeAccess::attributes(node);
-            if (attributes.size() == TVNC_MarkupGuard::ATTRIBUTES_MAX)
-                return false;
-            for (int i = 0; i < attributes.size(); ++i) {
-                if (attributes.at(i).qualifiedName() == names_.shared(attribute))
-                    return false;
-            }
-            if (!attributes.isEmpty() || !giveNumber(node, attribute, value))
-                attributes.append(names_.shared(attribute), textOf(value, false));
+        const QString& usualName = TVNC_RecordNumbers::attributeName();
+        const int si_number = names_.size() == 1 ? recordNumber(values_.front()) : -1;
+        if (si_number >= 0 &&
+            TVNC_NamePool::equals(usualName, names_.front().pc_begin, names_.front().size())) {
+            attributes = TVNC_RecordNumbers::attributes(si_number);
+            return;
         }
-        b_tagEnded_ = skip('/');
-        return skip('>');
+        attributes.reserve(static_cast<int>(names_.size()));
+        for (size_t i = 0; i < names_.size(); ++i)
+            attributes.append(pool_.shared(names_[i].pc_begin, names_[i].size()), textOf(values_[i], false));
     }
 
-    /// An attribute that is a record's number, and the only one so far, has a shared set.
-    bool giveNumber(TVNC_XMLNode& node, const Span& attribute, const Span& value)
+    Step endTag()
     {
-        if (value.size() != 3 || !attribute.equals(TVNC_RecordNumbers::usualName()))
-            return false;
-        int si_number = 0;
-        for (int i = 0; i < 3; ++i) {
-            const int si_digit = value.pc_begin[i] - '0';
-            if (si_digit < 0 || si_digit > 9)
-                return false;
-            si_number = si_number * 10 + si_digit;
-        }
-        if (si_number >= TVNC_RecordNumbers::LIMIT)
-            return false;
-        TVNC_NodeAccess::attributes(node) = numbers_.shared(si_number);
-        return true;
-    }
-
-    bool attributeValue(Span& value)
-    {
-        value.pc_begin = pc_pos;
-        while (pc_pos != pc_end) {
-            const uchar uc_byte = static_cast<uchar>(*pc_pos);
-            if (uc_byte == '"') {
-                value.pc_end = pc_pos++;
-                return true;
-            }
-            if (uc_byte < 0x20 || uc_byte == '<' || uc_byte == '&')
-                return false;
-            if (uc_byte < 0x80)
-                ++pc_pos;
-            else if (!multibyte())
-                return false;
-        }
-        return isShort();
-    }
-
-    bool endTag(TVNC_XMLNode& node)
-    {
-        pc_pos += 2;
-        const QString& expected = TVNC_NodeAccess::name(node);
-        if (size() <= static_cast<size_t>(expected.size()))
-            return isShort();
-        if (!Span(pc_pos, pc_pos + expected.size()).equals(expected))
-            return false;
-        pc_pos += expected.size();
-        return skip('>');
+        pc_pos_ += 2;
+        const QString& expected = TVNC_NodeAccess::name(*pc_node_);
+        if (pc_end_ - pc_pos_ <= expected.size())
+            return MORE_BYTES;
+        if (!TVNC_NamePool::equals(expected, pc_pos_, static_cast<int>(expected.size())))
+            return OTHER_FORM;
+        pc_pos_ += expected.size();
+        const Step step = skip('>');
+        if (step == DONE)
+            pc_node_ = pc_node_->getXMLNodeParent();
+        return step;
     }
 
     /// Everything up to the next tag. The first text of an element that is not blank is its text.
-    bool characterData(TVNC_XMLNode& node)
+    Step characterData()
     {
-        const char* const pc_begin = pc_pos;
-        skipBlanks(); // most often that is all: the indentation of the next tag
-        if (pc_pos != pc_end && *pc_pos == '<')
-            return true;
+        Span text = {pc_pos_, pc_pos_};
+        pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::BLANK); // most often that is all: indentation
+        if (*pc_pos_ == '<')
+            return DONE;
         bool b_ascii = true;
         bool b_entities = false;
         for (;;) {
-            pc_pos += plainRun(pc_pos, size());
-            if (pc_pos == pc_end)
-                return isShort();
-            const uchar uc_byte = static_cast<uchar>(*pc_pos);
-            if (uc_byte == '<')
+            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_TEXT);
+            if (*pc_pos_ == '<')
                 break;
-            if (uc_byte >= 0x80) {
-                b_ascii = false;
-                if (!multibyte())
-                    return false;
+            if (*pc_pos_ == '&') { // told from others when all of the text is there
+                b_entities = true;
+                ++pc_pos_;
                 continue;
             }
-            b_entities = b_entities || uc_byte == '&';
-            // "]]>" must not stand in a text, and ">" alone need not.
-            if (uc_byte != '&' && !isBlank(*pc_pos))
-                return false;
-            ++pc_pos;
+            // A '>' too: "]]>" must not stand in a text, and the library writes none.
+            const Step step = multibyte();
+            if (step != DONE)
+                return step;
+            b_ascii = false;
         }
-        QString found;
-        if (b_entities && !resolve(pc_begin, pc_pos, b_ascii, found))
-            return false;
-        if (TVNC_NodeAccess::hasText(node))
-            return true;
-        TVNC_NodeAccess::text(node) = b_entities ? found : textOf(Span(pc_begin, pc_pos), b_ascii);
-        node.setTextType(CHARACTER_DATA);
-        return true;
+        text.pc_end = pc_pos_;
+        QByteArray resolved;
+        if (b_entities) {
+            if (!resolve(text, resolved))
+                return OTHER_FORM;
+            text = Span{resolved.constData(), resolved.constData() + resolved.size()};
+        }
+        giveText(text, b_ascii, TVNG_CHARACTER_DATA);
+        return DONE;
     }
 
-    /// Replaces the named entities.
-    static bool resolve(const char* pc_from, const char* pc_to, bool b_ascii, QString& text)
+    Step cdataSection()
     {
-        QByteArray bytes;
-        bytes.reserve(static_cast<int>(pc_to - pc_from));
-        while (pc_from != pc_to) {
-            const void* const pc_found = std::memchr(pc_from, '&', static_cast<size_t>(pc_to - pc_from));
-            const char* const pc_entity = pc_found ? static_cast<const char*>(pc_found) : pc_to;
-            bytes.append(pc_from, static_cast<int>(pc_entity - pc_from));
-            pc_from = pc_entity;
-            if (pc_from == pc_to)
-                break;
-            static const struct
-            {
-                const char* pc_name;
-                char c_meaning;
-            } ENTITIES[] = {{"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
-            bool b_known = false;
-            for (size_t i = 0; i < sizeof ENTITIES / sizeof ENTITIES[0] && !b_known; ++i) {
-                const size_t length = std::strlen(ENTITIES[i].pc_name);
-                b_known = static_cast<size_t>(pc_to - pc_from) >= length &&
-                          std::memcmp(pc_from, ENTITIES[i].pc_name, length) == 0;
-                if (b_known) {
-                    bytes.append(ENTITIES[i].c_meaning);
-                    pc_from += length;
-                }
-            }
-            if (!b_known)
-                return false;
-        }
-        text = textOf(Span(bytes.constData(), bytes.constData() + bytes.size()), b_ascii);
-        return true;
-    }
-
-    bool cdataSection(TVNC_XMLNode& node)
-    {
-        static const char START[] = "<![CDATA[";
-        const size_t start = sizeof START - 1;
-        if (size() < start)
-            return isShort();
-        if (std::memcmp(pc_pos, START, start) != 0)
-            return false;
-        pc_pos += start;
-        const char* const pc_begin = pc_pos;
+        if (pc_end_ - pc_pos_ < sizeOf(CDATA_START))
+            return MORE_BYTES;
+        if (std::memcmp(pc_pos_, CDATA_START, sizeof CDATA_START - 1) != 0)
+            return OTHER_FORM;
+        pc_pos_ += sizeOf(CDATA_START);
+        Span text = {pc_pos_, pc_pos_};
+        if (kinds_.skip(pc_pos_, ByteKinds::BLANK)[0] == ']')
+            return OTHER_FORM; // perhaps blank, and whether blanks are a text is the general reader's to say
         bool b_ascii = true;
         for (;;) {
-            pc_pos += plainCdataRun(pc_pos, size());
-            if (size() < 3)
-                return isShort();
-            if (static_cast<uchar>(*pc_pos) >= 0x80) {
-                b_ascii = false;
-                if (!multibyte())
-                    return false;
+            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_CDATA);
+            if (*pc_pos_ == ']') {
+                if (pc_end_ - pc_pos_ < sizeOf(CDATA_END))
+                    return MORE_BYTES;
+                if (std::memcmp(pc_pos_, CDATA_END, sizeof CDATA_END - 1) == 0)
+                    break;
+                ++pc_pos_;
                 continue;
             }
-            if (*pc_pos == ']' && pc_pos[1] == ']' && pc_pos[2] == '>')
-                break;
-            if (*pc_pos != ']' && !isBlank(*pc_pos))
-                return false;
-            ++pc_pos;
+            const Step step = multibyte();
+            if (step != DONE)
+                return step;
+            b_ascii = false;
         }
-        const char* pc_first = pc_begin;
-        while (pc_first != pc_pos && isBlank(*pc_first))
-            ++pc_first;
-        if (pc_first == pc_pos)
-            return false; // whether blanks are a text is the general reader's to say
-        const Span section(pc_begin, pc_pos);
-        if (TVNC_NodeAccess::hasText(node)) {
-            // The first one counts.
-        } else if (b_ascii && section.size() >= PACKED_SIZE) {
-            TVNC_NodeAccess::setPackedText(node, section.pc_begin, section.size());
-            node.setTextType(CDATA_SECTION);
-        } else {
-            TVNC_NodeAccess::text(node) = textOf(section, b_ascii);
-            node.setTextType(CDATA_SECTION);
-        }
-        pc_pos += 3;
-        return true;
+        text.pc_end = pc_pos_;
+        pc_pos_ += sizeOf(CDATA_END);
+        giveText(text, b_ascii, TVNG_CDATA_SECTION);
+        return DONE;
     }
 
-    /// Moves over a character of more than one byte.
-    bool multibyte()
+    /// The first text of an element is its text.
+    void giveText(const Span& text, bool b_ascii, char c_textType)
     {
-        const uchar* const b = reinterpret_cast<const uchar*>(pc_pos);
-        const size_t left = size();
-        if (left < 4 && left < (b[0] < 0xE0 ? 2u : b[0] < 0xF0 ? 3u : 4u))
-            return isShort();
-        const auto isTail = [](uchar uc_byte) { return (uc_byte & 0xC0) == 0x80; };
-        if (b[0] >= 0xC2 && b[0] <= 0xDF && isTail(b[1])) {
-            pc_pos += 2;
-            return true;
-        }
-        if (b[0] >= 0xE0 && b[0] <= 0xEF && isTail(b[1]) && isTail(b[2])) {
-            if ((b[0] == 0xE0 && b[1] < 0xA0) || (b[0] == 0xED && b[1] > 0x9F))
-                return false; // too long a form; a surrogate
-            if (b[0] == 0xEF && ((b[1] == 0xBF && b[2] >= 0xBE) || (b[1] == 0xBB && b[2] == 0xBF) ||
-                                 (b[1] == 0xB7 && b[2] >= 0x90 && b[2] <= 0xAF)))
-                return false; // noncharacters; a byte order mark
-            pc_pos += 3;
-            return true;
-        }
-        if (b[0] >= 0xF0 && b[0] <= 0xF4 && isTail(b[1]) && isTail(b[2]) && isTail(b[3])) {
-            if ((b[0] == 0xF0 && b[1] < 0x90) || (b[0] == 0xF4 && b[1] > 0x8F))
-                return false;
-            if ((b[1] & 0x0F) == 0x0F && b[2] == 0xBF && b[3] >= 0xBE)
-                return false; // the last two of a plane
-            pc_pos += 4;
-            return true;
-        }
-        return false;
+        if (!TVNC_NodeAccess::text(*pc_node_).isEmpty())
+            return;
+        TVNC_NodeAccess::text(*pc_node_) = textOf(text, b_ascii);
+        pc_node_->setTextType(c_textType);
+    }
+
+    /// A character of more than one byte. All that Qt might change are of another form: noncharacters, and
+    /// byte order marks, which its decoders may take for the mark of an encoding.
+    Step multibyte()
+    {
+        if (static_cast<uchar>(*pc_pos_) < 0x80)
+            return unexpected();
+        const int si_length =
+            TVNC_XMLCharacters::sequenceLength(pc_pos_, static_cast<int>(pc_end_ - pc_pos_));
+        if (si_length == TVNC_XMLCharacters::CUT_OFF)
+            return MORE_BYTES;
+        if (si_length == TVNC_XMLCharacters::NO_SEQUENCE ||
+            TVNC_XMLCharacters::isNoncharacter(pc_pos_, si_length) ||
+            std::strncmp(pc_pos_, "\xEF\xBB\xBF", 3) == 0)
+            return OTHER_FORM;
+        pc_pos_ += si_length;
+        return DONE;
     }
 
     QIODevice& device_;
     QByteArray buffer_;
-    const char* pc_pos; ///< in the buffer
-    const char* pc_end; ///< behind what was read
-    bool b_short_ = false;
-    bool b_tagEnded_ = false;
-    NamePool names_;
-    TVNC_RecordNumbers numbers_;
+    const char* pc_pos_; ///< in the buffer
+    const char* pc_end_; ///< behind what was read: where the zero is
+    const ByteKinds kinds_;
+    TVNC_NamePool pool_;
+    std::vector<Span> names_; ///< of the attributes of a tag
+    std::vector<Span> values_;
+    std::vector<Span> sortedNames_;
+    std::unique_ptr<TVNC_XMLNode> root_;
+    TVNC_XMLNode* pc_node_; ///< the element that is open; null before the root and behind it
 };
 
 } // namespace
 
 TVNC_XMLNode* TVNC_CanonicalReader::read(QIODevice& device)
 {
-    if (device.isSequential() || device.size() < static_cast<qint64>(DECLARATION_SIZE))
+    if (device.isSequential() || device.size() < sizeOf(DECLARATION))
         return nullptr;
     TVNC_XMLNode* const pc_root = Parser(device).parse();
     if (!pc_root)

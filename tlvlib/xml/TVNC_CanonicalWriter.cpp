@@ -1,27 +1,24 @@
 #include "tlvlib/xml/TVNC_CanonicalWriter.h"
 
+#include "tlvlib/format/TVNC_XMLCharacters.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
-#include "tlvlib/xml/TVNC_XMLCharacters.h"
-#include "tlvlib/xml/TVNG_canonicalForm.h"
-
-#include <QtCore/QVector>
+#include "tlvlib/xml/TVNG_walkTree.h"
 
 #include <cstring>
+#include <memory>
 
 namespace {
-
-/// Levels of elements that TVNC_XMLWriter formats.
-const int MAX_DEPTH = 100;
 
 /// Bytes that are collected before they go to the device.
 const int PIECE_SIZE = 64 * 1024;
 
-const char CHARACTER_DATA = 0;
-const char CDATA_SECTION = 1;
+/// Characters that are copied at a time: the room for them is looked for once.
+const int RUN_SIZE = 1024;
 
 bool isName(const QString& name)
 {
-    if (name.isEmpty() || !TVNG_isNameStart(name.at(0).unicode()))
+    if (name.isEmpty() || name.size() > RUN_SIZE || !TVNG_isNameStart(name.at(0).unicode()))
         return false;
     for (int i = 1; i < name.size(); ++i) {
         if (!TVNG_isNameCharacter(name.at(i).unicode()))
@@ -30,158 +27,178 @@ bool isName(const QString& name)
     return true;
 }
 
-/// Whether bytes of ASCII are written as they are in a CDATA section: neither control characters nor an end.
-bool isPlain(const QByteArray& ascii)
+/// Whether anything is left of a text without what XML cannot hold.
+bool hasWritable(const QString& text)
 {
-    if (std::memchr(ascii.constData(), '>', static_cast<size_t>(ascii.size())))
+    if (text.isEmpty())
         return false;
-    return TVNC_XMLCharacters::plainRun(ascii.constData(), static_cast<int>(ascii.size())) == ascii.size();
+    const ushort us_first = text.at(0).unicode();
+    return (us_first >= 0x20 && us_first < 0x80) || !TVNC_XMLCharacters::writable(text).isEmpty();
 }
 
-/// An element whose children are being gone through.
-struct Open
+/// Looks at a tree before it is written.
+class KindCheck
 {
-    TVNC_XMLNode* pc_node;
-    int si_next; ///< position of the child that comes next
+public:
+    bool enter(TVNC_XMLNode* pc_node, int si_depth)
+    {
+        return pc_node && si_depth <= TVNG_FORMATTED_DEPTH &&
+               isElementName(TVNC_NodeAccess::name(*pc_node)) &&
+               areAttributeNames(TVNC_NodeAccess::attributes(*pc_node));
+    }
+    void leave(TVNC_XMLNode&, int) {}
+
+private:
+    /// The names of a document are few shared strings: one that was found to be good is remembered.
+    bool isElementName(const QString& name)
+    {
+        if (name.constData() == known_.constData())
+            return true;
+        if (!isName(name))
+            return false;
+        known_ = name;
+        return true;
+    }
+
+    static bool areAttributeNames(const QXmlStreamAttributes& attributes)
+    {
+        for (int i = 0; i < attributes.size(); ++i) {
+            const QXmlStreamAttribute& attribute = attributes.at(i);
+            if (!attribute.namespaceUri().isEmpty() || !isName(attribute.qualifiedName().toString()))
+                return false;
+        }
+        return true;
+    }
+
+    QString known_;
 };
 
 /// Bytes on their way to the device.
 class Output
 {
 public:
-    explicit Output(QIODevice& device) : device_(device), b_failed_(false)
+    explicit Output(QIODevice& device)
+        : device_(device), buffer_(new char[PIECE_SIZE]), si_size_(0), b_failed_(false)
     {
-        bytes_.reserve(PIECE_SIZE + 4096);
     }
-    ~Output() { flush(); }
+
+    void bytes(const char* pc_bytes, int si_size)
+    {
+        if (si_size > PIECE_SIZE) {
+            flush();
+            send(pc_bytes, si_size);
+            return;
+        }
+        std::memcpy(room(si_size), pc_bytes, static_cast<size_t>(si_size));
+        si_size_ += si_size;
+    }
 
     template <size_t SIZE>
     void literal(const char (&pc_text)[SIZE])
     {
-        bytes_.append(pc_text, static_cast<int>(SIZE) - 1);
+        bytes(pc_text, static_cast<int>(SIZE) - 1);
     }
 
     void newLine(int si_level)
     {
-        bytes_.append('\n');
+        literal("\n");
         for (int i = 0; i < si_level; ++i)
-            literal("    ");
+            literal(TVNG_INDENTATION);
     }
 
-    /// ASCII alone.
+    /// A name for which isName() holds.
     void name(const QString& text)
     {
-        char* pc_to = room(static_cast<int>(text.size()));
-        for (int i = 0; i < text.size(); ++i)
-            pc_to[i] = static_cast<char>(text.at(i).unicode());
+        const int si_length = static_cast<int>(text.size());
+        char* const pc_to = room(si_length);
+        const QChar* const pc_text = text.constData();
+        for (int i = 0; i < si_length; ++i)
+            pc_to[i] = static_cast<char>(pc_text[i].unicode());
+        si_size_ += si_length;
     }
 
-    /// Text with its markup escaped; in an attribute, line breaks and tabs, too.
+    /// Text with its markup escaped, and without what XML cannot hold; in an attribute, line breaks and tabs
+    /// are escaped, too.
     void escaped(const QString& text, bool b_attribute)
     {
-        const QChar* const pc_text = text.constData();
-        for (int i = 0; i < text.size();) {
-            const int si_plain = plainRun(pc_text + i, static_cast<int>(text.size()) - i);
-            if (si_plain > 0) {
-                i += si_plain;
-                continue;
-            }
-            const ushort us_unit = pc_text[i].unicode();
-            if (us_unit >= 0x80) {
-                i += encodedRun(pc_text + i, static_cast<int>(text.size()) - i);
-                continue;
-            }
-            sign(static_cast<char>(us_unit), b_attribute);
-            ++i;
+        const QChar* pc_text = text.constData();
+        const QChar* const pc_end = pc_text + text.size();
+        while (pc_text != pc_end) {
+            const QChar* const pc_behind = plainRun(pc_text, pc_end);
+            if (pc_behind != pc_text)
+                pc_text = pc_behind; // and perhaps there are more
+            else if (pc_text->unicode() >= 0x80)
+                pc_text = foreignRun(pc_text, pc_end);
+            else
+                sign(static_cast<char>((pc_text++)->unicode()), b_attribute);
         }
-        flushIfFull();
     }
 
-    /// The text as it is, in as many sections as it takes.
+    /// The text, without what XML cannot hold, in as many sections as it takes.
     void cdata(const QString& text)
     {
-        literal("<![CDATA[");
-        const QChar* const pc_text = text.constData();
+        const QByteArray utf8 = TVNC_XMLCharacters::writable(text).toUtf8();
+        literal(TVNG_CDATA_START);
         int si_from = 0;
-        for (int i = 0;; ++i) {
-            i = static_cast<int>(text.indexOf(QLatin1Char('>'), i));
-            if (i < 0)
-                break;
-            if (i < 2 || pc_text[i - 1] != QLatin1Char(']') || pc_text[i - 2] != QLatin1Char(']'))
-                continue;
+        int si_found;
+        while ((si_found = static_cast<int>(utf8.indexOf(TVNG_CDATA_END, si_from))) >= 0) {
             // Between the second bracket and the ">", so that neither section has the end in it.
-            encoded(pc_text + si_from, i - si_from);
-            literal("]]><![CDATA[");
-            si_from = i;
+            bytes(utf8.constData() + si_from, si_found + 2 - si_from);
+            literal(TVNG_CDATA_END TVNG_CDATA_START);
+            si_from = si_found + 2;
         }
-        encoded(pc_text + si_from, static_cast<int>(text.size()) - si_from);
-        literal("]]>");
+        bytes(utf8.constData() + si_from, static_cast<int>(utf8.size()) - si_from);
+        literal(TVNG_CDATA_END);
     }
 
-    /// A section of plain ASCII that has no end of a section in it.
-    void plainCdata(const QByteArray& ascii)
+    void flush()
     {
-        literal("<![CDATA[");
-        bytes(ascii);
-        literal("]]>");
-    }
-
-    void flushIfFull()
-    {
-        if (bytes_.size() >= PIECE_SIZE)
-            flush();
+        send(buffer_.get(), si_size_);
+        si_size_ = 0;
     }
 
 private:
+    /// Room for so many bytes, at most a piece, behind what is there.
     char* room(int si_size)
     {
-        const int si_before = static_cast<int>(bytes_.size());
-        bytes_.resize(si_before + si_size);
-        return bytes_.data() + si_before;
+        if (si_size > PIECE_SIZE - si_size_)
+            flush();
+        return buffer_.get() + si_size_;
     }
 
-    /// Copies characters from the front that stand for themselves. Returns how many.
-    int plainRun(const QChar* pc_text, int si_size)
+    void send(const char* pc_bytes, int si_size)
     {
-        int si_run = 0;
-        while (si_run < si_size && si_run < PIECE_SIZE) {
-            const ushort us_unit = pc_text[si_run].unicode();
+        b_failed_ = b_failed_ || device_.write(pc_bytes, si_size) != si_size;
+    }
+
+    /// Copies characters from the front that stand for themselves, and not too many at a time. Returns what
+    /// is behind them.
+    const QChar* plainRun(const QChar* pc_text, const QChar* pc_end)
+    {
+        const int si_most = pc_end - pc_text < RUN_SIZE ? static_cast<int>(pc_end - pc_text) : RUN_SIZE;
+        char* const pc_to = room(si_most);
+        int i = 0;
+        for (; i < si_most; ++i) {
+            const ushort us_unit = pc_text[i].unicode();
             if (us_unit < 0x20 || us_unit >= 0x80 || us_unit == '<' || us_unit == '>' || us_unit == '&' ||
                 us_unit == '"')
                 break;
-            ++si_run;
+            pc_to[i] = static_cast<char>(us_unit);
         }
-        char* const pc_to = room(si_run);
-        for (int i = 0; i < si_run; ++i)
-            pc_to[i] = static_cast<char>(pc_text[i].unicode());
-        return si_run;
+        si_size_ += i;
+        return pc_text + i;
     }
 
-    /// Encodes characters from the front that are not ASCII. Returns how many units.
-    int encodedRun(const QChar* pc_text, int si_size)
+    /// Encodes characters from the front that are not ASCII, as Qt does. Returns what is behind them.
+    const QChar* foreignRun(const QChar* pc_text, const QChar* pc_end)
     {
-        int si_run = 0;
-        while (si_run < si_size && pc_text[si_run].unicode() >= 0x80)
-            ++si_run;
-        encoded(pc_text, si_run);
-        return si_run;
-    }
-
-    /// Encodes characters as Qt does.
-    void encoded(const QChar* pc_text, int si_size)
-    {
-        bytes(QString::fromRawData(pc_text, si_size).toUtf8());
-    }
-
-    void bytes(const QByteArray& added)
-    {
-        if (added.size() < PIECE_SIZE / 4) {
-            bytes_.append(added);
-            flushIfFull();
-            return;
-        }
-        flush();
-        b_failed_ = b_failed_ || device_.write(added) != added.size();
+        const QChar* pc_stop = pc_text;
+        while (pc_stop != pc_end && pc_stop->unicode() >= 0x80)
+            ++pc_stop;
+        const QString run = QString::fromRawData(pc_text, static_cast<int>(pc_stop - pc_text));
+        const QByteArray utf8 = TVNC_XMLCharacters::writable(run).toUtf8();
+        bytes(utf8.constData(), static_cast<int>(utf8.size()));
+        return pc_stop;
     }
 
     void sign(char c_sign, bool b_attribute)
@@ -209,105 +226,50 @@ private:
             b_attribute ? literal("&#13;") : literal("\r");
             break;
         default:
-            break; // no other control character is writable
+            break; // XML has no other control character
         }
-    }
-
-    void flush()
-    {
-        if (!b_failed_)
-            b_failed_ = device_.write(bytes_) != bytes_.size();
-        bytes_.resize(0);
     }
 
     QIODevice& device_;
-    QByteArray bytes_;
+    std::unique_ptr<char[]> buffer_;
+    int si_size_; ///< of what is in the buffer
     bool b_failed_;
 };
 
-/// Whether the names of an element are of the kind. The names of a document are few: one that was found to be
-/// is remembered.
-bool hasNames(TVNC_XMLNode& node, QString& known)
-{
-    const QString& name = TVNC_NodeAccess::name(node);
-    if (name.constData() != known.constData()) {
-        if (!isName(name))
-            return false;
-        known = name;
-    }
-    const QXmlStreamAttributes& attributes = TVNC_NodeAccess::attributes(node);
-    for (int i = 0; i < attributes.size(); ++i) {
-        const QXmlStreamAttribute& attribute = attributes.at(i);
-        if (!attribute.namespaceUri().isEmpty() || !isName(attribute.qualifiedName().toString()))
-            return false;
-    }
-    return true;
-}
-
-/// Goes through a tree. The rules of formatting: a line of its own for every start tag but that of the first
-/// child of an element with a text, and for the end tag of an element with children.
-class TreeWriter
+/// Writes a document node by node.
+class DocumentWriter
 {
 public:
-    explicit TreeWriter(QIODevice& device) : output_(device) {}
+    explicit DocumentWriter(Output& output) : output_(output), b_textBefore_(false) {}
 
-    void write(TVNC_XMLNode& root)
+    /// Writes an element up to its first child, or all of it when it has none.
+    bool enter(TVNC_XMLNode* pc_node, int si_depth)
     {
-        output_.literal(TVNG_XML_DECLARATION);
-        bool b_textBefore = writeElement(root, false);
-        while (!open_.isEmpty()) {
-            Open& element = open_.last();
-            const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*element.pc_node);
-            if (element.si_next < children.size()) {
-                b_textBefore = writeElement(*children.at(element.si_next++), b_textBefore);
-                continue;
-            }
-            TVNC_XMLNode& node = *element.pc_node;
-            open_.remove(open_.size() - 1);
-            output_.newLine(static_cast<int>(open_.size()));
-            writeEndTag(node);
-        }
-        output_.literal("\n");
+        if (!b_textBefore_)
+            output_.newLine(si_depth - 1);
+        writeStartTag(*pc_node);
+        const bool b_text = writeText(*pc_node);
+        const bool b_leaf = isLeaf(*pc_node);
+        if (b_leaf && b_text)
+            writeEndTag(*pc_node);
+        else if (b_leaf)
+            output_.literal("/>");
+        else if (!b_text)
+            output_.literal(">");
+        b_textBefore_ = b_text && !b_leaf;
+        return true;
+    }
+
+    void leave(TVNC_XMLNode& node, int si_depth)
+    {
+        if (isLeaf(node))
+            return;
+        output_.newLine(si_depth - 1);
+        writeEndTag(node);
     }
 
 private:
-    /// Writes an element up to its first child, or all of it when it has none. Returns whether a text was
-    /// written last.
-    bool writeElement(TVNC_XMLNode& node, bool b_textBefore)
-    {
-        if (!b_textBefore)
-            output_.newLine(static_cast<int>(open_.size()));
-        writeStartTag(node);
-        const char c_type = node.getTextType();
-        const QByteArray packed = TVNC_NodeAccess::packedText(node);
-        if (!packed.isNull() && c_type == CDATA_SECTION && TVNC_NodeAccess::children(node).isEmpty() &&
-            isPlain(packed)) {
-            output_.literal(">");
-            output_.plainCdata(packed);
-            writeEndTag(node);
-            return false;
-        }
-        QString text;
-        if (c_type == CHARACTER_DATA || c_type == CDATA_SECTION)
-            text = TVNC_XMLCharacters::writable(TVNC_NodeAccess::text(node));
-        const bool b_leaf = TVNC_NodeAccess::children(node).isEmpty();
-        if (text.isEmpty() && b_leaf) {
-            output_.literal("/>");
-            return false;
-        }
-        output_.literal(">");
-        if (!text.isEmpty() && c_type == CDATA_SECTION)
-            output_.cdata(text);
-        else
-            output_.escaped(text, false);
-        if (b_leaf) {
-            writeEndTag(node);
-            return false;
-        }
-        const Open element = {&node, 0};
-        open_.append(element);
-        return !text.isEmpty();
-    }
+    static bool isLeaf(TVNC_XMLNode& node) { return TVNC_NodeAccess::children(node).isEmpty(); }
 
     /// Without its last sign.
     void writeStartTag(TVNC_XMLNode& node)
@@ -319,9 +281,26 @@ private:
             output_.literal(" ");
             output_.name(attributes.at(i).qualifiedName().toString());
             output_.literal("=\"");
-            output_.escaped(TVNC_XMLCharacters::writable(attributes.at(i).value().toString()), true);
+            output_.escaped(attributes.at(i).value().toString(), true);
             output_.literal("\"");
         }
+    }
+
+    /// Writes the text with the last sign of the start tag before it. Returns whether there is one.
+    bool writeText(TVNC_XMLNode& node)
+    {
+        const char c_type = node.getTextType();
+        if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
+            return false;
+        const QString& text = TVNC_NodeAccess::text(node);
+        if (!hasWritable(text))
+            return false;
+        output_.literal(">");
+        if (c_type == TVNG_CDATA_SECTION)
+            output_.cdata(text);
+        else
+            output_.escaped(text, false);
+        return true;
     }
 
     void writeEndTag(TVNC_XMLNode& node)
@@ -331,36 +310,24 @@ private:
         output_.literal(">");
     }
 
-    Output output_;
-    QVector<Open> open_;
+    Output& output_;
+    bool b_textBefore_; ///< whether a text of the element around it stands right before what comes next
 };
 
 } // namespace
 
 bool TVNC_CanonicalWriter::takes(TVNC_XMLNode& root)
 {
-    QString knownName;
-    QVector<Open> open;
-    if (!hasNames(root, knownName))
-        return false;
-    const Open top = {&root, 0};
-    open.append(top);
-    while (!open.isEmpty()) {
-        const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*open.last().pc_node);
-        if (open.last().si_next == children.size()) {
-            open.remove(open.size() - 1);
-            continue;
-        }
-        TVNC_XMLNode* const pc_child = children.at(open.last().si_next++);
-        if (!pc_child || open.size() == MAX_DEPTH || !hasNames(*pc_child, knownName))
-            return false;
-        const Open next = {pc_child, 0};
-        open.append(next);
-    }
-    return true;
+    KindCheck check;
+    return TVNG_walkTree(&root, check);
 }
 
 void TVNC_CanonicalWriter::write(QIODevice& device, TVNC_XMLNode& root)
 {
-    TreeWriter(device).write(root);
+    Output output(device);
+    output.literal(TVNG_XML_DECLARATION);
+    DocumentWriter writer(output);
+    TVNG_walkTree(&root, writer);
+    output.literal("\n");
+    output.flush();
 }

@@ -18,7 +18,11 @@ public:
     /// Whether a tree is of this kind.
     static bool takes(TVNC_XMLNode& root);
 
-    /// Writes a tree that it takes. Errors are not reported; nothing follows one.
+    /**
+     * Writes a tree that it takes. Errors of the device are not reported; nothing follows one.
+     *
+     * Throws std::bad_alloc when memory runs out. Part of the document is written then.
+     */
     static void write(QIODevice& device, TVNC_XMLNode& root);
 };
 

@@ -1,125 +1,200 @@
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
+#include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_digits.h"
+#include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 
 #include <QtCore/QMutex>
 
 namespace {
 
-/// "%03d" of a position.
-struct Digits
+struct IdName
 {
-    explicit Digits(int si_position)
-    {
-        for (int i = 2; i >= 0; --i) {
-            digits[i] = QLatin1Char(static_cast<char>('0' + si_position % 10));
-            si_position /= 10;
-        }
-    }
-    QString toString() const { return QString(digits, 3); }
-    QChar digits[3];
+    QString text = QEXC_TextCodec::fromSJIS("id");
 };
 
-/// Whether a set consists of the one attribute @a name with these digits as its value.
-bool isNumbered(const QXmlStreamAttributes& attributes, const QString& name, const Digits& number)
+const int DIGITS = 3;
+
+/// "%03d" of a number.
+QString digitsOf(int si_number)
+{
+    QChar digits[DIGITS];
+    for (int i = DIGITS - 1; i >= 0; --i) {
+        digits[i] = QLatin1Char(static_cast<char>('0' + si_number % 10));
+        si_number /= 10;
+    }
+    return QString(digits, DIGITS);
+}
+
+/// Whether a set consists of a number in three digits, without a prefix.
+bool consistsOf(const QXmlStreamAttributes& attributes, int si_number, const QString& attributeName)
 {
     if (attributes.size() != 1)
         return false;
     const QXmlStreamAttribute& attribute = attributes.at(0);
-    if (!attribute.namespaceUri().isEmpty() || !(attribute.qualifiedName() == name))
-        return false;
     const auto value = attribute.value();
-    return value.size() == 3 && value.at(0) == number.digits[0] && value.at(1) == number.digits[1] &&
-           value.at(2) == number.digits[2];
+    return value.size() == DIGITS && TVNG_digits(value.data(), DIGITS) == si_number &&
+           attribute.namespaceUri().isEmpty() && attribute.qualifiedName() == attributeName;
+}
+
+/**
+ * The 999 sets that consist of a number under the usual name, each made when it is first needed. The lock is
+ * held for moments, never while anything is read, written or logged.
+ */
+struct SharedSets
+{
+    QMutex mutex;
+    QXmlStreamAttributes sets[TVNC_RecordNumbers::LIMIT];
+
+    const QXmlStreamAttributes& at(int si_number)
+    {
+        QXmlStreamAttributes& set = sets[si_number];
+        if (set.isEmpty())
+            set.append(TVNC_RecordNumbers::attributeName(), digitsOf(si_number));
+        return set;
+    }
+
+    void give(TVNC_XMLNode& record, int si_number)
+    {
+        QXmlStreamAttributes& own = TVNC_NodeAccess::attributes(record);
+        const bool b_shared = !own.isEmpty() && own.constData() == sets[si_number].constData();
+        if (!b_shared && !consistsOf(own, si_number, TVNC_RecordNumbers::attributeName()))
+            own = at(si_number);
+    }
+};
+
+/// Numbers under any other name, without sharing.
+void giveUnder(const QString& name, TVNC_XMLNode& record, int si_number)
+{
+    if (consistsOf(TVNC_NodeAccess::attributes(record), si_number, name))
+        return;
+    QXmlStreamAttributes set;
+    set.append(name, digitsOf(si_number));
+    TVNC_NodeAccess::attributes(record) = set;
+}
+
+/// Reads the number of a record. Returns false for one without a number, and for null.
+bool read(TVNC_XMLNode* pc_record, const QString& attributeName, int& si_number)
+{
+    if (!pc_record)
+        return false;
+    const auto value = TVNC_NodeAccess::attributes(*pc_record).value(attributeName);
+    const int si_size = static_cast<int>(value.size());
+    if (si_size == 0)
+        return false;
+    if (si_size <= 9) { // no overflow
+        si_number = TVNG_digits(value.data(), si_size);
+        if (si_number >= 0)
+            return true;
+    }
+    bool b_ok = false;
+    si_number = TVNG_copyOf(value).toInt(&b_ok, 10);
+    return b_ok;
+}
+
+bool isMarked(TVNC_XMLNode& parent, const QString& attributeName)
+{
+    return (TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::NUMBERED) &&
+           attributeName == TVNC_RecordNumbers::attributeName();
 }
 
 } // namespace
 
 const int TVNC_RecordNumbers::LIMIT; // for those that take a reference to it
 
-struct TVNC_RecordNumbers::SharedSets
+QString& TVNC_RecordNumbers::attributeName()
 {
-    QMutex mutex;
-    /// The attribute name that the sets below were made with. Documents use one name, so one set each is
-    /// kept.
-    QString attributeName;
-    /// Empty until first needed.
-    QXmlStreamAttributes sets[LIMIT];
-};
-
-TVNC_RecordNumbers::SharedSets& TVNC_RecordNumbers::sharedSets()
-{
-    // Never destroyed: a store may still be numbered by another static object's destructor.
-    static SharedSets* const pc_sets = new SharedSets;
-    return *pc_sets;
+    return TVNG_immortal<IdName>().text;
 }
 
-TVNC_RecordNumbers::TVNC_RecordNumbers(const QString& attributeName) : sets(sharedSets())
+QXmlStreamAttributes TVNC_RecordNumbers::attributes(int si_number)
 {
-    sets.mutex.lock();
-    if (sets.attributeName != attributeName) {
-        sets.attributeName = attributeName;
-        for (int i = 0; i < LIMIT; ++i)
-            sets.sets[i] = QXmlStreamAttributes();
-    }
+    SharedSets& shared = TVNG_immortal<SharedSets>();
+    QMutexLocker lock(&shared.mutex);
+    return shared.at(si_number);
 }
 
-TVNC_RecordNumbers::~TVNC_RecordNumbers()
+void TVNC_RecordNumbers::give(TVNC_XMLNode& record, int si_number)
 {
-    sets.mutex.unlock();
+    SharedSets& shared = TVNG_immortal<SharedSets>();
+    QMutexLocker lock(&shared.mutex);
+    shared.give(record, si_number);
 }
 
-QString& TVNC_RecordNumbers::usualName()
+void TVNC_RecordNumbers::number(TVNC_XMLNode& parent, const QString& name)
 {
-    // Never destroyed, so that it outlives the stores.
-    static QString* const pc_name = new QString(QEXC_TextCodec::fromSJIS("id"));
-    return *pc_name;
-}
-
-void TVNC_RecordNumbers::give(TVNC_XMLNode& record, int si_position)
-{
-    QXmlStreamAttributes& set = sets.sets[si_position];
-    QXmlStreamAttributes& own = TVNC_NodeAccess::attributes(record);
-    if (!set.isEmpty() && own.constData() == set.constData())
-        return;
-    if (set.isEmpty() && isNumbered(own, sets.attributeName, Digits(si_position)))
-        set = own;
-    else
-        own = shared(si_position);
-}
-
-const QXmlStreamAttributes& TVNC_RecordNumbers::shared(int si_position)
-{
-    QXmlStreamAttributes& set = sets.sets[si_position];
-    if (set.isEmpty())
-        set.append(sets.attributeName, Digits(si_position).toString());
-    return set;
-}
-
-bool TVNC_RecordNumbers::read(const QXmlStreamAttributes& attributes, const QString& attributeName,
-                              int& si_number)
-{
-    const auto value = attributes.value(attributeName);
-    const int si_size = static_cast<int>(value.size());
-    if (si_size == 0)
-        return false;
-    if (si_size <= 9) { // no overflow
-        int si_result = 0;
-        int i = 0;
-        for (; i < si_size; ++i) {
-            const int si_digit = value.at(i).unicode() - '0';
-            if (si_digit < 0 || si_digit > 9)
-                break;
-            si_result = si_result * 10 + si_digit;
-        }
-        if (i == si_size) {
-            si_number = si_result;
-            return true;
+    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
+    bool b_marked = name == attributeName() && !(TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::EXPOSED);
+    unmark(&parent);
+    for (int i = 0; i < children.size() && i < LIMIT; ++i) {
+        if (children.at(i)) {
+            b_marked = b_marked && !(TVNC_NodeAccess::state(*children.at(i)) & TVNC_NodeAccess::EXPOSED);
+        } else {
+            b_marked = false;
+            TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??", TVNG_low32(&parent));
         }
     }
-    bool b_ok = false;
-    si_number = TVNG_copyOf(value).toInt(&b_ok, 10);
-    return b_ok;
+    SharedSets* const pc_shared = name == attributeName() ? &TVNG_immortal<SharedSets>() : nullptr;
+    QMutexLocker lock(pc_shared ? &pc_shared->mutex : nullptr);
+    for (int i = 0; i < children.size() && i < LIMIT; ++i) {
+        if (!children.at(i))
+            continue;
+        if (pc_shared)
+            pc_shared->give(*children.at(i), i);
+        else
+            giveUnder(name, *children.at(i), i);
+    }
+    if (b_marked)
+        TVNC_NodeAccess::state(parent) |= TVNC_NodeAccess::NUMBERED;
+}
+
+TVNC_XMLNode* TVNC_RecordNumbers::find(TVNC_XMLNode& parent, int si_number, const QString& name)
+{
+    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
+    if (si_number >= 0 && si_number < LIMIT && isMarked(parent, name))
+        return si_number < children.size() ? children.at(si_number) : nullptr;
+    for (int i = 0; i < children.size(); ++i) {
+        int si_borne = 0;
+        if (read(children.at(i), name, si_borne) && si_borne == si_number)
+            return children.at(i);
+    }
+    return nullptr;
+}
+
+QVector<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_count, const QString& name)
+{
+    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
+    QVector<TVNC_XMLNode*> records(qMax(si_count, 0), nullptr);
+    TVNC_XMLNode** const pc_records = records.data();
+    int si_first = 0; // the children in front of it are done
+    if (isMarked(parent, name)) {
+        const int si_numbered = qMin(static_cast<int>(children.size()), LIMIT);
+        for (; si_first < si_numbered && si_first < si_count; ++si_first)
+            pc_records[si_first] = children.at(si_first);
+        if (si_first == si_count)
+            return records;
+    }
+    for (int i = si_first; i < children.size(); ++i) {
+        int si_number = 0;
+        if (read(children.at(i), name, si_number) && si_number >= 0 && si_number < si_count &&
+            !pc_records[si_number])
+            pc_records[si_number] = children.at(i);
+    }
+    return records;
+}
+
+void TVNC_RecordNumbers::unmark(TVNC_XMLNode* pc_parent)
+{
+    if (pc_parent)
+        TVNC_NodeAccess::state(*pc_parent) &= static_cast<unsigned char>(~TVNC_NodeAccess::NUMBERED);
+}
+
+void TVNC_RecordNumbers::expose(TVNC_XMLNode& node)
+{
+    unmark(&node);
+    unmark(node.getXMLNodeParent());
+    TVNC_NodeAccess::state(node) |= TVNC_NodeAccess::EXPOSED;
 }

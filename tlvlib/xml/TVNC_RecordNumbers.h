@@ -2,19 +2,22 @@
 #define TLVLIB_XML_TVNC_RECORDNUMBERS_H
 
 #include <QtCore/QString>
+#include <QtCore/QVector>
 #include <QtCore/QXmlStreamAttributes>
 
 class TVNC_XMLNode;
 
 /**
- * The record numbers of a document: the attribute (every store names it "id") that holds a record's position
- * as three digits, "000" to "998". Internal to the library; not installed.
+ * The numbers of a document's records: the attribute (every store names it "id") that holds a record's
+ * position among its siblings as three digits, "000" to "998". Internal to the library; not installed.
  *
- * There are only 999 such attribute sets for one attribute name. They are built once, when first needed, and
- * shared by all records of all documents, so that numbering a list again, as happens after every insertion,
- * touches nothing where the number stands already.
+ * What counts as a number is what QString::toInt() takes: " 7 " and "+7" are 7; "7.0", "0x7" and "" are none.
+ * Of several records with the same number only the first one bears it.
  *
- * An object of this class gives out numbers. It holds the lock on the shared sets while it lives.
+ * A list is marked as numbered while its first 999 children bear the numbers of their positions. A look-up by
+ * number is then one by position. Every change through a node's interface takes the mark away. The interface
+ * hands out references, too, through which a node changes without notice: a node that has handed one out is
+ * exposed for the rest of its life, and neither an exposed list nor one with an exposed child is ever marked.
  */
 class TVNC_RecordNumbers
 {
@@ -23,34 +26,35 @@ public:
     static const int LIMIT = 999;
 
     /// The attribute name of every store, "id".
-    static QString& usualName();
-
-    explicit TVNC_RecordNumbers(const QString& attributeName);
-    ~TVNC_RecordNumbers();
-
-    /// Makes the number of @a si_position (0 to 998) the record's whole attribute set. The mark of a numbered
-    /// list is the caller's to set; see TVNC_NodeAccess.
-    void give(TVNC_XMLNode& record, int si_position);
-
-    /// The attribute set that consists of the number @a si_position (0 to 998).
-    const QXmlStreamAttributes& shared(int si_position);
+    static QString& attributeName();
 
     /**
-     * Reads a number from an attribute set, without allocating anything for the numbers that this library
-     * writes. What counts as a number is what QString::toInt() takes: " 7 " and "+7" are 7; "7.0", "0x7" and
-     * "" are none.
+     * Numbers the first 999 children by their positions and marks the list. Each child loses every other
+     * attribute. Nothing is allocated for a child that has its number already.
      *
-     * @return false when the attribute is absent or holds no number
+     * Logs each null child at level 1 as "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??" with the
+     * address of the parent.
      */
-    static bool read(const QXmlStreamAttributes& attributes, const QString& attributeName, int& si_number);
+    static void number(TVNC_XMLNode& parent, const QString& attributeName);
 
-private:
-    Q_DISABLE_COPY(TVNC_RecordNumbers)
+    /// Makes the number @a si_number (0 to 998) the record's only attribute.
+    static void give(TVNC_XMLNode& record, int si_number);
 
-    struct SharedSets;
-    static SharedSets& sharedSets();
+    /// The attribute set that consists of the number @a si_number (0 to 998). All records of all documents
+    /// share it, and any thread may ask for it.
+    static QXmlStreamAttributes attributes(int si_number);
 
-    SharedSets& sets;
+    /// The child that bears a number, or null. Allocates nothing.
+    static TVNC_XMLNode* find(TVNC_XMLNode& parent, int si_number, const QString& attributeName);
+
+    /// The children that bear the numbers from 0 to @a si_count - 1, in this order; null where there is none.
+    static QVector<TVNC_XMLNode*> findAll(TVNC_XMLNode& parent, int si_count, const QString& attributeName);
+
+    /// Takes the mark away from a list that is about to change; null does nothing.
+    static void unmark(TVNC_XMLNode* pc_parent);
+
+    /// Takes a node into account whose list or attributes may change at any time from now on.
+    static void expose(TVNC_XMLNode& node);
 };
 
 #endif

@@ -115,21 +115,14 @@ private:
     Q_DISABLE_COPY(TVNC_XMLNode)
 
     friend struct TVNC_NodeAccess;
-    enum State {
-        NUMBERED = 1,
-        EXPOSED_CHILDREN = 2,
-        EXPOSED_ATTRIBUTES = 4,
-        HOLDS_DETACHED = 8,
-        PACKED_TEXT = 16
-    };
 
-    char c_TextType;
-    unsigned char uc_State; ///< in what was padding, so that the layout stays what it was
-    TVNC_XMLNode* pc_Parent;
-    QList<TVNC_XMLNode*> lst_Children;
-    QXmlStreamAttributes att_Attributes;
-    QString str_Name;
-    QString str_Text;
+    char c_textType_;
+    unsigned char uc_state_; ///< in what was padding, so that the layout stays; see TVNC_RecordNumbers
+    TVNC_XMLNode* pc_parent_;
+    QList<TVNC_XMLNode*> children_;
+    QXmlStreamAttributes attributes_;
+    QString name_;
+    QString text_;
 };
 
 #endif

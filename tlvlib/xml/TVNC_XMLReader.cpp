@@ -1,157 +1,209 @@
 #include "tlvlib/xml/TVNC_XMLReader.h"
 
-#include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNG_openFile.h"
+#include "tlvlib/format/TVNC_XMLInput.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/xml/TVNC_CanonicalReader.h"
-#include "tlvlib/xml/TVNC_XMLInput.h"
+#include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_memory.h"
+#include "tlvlib/xml/TVNC_NamePool.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
-#include "tlvlib/xml/TVNG_files.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QHash>
+#include <QtCore/QMutex>
+
+#include <memory>
 
 namespace {
 
+// --- The filter of a reader -------------------------------------------------------------------------------
+
 /**
- * Gives every "pageInfo" and "title" of a document the same shared string instead of one each. Of two names
- * that fall into the same slot only the later one is remembered, so a hostile file with a million names costs
- * no more than the names themselves.
+ * The filters that readers read through. A reader owns its own, but has no room for it: the layout of the
+ * class is part of the binary interface. Its device() does not tell either, since that may be another one by
+ * now, or be gone.
  */
-class NamePool
+class Inputs
 {
 public:
-    template <typename Reference>
-    QString& shared(const Reference& name)
+    /// Gives a reader a filter, or none, and deletes the one that it had.
+    void replace(const TVNC_XMLReader* pc_reader, TVNC_XMLInput* pc_input)
     {
-        QString& slot = slots_[slotOf(name)];
-        if (!(slot == name))
-            slot = TVNG_copyOf(name);
-        return slot;
+        std::unique_ptr<TVNC_XMLInput> input(pc_input);
+        std::unique_ptr<TVNC_XMLInput> earlier; // deleted when nothing is locked any more
+        QMutexLocker locker(&mutex_);
+        earlier.reset(inputs_.take(pc_reader));
+        if (input) {
+            inputs_.insert(pc_reader, input.get());
+            input.release();
+        }
     }
 
 private:
-    static const unsigned int SLOTS = 64;
+    QMutex mutex_;
+    QHash<const TVNC_XMLReader*, TVNC_XMLInput*> inputs_;
+};
 
-    template <typename Reference>
-    static unsigned int slotOf(const Reference& name)
+// --- Attributes -------------------------------------------------------------------------------------------
+
+/**
+ * Qt has no constructor of an attribute with a namespace and a prefix: only its reader makes such ones. The
+ * reader's own would keep all of its working memory alive. So the qualified name is put in here, through the
+ * one way to a private member that C++ allows: an explicit instantiation may name it.
+ */
+template <typename Member, Member MEMBER>
+struct QualifiedName
+{
+    friend void setQualifiedName(QXmlStreamAttribute& attribute, const QString& name)
     {
-        const int si_size = static_cast<int>(name.size());
-        if (si_size == 0)
-            return 0;
-        return (static_cast<unsigned int>(si_size) * 7u + name.at(0).unicode() * 31u +
-                name.at(si_size / 2).unicode() * 5u + name.at(si_size - 1).unicode()) %
-               SLOTS;
+        attribute.*MEMBER = name;
+    }
+};
+void setQualifiedName(QXmlStreamAttribute& attribute, const QString& name);
+template struct QualifiedName<decltype(&QXmlStreamAttribute::m_qualifiedName),
+                              &QXmlStreamAttribute::m_qualifiedName>;
+
+/// The names of a document, from the references that a stream reader hands out.
+class Names
+{
+public:
+    template <typename Reference>
+    QString of(const Reference& name)
+    {
+        return name.isEmpty() ? QString() : pool_.shared(name.data(), static_cast<int>(name.size()));
     }
 
-    QString slots_[SLOTS];
+private:
+    TVNC_NamePool pool_;
 };
 
 /**
  * Copies attributes so that they hold nothing but their own text. The reader's own set is part of its working
  * memory: a node that shared it would keep room for 16 attributes and the last token's text alive.
  */
-QXmlStreamAttributes compactCopy(const QXmlStreamAttributes& attributes, NamePool& names)
+QXmlStreamAttributes compactCopy(const QXmlStreamAttributes& attributes, Names& names)
 {
     QXmlStreamAttributes copy;
     copy.reserve(attributes.size());
     for (int i = 0; i < attributes.size(); ++i) {
         const QXmlStreamAttribute& attribute = attributes.at(i);
         const QString value = TVNG_copyOf(attribute.value());
-        if (attribute.namespaceUri().isEmpty())
-            copy.append(names.shared(attribute.qualifiedName()), value);
-        else
-            copy.append(TVNG_copyOf(attribute.namespaceUri()), names.shared(attribute.name()), value);
+        const QString qualifiedName = names.of(attribute.qualifiedName());
+        if (attribute.namespaceUri().isEmpty()) {
+            copy.append(qualifiedName, value);
+            continue;
+        }
+        QXmlStreamAttribute own(names.of(attribute.namespaceUri()), names.of(attribute.name()), value);
+        setQualifiedName(own, qualifiedName);
+        copy.append(own);
     }
     return copy;
 }
 
+// --- Nodes ------------------------------------------------------------------------------------------------
+
 /// Creates the node of the start tag that the reader stands on; null when memory has run out.
-TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent, NamePool& names)
+TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent, Names& names)
 {
-    TVNC_XMLNode* pc_node = TVNG_newXMLNode(pc_parent, 0);
-    if (!pc_node)
-        return nullptr;
-    const QXmlStreamAttributes attributes = reader.attributes();
-    if (!attributes.isEmpty()) {
-        QXmlStreamAttributes copy = compactCopy(attributes, names);
-        pc_node->setAttribute(copy);
-    }
-    pc_node->setName(names.shared(reader.name()));
-    return pc_node;
+    TVNC_XMLNode* const pc_node = TVNG_newXMLNode(pc_parent, 0);
+    const bool b_complete = pc_node && TVNG_hasMemoryFor([&] {
+                                const QXmlStreamAttributes attributes = reader.attributes();
+                                if (!attributes.isEmpty()) {
+                                    QXmlStreamAttributes copy = compactCopy(attributes, names);
+                                    pc_node->setAttribute(copy);
+                                }
+                                QString name = names.of(reader.name());
+                                pc_node->setName(name);
+                            });
+    if (b_complete)
+        return pc_node;
+    delete pc_node;
+    return nullptr;
+}
+
+/// Stops a reader for want of memory.
+void stop(QXmlStreamReader& reader)
+{
+    TVNG_hasMemoryFor([&] { reader.raiseError(); }); // otherwise the error stands, without a text
 }
 
 } // namespace
 
 TVNC_XMLReader::TVNC_XMLReader() {}
 
-TVNC_XMLReader::~TVNC_XMLReader() {}
-
-TVNC_XMLNode* TVNG_readFile(QString& path, TVNC_XMLReader* pc_reader)
+TVNC_XMLReader::~TVNC_XMLReader()
 {
-    QFile file(path);
-    if (!file.exists()) {
-        TVNG_DebugPrint(2, "TVNC_XMLReader::read file not exist!");
-    } else if (!file.open(QIODevice::ReadOnly)) {
-        TVNG_DebugPrint(2, "TVNC_XMLReader::read file open error!");
-    } else {
-        TVNC_XMLNode* pc_root = pc_reader ? nullptr : TVNC_CanonicalReader::read(file);
-        if (!pc_root) {
-            TVNC_XMLReader reader;
-            pc_root = (pc_reader ? pc_reader : &reader)->read(file);
-        }
-        file.close();
-        if (pc_root)
-            return pc_root;
-    }
-    return new TVNC_XMLNode(nullptr, 0);
+    TVNG_immortal<Inputs>().replace(this, nullptr);
 }
 
 TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
 {
-    return TVNG_readFile(path, this);
+    TVNC_XMLNode* pc_root = nullptr;
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        QFile file(path);
+        if (TVNG_openForReading(file))
+            pc_root = read(file);
+    });
+    const bool b_noMemory = !b_complete || error() == CustomError;
+    return pc_root || b_noMemory ? pc_root : TVNG_newXMLNode(nullptr, 0);
 }
 
 TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
 {
-    // A child of the device, not a local object: the reader's error and position can only be asked for
-    // afterwards while its device stays what it was.
-    setDevice(new TVNC_XMLInput(device));
-
-    TVNC_XMLNode* pc_root = nullptr;
-    while (!atEnd()) {
-        const TokenType token = readNext();
-        if (token == EndElement)
-            break;
-        if (token == StartElement && !pc_root) {
-            pc_root = readXMLNode(nullptr);
-            if (!pc_root)
+    std::unique_ptr<TVNC_XMLNode> root;
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        // Not a local object: error and position can only be asked for afterwards while the reader's device
+        // stays what it was.
+        TVNC_XMLInput* const pc_input = new TVNC_XMLInput(device);
+        TVNG_immortal<Inputs>().replace(this, pc_input);
+        setDevice(pc_input);
+        while (!atEnd()) {
+            const TokenType token = readNext();
+            if (token == EndElement)
                 break;
+            if (token == StartElement && !root) {
+                root.reset(readXMLNode(nullptr));
+                if (!root)
+                    break;
+            }
         }
-    }
-    return pc_root;
+    });
+    if (b_complete)
+        return root.release();
+    stop(*this);
+    return nullptr;
 }
 
 TVNC_XMLNode* TVNC_XMLReader::readXMLNode(TVNC_XMLNode* pc_parent)
 {
-    NamePool names;
-    TVNC_XMLNode* const pc_top = createNode(*this, pc_parent, names);
-    TVNC_XMLNode* pc_node = pc_top;
-    while (pc_node && !atEnd()) {
-        const TokenType token = readNext();
-        if (token == EndElement) {
-            pc_node = pc_node == pc_top ? nullptr : pc_node->getXMLNodeParent();
-            continue;
-        }
-        readText(pc_node);
-        if (token == StartElement) {
-            TVNC_XMLNode* pc_child = createNode(*this, pc_node, names);
+    TVNC_XMLNode* pc_top = nullptr;
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        Names names;
+        pc_top = createNode(*this, pc_parent, names);
+        TVNC_XMLNode* pc_node = pc_top; // the element that is open; null at the end of the top one
+        while (pc_node && !atEnd()) {
+            const TokenType token = readNext();
+            TVNC_XMLNode* pc_child = nullptr;
+            if (token == StartElement) {
+                pc_child = createNode(*this, pc_node, names);
+            } else if (token != EndElement) {
+                readText(pc_node);
+                continue;
+            }
+            // A child that cannot be created ends its parent, as an end tag does.
             if (pc_child)
                 pc_node = pc_child;
-            else // a child that cannot be created ends its parent, as an end tag does
+            else
                 pc_node = pc_node == pc_top ? nullptr : pc_node->getXMLNodeParent();
         }
-    }
-    return pc_top;
+    });
+    if (b_complete)
+        return pc_top;
+    delete pc_top;
+    stop(*this);
+    return nullptr;
 }
 
 void TVNC_XMLReader::readText(TVNC_XMLNode* pc_node)
@@ -161,6 +213,6 @@ void TVNC_XMLReader::readText(TVNC_XMLNode* pc_node)
     if (tokenType() != Characters)
         return;
     QString text = TVNG_copyOf(this->text());
-    pc_node->setTextType(isCDATA() ? 1 : 0);
+    pc_node->setTextType(isCDATA() ? TVNG_CDATA_SECTION : TVNG_CHARACTER_DATA);
     pc_node->setText(text);
 }

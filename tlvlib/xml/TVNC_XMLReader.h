@@ -17,17 +17,21 @@ class TVNC_XMLNode;
  *     <font id="000">Sans</font>
  * </fontlist>
  * @endcode
- * becomes a node "fontlist" with one child. Of each element the reader keeps the local name, the attributes,
- * the child elements, and the first text that is not blank: blank text is indentation, and text after the
- * first is dropped. Comments, processing instructions and a bare document type declaration are skipped.
+ * becomes a node "fontlist" with one child. Of each element the reader keeps the local name, the attributes
+ * with their prefixes and namespaces, the child elements, and the first text that is not blank: blank text is
+ * indentation, and text after the first is dropped. Comments, processing instructions and a bare document
+ * type declaration are skipped.
  *
  * Bad input never fails and is not logged. Reading stops at the first error, and the tree holds what stood
  * before it: every complete element, and the open ones with what they held so far. Errors are malformed XML,
  * bytes that are not of the document's encoding, characters that XML does not have, and a document type
- * declaration with an internal subset (the library never writes one, and entities blow up), more than 1,000
- * attributes in an element, and more than 1,000 declarations of namespaces in the document (Qt's time for
+ * declaration with an internal subset (the library never writes one, and entities blow up), more than 8,000
+ * attributes in an element, and more than 4,000 declarations of namespaces around one place (Qt's time for
  * them grows with their square). error(), errorString(), lineNumber() and columnNumber() tell about the error
  * afterwards.
+ *
+ * Nothing is thrown. When memory runs out, the result is null, and error() is CustomError; only an element
+ * that cannot be created at all ends the one around it, as an end tag does.
  *
  * Any depth of nesting can be read; time and memory grow with the size of the document.
  */
@@ -40,8 +44,8 @@ public:
     /**
      * Reads the file at @a path.
      *
-     * @return the root element, owned by the caller; never null. When the file is missing, cannot be opened
-     * or holds no element, an empty node without a name.
+     * @return the root element, owned by the caller. When the file is missing, cannot be opened or holds no
+     * element, an empty node without a name. Null only when memory ran out.
      *
      * Logs at level 2 "TVNC_XMLReader::read file not exist!" or "TVNC_XMLReader::read file open error!".
      */
@@ -52,7 +56,7 @@ public:
      *
      * @return the root element, owned by the caller, or null when there is none
      *
-     * While the device lives, the reader's device() is a filter that belongs to it. Logs nothing.
+     * The reader's device() is a filter afterwards, which belongs to the reader. Logs nothing.
      */
     TVNC_XMLNode* read(QIODevice& device);
 

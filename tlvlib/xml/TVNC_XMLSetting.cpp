@@ -1,22 +1,65 @@
 #include "tlvlib/xml/TVNC_XMLSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_memory.h"
+#include "tlvlib/xml/TVNC_CanonicalReader.h"
+#include "tlvlib/xml/TVNC_CanonicalWriter.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
-#include "tlvlib/xml/TVNG_files.h"
+#include "tlvlib/xml/TVNC_XMLReader.h"
+#include "tlvlib/xml/TVNC_XMLWriter.h"
+#include "tlvlib/xml/TVNG_Records.h"
 #include "tlvlib/xml/TVNG_newXMLNode.h"
 
-#include <QtCore/QBitArray>
+#include <QtCore/QFile>
 
-TVNC_XMLSetting::TVNC_XMLSetting() : pc_XMLRootNode(nullptr) {}
+namespace {
+
+/**
+ * The root of the document in a file, as TVNC_XMLReader::read() gives it; null when memory ran out. A
+ * document in the library's own form is read the fast way. Nobody has a reader here whose state could be
+ * asked for afterwards.
+ */
+TVNC_XMLNode* readDocument(QString& path)
+{
+    QFile file(path);
+    if (!TVNG_openForReading(file))
+        return TVNG_newXMLNode(nullptr, 0);
+    if (TVNC_XMLNode* const pc_root = TVNC_CanonicalReader::read(file))
+        return pc_root;
+    TVNC_XMLReader reader;
+    TVNC_XMLNode* const pc_root = reader.read(file);
+    const bool b_noMemory = reader.error() == QXmlStreamReader::CustomError;
+    return pc_root || b_noMemory ? pc_root : TVNG_newXMLNode(nullptr, 0);
+}
+
+/// Writes as TVNC_XMLWriter::write() does, and a tree of the stores' kind the fast way.
+void writeDocument(QString& path, TVNC_XMLNode* pc_root)
+{
+    if (!pc_root)
+        return;
+    TVNC_SavedFile file(path);
+    if (!TVNG_openForWriting(file))
+        return;
+    if (TVNC_CanonicalWriter::takes(*pc_root))
+        TVNC_CanonicalWriter::write(file.device(), *pc_root);
+    else
+        TVNC_XMLWriter().write(file.device(), pc_root);
+    TVNG_finishWriting(file);
+}
+
+} // namespace
+
+TVNC_XMLSetting::TVNC_XMLSetting() : pc_root_(nullptr) {}
 
 TVNC_XMLSetting::~TVNC_XMLSetting()
 {
-    TVNG_DebugPrint(3, "[TVNC_XMLSetting::~TVNC_XMLSetting] 0x%X", TVNG_low32(pc_XMLRootNode));
-    if (pc_XMLRootNode)
-        pc_XMLRootNode->deleteLater();
-    pc_XMLRootNode = nullptr;
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::~TVNC_XMLSetting] 0x%X", TVNG_low32(pc_root_));
+    TVNG_release(pc_root_);
+    pc_root_ = nullptr;
 }
 
 void TVNC_XMLSetting::load(QString& path)
@@ -25,11 +68,14 @@ void TVNC_XMLSetting::load(QString& path)
         TVNG_DebugPrint(2, "[TVNC_XMLSetting::load] Path is NULL or empty.");
         return;
     }
-    if (pc_XMLRootNode)
-        pc_XMLRootNode->deleteLater();
+    TVNG_release(pc_root_);
+    pc_root_ = nullptr;
     // Here and in save(), the texts name the bookmarks whichever store is at work. Log filters rely on them.
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] start");
-    pc_XMLRootNode = TVNG_readFile(path, nullptr);
+    // A document that memory did not suffice for leaves no root. An empty one would be saved over the file.
+    TVNG_hasMemoryFor([&] { pc_root_ = readDocument(path); });
+    if (!pc_root_)
+        TVNG_DebugPrint(1, "[TVNC_XMLSetting::load] Fail");
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::loadBookmark] end");
 }
 
@@ -40,100 +86,64 @@ void TVNC_XMLSetting::save(QString& path)
         return;
     }
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::save] start");
-    TVNG_writeFile(path, pc_XMLRootNode, nullptr);
+    if (!TVNG_hasMemoryFor([&] { writeDocument(path, pc_root_); }))
+        TVNG_DebugPrint(1, "[TVNC_XMLSetting::save] Fail");
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::saveBookmark] end");
 }
 
 int TVNC_XMLSetting::getXMLRootNodeChildCntByName(QString& attributeName, QString& name)
 {
-    if (!pc_XMLRootNode)
+    if (!pc_root_)
         return 0;
-    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*pc_XMLRootNode);
-    const int si_size = static_cast<int>(children.size());
-    if (si_size <= TVNC_RecordNumbers::LIMIT && TVNC_NodeAccess::isNumbered(*pc_XMLRootNode) &&
-        attributeName == TVNC_RecordNumbers::usualName()) {
-        int si_named = 0;
-        for (int i = 0; i < si_size; ++i)
-            si_named += TVNC_NodeAccess::name(*children.at(i)) == name ? 1 : 0;
-        return si_named;
-    }
-    // Only a number's first bearer counts, as in a look-up by number.
-    QBitArray taken(si_size);
     int si_count = 0;
-    for (int i = 0; i < si_size; ++i) {
-        TVNC_XMLNode* pc_child = children.at(i);
-        int si_number = 0;
-        if (!pc_child ||
-            !TVNC_RecordNumbers::read(TVNC_NodeAccess::attributes(*pc_child), attributeName, si_number))
-            continue;
-        if (si_number < 0 || si_number >= si_size || taken.testBit(si_number))
-            continue;
-        taken.setBit(si_number);
-        if (TVNC_NodeAccess::name(*pc_child) == name)
-            ++si_count;
-    }
+    TVNG_hasMemoryFor([&] {
+        const QVector<TVNC_XMLNode*> records =
+            TVNC_RecordNumbers::findAll(*pc_root_, getXMLNodeCnt(), attributeName);
+        for (int i = 0; i < records.size(); ++i)
+            si_count += records.at(i) && TVNC_NodeAccess::name(*records.at(i)) == name ? 1 : 0;
+    });
     return si_count;
 }
 
 void TVNC_XMLSetting::setIDforChildren(QString& attributeName)
 {
-    if (!pc_XMLRootNode)
-        return;
-    const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*pc_XMLRootNode);
-    int si_size = static_cast<int>(children.size());
-    if (si_size > TVNC_RecordNumbers::LIMIT)
-        si_size = TVNC_RecordNumbers::LIMIT;
-    TVNC_RecordNumbers numbers(attributeName);
-    bool b_numbered = attributeName == TVNC_RecordNumbers::usualName();
-    for (int i = 0; i < si_size; ++i) {
-        TVNC_XMLNode* pc_child = children.at(i);
-        if (!pc_child) {
-            b_numbered = false;
-            TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??",
-                            TVNG_low32(pc_XMLRootNode));
-            continue;
-        }
-        numbers.give(*pc_child, i);
-        b_numbered = b_numbered && !TVNC_NodeAccess::hasExposedAttributes(*pc_child);
-    }
-    TVNC_NodeAccess::setNumbered(*pc_XMLRootNode, b_numbered);
+    if (pc_root_)
+        TVNG_hasMemoryFor([&] { TVNC_RecordNumbers::number(*pc_root_, attributeName); });
 }
 
 void TVNC_XMLSetting::deleteXMLNodeByID(int si_id, QString& attributeName)
 {
-    if (!pc_XMLRootNode)
+    if (!pc_root_)
         return;
-    TVNC_XMLNode* pc_child = pc_XMLRootNode->getXMLNodeChildByID(si_id, attributeName);
+    TVNC_XMLNode* pc_child = pc_root_->getXMLNodeChildByID(si_id, attributeName);
     if (!pc_child)
         return;
-    pc_XMLRootNode->removeXMLNode(pc_child);
-    pc_child->deleteLater();
+    pc_root_->removeXMLNode(pc_child);
+    TVNG_release(pc_child);
 }
 
 void TVNC_XMLSetting::deleteAllXMLNode()
 {
-    TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteAllXMLNode] 0x%X", TVNG_low32(pc_XMLRootNode));
-    if (pc_XMLRootNode)
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteAllXMLNode] 0x%X", TVNG_low32(pc_root_));
+    if (pc_root_)
         createXMLRootNode();
 }
 
 void TVNC_XMLSetting::deleteAllSetting()
 {
     // The text keeps the operation's older name.
-    TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteRootChildren] 0x%X", TVNG_low32(pc_XMLRootNode));
-    if (!pc_XMLRootNode)
+    TVNG_DebugPrint(3, "[TVNC_XMLSetting::deleteRootChildren] 0x%X", TVNG_low32(pc_root_));
+    if (!pc_root_)
         return;
-    const QList<TVNC_XMLNode*> removed = TVNC_NodeAccess::takeChildren(*pc_XMLRootNode);
-    if (removed.isEmpty())
-        return;
+    const QList<TVNC_XMLNode*> removed = TVNG_takeChildren(*pc_root_);
     for (int i = 0; i < removed.size(); ++i) {
-        if (removed.at(i))
-            continue;
-        TVNG_DebugPrint(1, "[TVNC_XMLSetting::deleteRootChildren] 0x%X Why Pass??",
-                        TVNG_low32(pc_XMLRootNode));
-        TVNC_NodeAccess::children(*pc_XMLRootNode).append(nullptr);
+        if (removed.at(i)) {
+            TVNG_release(removed.at(i));
+        } else {
+            TVNG_DebugPrint(1, "[TVNC_XMLSetting::deleteRootChildren] 0x%X Why Pass??", TVNG_low32(pc_root_));
+            TVNC_NodeAccess::children(*pc_root_).append(nullptr);
+        }
     }
-    TVNC_NodeAccess::deleteLater(removed, TVNG_newXMLNode(nullptr, 0));
 }
 
 TVNC_XMLNode* TVNC_XMLSetting::addXMLChild(TVNC_XMLNode* pc_parent, QString& name, QString& text,
@@ -153,21 +163,22 @@ TVNC_XMLNode* TVNC_XMLSetting::addXMLChild(TVNC_XMLNode* pc_parent, QString& nam
 
 TVNC_XMLNode* TVNC_XMLSetting::getXMLRootNode()
 {
-    return pc_XMLRootNode;
+    return pc_root_;
 }
 
 void TVNC_XMLSetting::createXMLRootNode()
 {
-    if (pc_XMLRootNode)
-        pc_XMLRootNode->deleteLater();
-    pc_XMLRootNode = new TVNC_XMLNode(nullptr, 0);
+    TVNG_release(pc_root_);
+    pc_root_ = TVNG_newXMLNode(nullptr, 0);
+    if (!pc_root_)
+        TVNG_DebugPrint(1, "[TVNC_XMLSetting::createXMLRootNode] Fail");
 }
 
 TVNC_XMLNode* TVNC_XMLSetting::getGrandchildNode(QString childName, QString grandchildName)
 {
-    if (!pc_XMLRootNode)
+    if (!pc_root_)
         return nullptr;
-    TVNC_XMLNode* pc_child = pc_XMLRootNode->getXMLNodeChildByName(childName);
+    TVNC_XMLNode* pc_child = pc_root_->getXMLNodeChildByName(childName);
     return pc_child ? pc_child->getXMLNodeChildByName(grandchildName) : nullptr;
 }
 
@@ -186,5 +197,5 @@ TVNC_XMLNode* TVNC_XMLSetting::setElement(TVNC_XMLNode* pc_parent, QString name,
 
 int TVNC_XMLSetting::getXMLNodeCnt()
 {
-    return pc_XMLRootNode ? static_cast<int>(TVNC_NodeAccess::children(*pc_XMLRootNode).size()) : 0;
+    return pc_root_ ? static_cast<int>(TVNC_NodeAccess::children(*pc_root_).size()) : 0;
 }

@@ -2,19 +2,20 @@
 #define TLVLIB_XML_TVNC_XMLSETTING_H
 
 #include <tlvlib/util/tlvlib_export.h>
+#include <tlvlib/xml/TVNC_XMLNode.h>
 
 #include <QtCore/QString>
 #include <QtCore/QXmlStreamAttributes>
 
-class TVNC_XMLNode;
-
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
 /**
  * One settings document in memory, the base of every store: loads and saves it, numbers its records (the
  * root's children), finds, adds, replaces and deletes them.
  *
  * The root is null until the first load(). Every operation copes with that and then does nothing, unless told
- * otherwise below. Replaced roots and removed records are released with QObject::deleteLater(): pointers to
- * them stay valid until the calling thread's event loop runs, and their memory comes back only then.
+ * otherwise below. Replaced roots and removed records are released with QObject::deleteLater(), each by
+ * itself: pointers to them stay valid until the calling thread's event loop runs, and their memory comes back
+ * only then. Until then a record that was let go has no parent, and may be added to another node or deleted.
  *
  * Nothing is reported as an error; every rejection is a line in the log and leaves the document as it was.
  * Some log texts name another operation than the one that writes them. They are kept as they are, since the
@@ -40,16 +41,20 @@ public:
      * an element gives an empty root; see TVNC_XMLReader for damaged files.
      *
      * Logs at level 3 "[TVNC_XMLSetting::loadBookmark] start" and "... end", whatever the store. An empty
-     * path keeps the document and logs at level 2 "[TVNC_XMLSetting::load] Path is NULL or empty.".
+     * path keeps the document and logs at level 2 "[TVNC_XMLSetting::load] Path is NULL or empty.". When
+     * memory runs out, there is no root afterwards, so that no save replaces the file, and level 1 has
+     * "[TVNC_XMLSetting::load] Fail".
      */
     virtual void load(QString& path);
 
     /**
-     * Writes the document into the file at @a path, in place. Without a root the file stays as it was. Write
-     * errors go unnoticed, except that a file which cannot be opened is logged by TVNC_XMLWriter.
+     * Writes the document into the file at @a path, as TVNG_SetSafeSave() has it. Without a root the file
+     * stays as it was. In place, write errors go unnoticed, except that a file which cannot be opened is
+     * logged by TVNC_XMLWriter; where the file is replaced whole, TVNG_GetSaveError() tells them all.
      *
      * Logs at level 3 "[TVNC_XMLSetting::save] start" and "[TVNC_XMLSetting::saveBookmark] end", whatever the
-     * store; for an empty path at level 2 "[TVNC_XMLSetting::save] Path is NULL or empty.".
+     * store; for an empty path at level 2 "[TVNC_XMLSetting::save] Path is NULL or empty."; when there is no
+     * memory to write with at level 1 "[TVNC_XMLSetting::save] Fail".
      */
     virtual void save(QString& path);
 
@@ -100,7 +105,8 @@ public:
     /// The root; null before the first load.
     TVNC_XMLNode* getXMLRootNode();
 
-    /// Replaces the root, if any, by a new empty one.
+    /// Replaces the root, if any, by a new empty one. When memory runs out, there is none, and level 1 of the
+    /// log has "[TVNC_XMLSetting::createXMLRootNode] Fail".
     void createXMLRootNode();
 
     /// The first child of this name of the root's first child of that name; null when either is missing.
@@ -125,7 +131,8 @@ private:
     /// Makes a root of its own.
     friend class TVNC_ThumbnailConverter;
 
-    TVNC_XMLNode* pc_XMLRootNode;
+    TVNC_XMLNode* pc_root_;
 };
+TLVLIB_NO_VIRTUAL_DESTRUCTOR_END
 
 #endif

@@ -2,121 +2,191 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
-#include "tlvlib/xml/TVNC_CanonicalWriter.h"
+#include "tlvlib/files/TVNG_openFile.h"
+#include "tlvlib/format/TVNC_XMLCharacters.h"
+#include "tlvlib/format/TVNG_documentForm.h"
+#include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
-#include "tlvlib/xml/TVNC_XMLCharacters.h"
-#include "tlvlib/xml/TVNG_files.h"
+#include "tlvlib/xml/TVNG_walkTree.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QVector>
 
 namespace {
 
-/// Elements up to this depth, the root's being 1, are formatted.
-const int FORMATTED_DEPTH = 100;
-
-/// Writes a document with the caller's writer, or the fastest way where the caller has none.
-bool writeDocument(QIODevice& device, TVNC_XMLNode* pc_root, TVNC_XMLWriter* pc_writer)
-{
-    if (!pc_writer && TVNC_CanonicalWriter::takes(*pc_root)) {
-        TVNC_CanonicalWriter::write(device, *pc_root);
-        return true;
-    }
-    TVNC_XMLWriter writer;
-    TVNC_XMLWriter& used = pc_writer ? *pc_writer : writer;
-    const bool b_written = used.write(device, pc_root);
-    used.setDevice(nullptr); // the device goes
-    return b_written;
-}
+const char XML_NAMESPACE[] = "http://www.w3.org/XML/1998/namespace";
 
 /**
- * Walks a tree and writes it, with a stack of its own instead of recursion.
+ * What prefixes mean in the open elements. An element declares those that its attributes need and that are
+ * not declared around it already, so that what comes back has the same names. Qt's own writer gives each
+ * namespace a prefix of its own making, and does not escape the markup in its name.
  */
-class TreeWriter
+class Prefixes
 {
 public:
-    explicit TreeWriter(QXmlStreamWriter& writer) : writer_(writer), b_formatting_(writer.autoFormatting()) {}
+    Prefixes() : si_madeUp_(0) { bind(0, QString::fromLatin1("xml"), QString::fromLatin1(XML_NAMESPACE)); }
 
-    ~TreeWriter() { writer_.setAutoFormatting(b_formatting_); }
-
-    bool write(TVNC_XMLNode* pc_root)
+    bool isBound(const QString& prefix, const QString& namespaceUri) const
     {
-        if (!start(pc_root))
+        return !prefix.isEmpty() && meanings_.value(prefix).namespaceUri == namespaceUri;
+    }
+
+    /// Lets the element at a depth declare a prefix. Not one that it has declared already.
+    bool bind(int si_depth, const QString& prefix, const QString& namespaceUri)
+    {
+        const Meaning meaning = {namespaceUri, si_depth};
+        const Binding binding = {prefix, meaning, meanings_.value(prefix)};
+        if (prefix.isEmpty() || binding.hidden.si_depth == si_depth)
             return false;
-        while (!open_.isEmpty()) {
-            Element& element = open_.last();
-            const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(*element.pc_node);
-            if (element.si_next == children.size()) {
-                end();
-                continue;
-            }
-            if (!start(children.at(element.si_next++)))
-                return false;
-        }
+        bindings_.append(binding);
+        meanings_.insert(prefix, meaning);
         return true;
     }
 
-    /// Ends the elements that are too deep to be formatted. The end of the document closes the others.
-    void endUnformatted()
+    /// A prefix that means a namespace; an empty text when there is none.
+    QString find(const QString& namespaceUri) const
     {
-        while (open_.size() > FORMATTED_DEPTH)
-            end();
+        for (int i = static_cast<int>(bindings_.size()) - 1; i >= 0; --i) {
+            if (isBound(bindings_.at(i).prefix, namespaceUri))
+                return bindings_.at(i).prefix;
+        }
+        return QString();
+    }
+
+    /// A prefix that means nothing, such as Qt makes them up: "n1", "n2" and so on through a document.
+    QString makeUp()
+    {
+        QString prefix;
+        do {
+            prefix = QLatin1Char('n') + QString::number(++si_madeUp_);
+        } while (!meanings_.value(prefix).namespaceUri.isEmpty());
+        return prefix;
+    }
+
+    /// Forgets what the element at a depth has declared.
+    void end(int si_depth)
+    {
+        while (bindings_.last().meaning.si_depth == si_depth) { // that of "xml" stays
+            meanings_.insert(bindings_.last().prefix, bindings_.last().hidden);
+            bindings_.remove(bindings_.size() - 1);
+        }
     }
 
 private:
-    struct Element
+    struct Meaning
     {
-        TVNC_XMLNode* pc_node;
-        int si_next; ///< position of the child that comes next
+        Meaning() : si_depth(-1) {}
+        Meaning(const QString& uri, int si_declaredAt) : namespaceUri(uri), si_depth(si_declaredAt) {}
+        QString namespaceUri;
+        int si_depth; ///< of the element that has declared it
     };
+    struct Binding
+    {
+        QString prefix;
+        Meaning meaning;
+        Meaning hidden; ///< what the prefix means around the element
+    };
+    QHash<QString, Meaning> meanings_; ///< by prefix
+    QVector<Binding> bindings_;        ///< depths in ascending order
+    int si_madeUp_;
+};
+
+/// Writes a tree node by node.
+class TreeWriter
+{
+public:
+    explicit TreeWriter(QXmlStreamWriter& writer)
+        : writer_(writer), b_formatting_(writer.autoFormatting()), si_open_(0)
+    {
+    }
+
+    ~TreeWriter() { writer_.setAutoFormatting(b_formatting_); }
 
     /// Writes all of an element that comes before its children.
-    bool start(TVNC_XMLNode* pc_node)
+    bool enter(TVNC_XMLNode* pc_node, int si_depth)
     {
         if (!pc_node) {
             // The reader's name in the writer's message: log filters on the devices look for this text.
             TVNG_DebugPrint(1, "[TVNC_XMLReader::writeXMLNode] pc_Node NULL !!!.");
             return false;
         }
-        const Element element = {pc_node, 0};
-        open_.append(element);
+        si_open_ = si_depth;
         format();
         writer_.writeStartElement(pc_node->getName());
         writeAttributes(TVNC_NodeAccess::attributes(*pc_node));
-        writeText(pc_node);
+        writeText(*pc_node);
         return true;
     }
 
+    void leave(TVNC_XMLNode&, int) { end(); }
+
+    /// Ends the elements that are too deep to be formatted. The end of the document closes the others.
+    void endUnformatted()
+    {
+        while (si_open_ > TVNG_FORMATTED_DEPTH)
+            end();
+    }
+
+private:
     void end()
     {
         format();
         writer_.writeEndElement();
-        open_.remove(open_.size() - 1);
+        prefixes_.end(si_open_);
+        --si_open_;
     }
 
-    void format() { writer_.setAutoFormatting(b_formatting_ && open_.size() <= FORMATTED_DEPTH); }
+    void format() { writer_.setAutoFormatting(b_formatting_ && si_open_ <= TVNG_FORMATTED_DEPTH); }
 
     void writeAttributes(const QXmlStreamAttributes& attributes)
     {
+        // First the prefixes that there are, so that none of those that are made up takes their place.
         for (int i = 0; i < attributes.size(); ++i) {
             const QXmlStreamAttribute& attribute = attributes.at(i);
-            const QString value = TVNC_XMLCharacters::writable(attribute.value().toString());
-            if (attribute.namespaceUri().isEmpty())
-                writer_.writeAttribute(attribute.qualifiedName().toString(), value);
-            else
-                writer_.writeAttribute(attribute.namespaceUri().toString(), attribute.name().toString(),
-                                       value);
+            if (!attribute.namespaceUri().isEmpty())
+                declare(attribute.prefix().toString(), attribute.namespaceUri().toString());
         }
+        for (int i = 0; i < attributes.size(); ++i)
+            writeAttribute(nameOf(attributes.at(i)), attributes.at(i).value().toString());
     }
 
-    void writeText(TVNC_XMLNode* pc_node)
+    void writeAttribute(const QString& qualifiedName, const QString& value)
     {
-        const char c_type = pc_node->getTextType();
-        if ((c_type != 0 && c_type != 1) || pc_node->getText().isEmpty())
+        writer_.writeAttribute(qualifiedName, TVNC_XMLCharacters::writable(value));
+    }
+
+    /// Has the element declare a prefix, unless that is declared around it, or the element has given the
+    /// prefix another meaning already.
+    void declare(const QString& prefix, const QString& namespaceUri)
+    {
+        if (!prefixes_.isBound(prefix, namespaceUri) && prefixes_.bind(si_open_, prefix, namespaceUri))
+            writeAttribute(QLatin1String("xmlns:") + prefix, namespaceUri);
+    }
+
+    /// The name under which an attribute is written: its own, unless that would not be in its namespace. Then
+    /// an application has made the attribute, without a prefix, or taken it from another element.
+    QString nameOf(const QXmlStreamAttribute& attribute)
+    {
+        const QString namespaceUri = attribute.namespaceUri().toString();
+        if (namespaceUri.isEmpty() || prefixes_.isBound(attribute.prefix().toString(), namespaceUri))
+            return attribute.qualifiedName().toString();
+        QString prefix = prefixes_.find(namespaceUri);
+        if (prefix.isEmpty()) {
+            prefix = prefixes_.makeUp();
+            declare(prefix, namespaceUri);
+        }
+        return prefix + QLatin1Char(':') + attribute.name().toString();
+    }
+
+    void writeText(TVNC_XMLNode& node)
+    {
+        const char c_type = node.getTextType();
+        if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return;
-        const QString text = TVNC_XMLCharacters::writable(pc_node->getText());
+        const QString text = TVNC_XMLCharacters::writable(TVNC_NodeAccess::text(node));
         if (text.isEmpty())
             return;
-        if (c_type == 1)
+        if (c_type == TVNG_CDATA_SECTION)
             writer_.writeCDATA(text);
         else
             writer_.writeCharacters(text);
@@ -124,7 +194,8 @@ private:
 
     QXmlStreamWriter& writer_;
     const bool b_formatting_;
-    QVector<Element> open_;
+    int si_open_; ///< how many elements are open
+    Prefixes prefixes_;
 };
 
 } // namespace
@@ -136,45 +207,44 @@ TVNC_XMLWriter::TVNC_XMLWriter()
 
 TVNC_XMLWriter::~TVNC_XMLWriter() {}
 
-bool TVNG_writeFile(QString& path, TVNC_XMLNode* pc_root, TVNC_XMLWriter* pc_writer)
-{
-    if (!pc_root)
-        return false;
-    TVNC_SavedFile file(path);
-    if (!file.open()) {
-        TVNG_DebugPrint(2, "TVNC_XMLWriter::write file open error!");
-        return false;
-    }
-    const bool b_written = writeDocument(file.device(), pc_root, pc_writer);
-    if (!file.commit()) {
-        TVNG_DebugPrint(2, "TVNC_XMLWriter::write file replace error!");
-        return false;
-    }
-    return b_written;
-}
-
 bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
 {
-    return TVNG_writeFile(path, pc_root, this);
+    bool b_written = false;
+    TVNG_hasMemoryFor([&] {
+        TVNC_SavedFile file(path);
+        if (!pc_root || !TVNG_openForWriting(file))
+            return;
+        b_written = write(file.device(), pc_root);
+        setDevice(nullptr); // it goes
+        b_written = TVNG_finishWriting(file) && b_written;
+    });
+    return b_written;
 }
 
 bool TVNC_XMLWriter::write(QIODevice& device, TVNC_XMLNode* pc_root)
 {
     if (!pc_root)
         return false;
-    setDevice(&device);
-    writeStartDocument();
-    bool b_written;
-    {
-        TreeWriter tree(*this);
-        b_written = tree.write(pc_root);
-        tree.endUnformatted();
-    }
-    writeEndDocument();
-    return b_written;
+    bool b_written = false;
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        setDevice(&device);
+        writeStartDocument();
+        {
+            TreeWriter tree(*this);
+            b_written = TVNG_walkTree(pc_root, tree);
+            tree.endUnformatted();
+        }
+        writeEndDocument();
+    });
+    return b_complete && b_written;
 }
 
 bool TVNC_XMLWriter::writeXMLNode(TVNC_XMLNode* pc_node)
 {
-    return TreeWriter(*this).write(pc_node);
+    bool b_written = false;
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        TreeWriter tree(*this);
+        b_written = TVNG_walkTree(pc_node, tree);
+    });
+    return b_complete && b_written;
 }

@@ -12,8 +12,8 @@
  * not installed.
  */
 
-/// The name of the numbering attribute, "id" in every store.
-QString& TVNG_idName();
+/// The attribute set docInfo="1.0" that the root of every document has.
+QXmlStreamAttributes TVNG_docInfo();
 
 /// Names the root for saving and makes docInfo="1.0" its only attribute. Null does nothing.
 void TVNG_nameRoot(TVNC_XMLNode* pc_root, QString& name);
@@ -34,12 +34,22 @@ void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& n
 /// Deletes a record that could not be hung under a root, so that it is not leaked; keeps any other.
 void TVNG_releaseDetached(TVNC_XMLNode* pc_record);
 
+/**
+ * Takes all children out of a node, null ones included. They have no parent then and are the caller's. The
+ * time is linear.
+ */
+QList<TVNC_XMLNode*> TVNG_takeChildren(TVNC_XMLNode& node);
+
+/// Hands a node to its deleteLater(). Null does nothing. When memory runs out for the event, the node is
+/// leaked, since somebody may still hold it.
+void TVNG_release(TVNC_XMLNode* pc_node);
+
 /// The record of a number; null without a root or without such a record.
 TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number);
 
 /**
  * The records of the numbers from 0 to @a si_count - 1, in this order, each as TVNG_recordByNumber() finds
- * it, or null: for going through all of them without searching for each.
+ * it, or null: for going through all of them without a search for each.
  */
 QVector<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count);
 

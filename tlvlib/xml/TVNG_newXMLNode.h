@@ -1,9 +1,8 @@
 #ifndef TLVLIB_XML_TVNG_NEWXMLNODE_H
 #define TLVLIB_XML_TVNG_NEWXMLNODE_H
 
+#include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
-
-#include <new>
 
 /**
  * A new node under @a pc_parent, or null when memory has run out: no exception leaves the library.
@@ -11,11 +10,9 @@
  */
 inline TVNC_XMLNode* TVNG_newXMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
 {
-    try {
-        return new TVNC_XMLNode(pc_parent, c_prepend);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    TVNC_XMLNode* pc_node = nullptr;
+    TVNG_hasMemoryFor([&] { pc_node = new TVNC_XMLNode(pc_parent, c_prepend); });
+    return pc_node;
 }
 
 #endif

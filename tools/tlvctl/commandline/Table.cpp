@@ -66,7 +66,8 @@ QString cutToWidth(const QString& text, int width)
         used += widthOf(codePoint);
         if (used > width)
             break;
-        cut += QString::fromUcs4(&codePoint, 1);
+        const char32_t character = codePoint;
+        cut += QString::fromUcs4(&character, 1);
     }
     return cut + QChar(0x2026);
 }

@@ -127,7 +127,7 @@ int countRenumbered(TVNC_XMLNode* root)
         return 0;
     const QList<TVNC_XMLNode*>& records = root->getXMLNodeChildren();
     int renumbered = 0;
-    for (int i = 0; i < std::min(records.size(), NUMBERED_MAX); ++i) {
+    for (int i = 0; i < std::min(static_cast<int>(records.size()), NUMBERED_MAX); ++i) {
         if (records.at(i)->getAttribute().value("id") != numberText(i))
             ++renumbered;
     }

@@ -1,5 +1,7 @@
-#ifndef TLVLIB_XML_TVNC_MARKUPGUARD_H
-#define TLVLIB_XML_TVNC_MARKUPGUARD_H
+#ifndef TLVLIB_FORMAT_TVNC_MARKUPGUARD_H
+#define TLVLIB_FORMAT_TVNC_MARKUPGUARD_H
+
+#include <QtCore/QVector>
 
 /**
  * Watches the bytes of an XML document in UTF-8 for what must not be parsed: document type declarations that
@@ -11,19 +13,21 @@
  * second one, before it complains, if it does. Only one declaration without a subset, before the root
  * element, may pass.
  *
- * Qt compares every attribute of an element with every other one, and every prefix with all namespaces that
- * are in force. A few bytes more an attribute would keep it busy for hours, so there are limits, far above
- * what any document needs: without them time would grow with the square of a file's size.
+ * Qt compares every attribute of an element with every other one, and every prefix with all declarations of
+ * namespaces that are in force, those of the elements around it included. A few bytes more an attribute would
+ * keep it busy for hours, so there are limits, far above what any document needs: without them time would
+ * grow with the square of a file's size. At the limits a megabyte takes one or two seconds.
  *
  * It is enough to tell tags, comments, CDATA sections and processing instructions from the rest, since a '<'
- * in any other place begins markup or is an error that ends the parsing.
+ * in any other place begins markup or is an error that ends the parsing. Behind an error nothing that the
+ * guard thinks matters any more.
  */
 class TVNC_MarkupGuard
 {
 public:
     enum {
-        ATTRIBUTES_MAX = 1000, ///< of an element, namespaces included
-        NAMESPACES_MAX = 1000, ///< declared in the whole document
+        ATTRIBUTES_MAX = 8000, ///< of an element, declarations of namespaces included
+        NAMESPACES_MAX = 4000, ///< declarations in force at one place
     };
 
     TVNC_MarkupGuard();
@@ -49,20 +53,25 @@ private:
 
     bool admitMarkup(char c_byte);
     bool admitTag(char c_byte);
+    bool admitAttributeName(char c_byte);
     void begin(Part part);
+    void beginElement();
+    void endElement();
     bool endsPart(char c_byte) const;
 
     Part part_;
     char markup_[8]; ///< in MARKUP: the characters behind '<'
-    int si_MarkupSize;
-    char c_Last; ///< the last two characters of a part that ends with a sequence
-    char c_BeforeLast;
-    char c_Quote;      ///< what ends a literal
-    int si_Attributes; ///< of the element, so far
-    int si_Namespaces; ///< of the document, so far
-    int si_XmlnsSize;  ///< how much of "xmlns" an attribute's name has begun with; -1 when it is another name
-    bool b_ElementSeen;
-    bool b_DoctypeSeen;
+    int si_markupSize_;
+    char c_last_; ///< the last two characters of the part
+    char c_beforeLast_;
+    char c_quote_;      ///< what ends a literal
+    int si_attributes_; ///< of the element, so far
+    int si_xmlnsSize_; ///< how much of "xmlns" an attribute's name has begun with; -1 when it is another name
+    int si_depth_;     ///< how many elements are open
+    bool b_doctypeSeen_;
+    bool b_elementSeen_;
+    /// Of each declaration of a namespace that is in force, the depth of its element: in ascending order.
+    QVector<int> namespaceDepths_;
 };
 
 #endif

@@ -1,5 +1,5 @@
-#ifndef TLVLIB_XML_TVNC_XMLCHARACTERS_H
-#define TLVLIB_XML_TVNC_XMLCHARACTERS_H
+#ifndef TLVLIB_FORMAT_TVNC_XMLCHARACTERS_H
+#define TLVLIB_FORMAT_TVNC_XMLCHARACTERS_H
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -15,11 +15,21 @@ public:
     /// The text without what XML cannot hold. Almost every text comes back as it is, shared.
     static QString writable(const QString& text);
 
-    /// How many units from the front are printable ASCII and blanks, to within three.
-    static int plainRun(const QChar* pc_text, int si_size);
+    /// Whether all bytes are ASCII and none is a control character.
+    static bool arePrintable(const char* pc_bytes, int si_size);
 
-    /// The same for bytes, exactly.
-    static int plainRun(const char* pc_bytes, int si_size);
+    enum { NO_SEQUENCE = 0, CUT_OFF = -1 };
+
+    /**
+     * The length in bytes of the UTF-8 sequence at @a pc_bytes, of which @a si_size bytes, at least one, are
+     * there; NO_SEQUENCE when it is none (overlong forms, surrogates and values above U+10FFFF are none),
+     * CUT_OFF when it may become one with the bytes that follow.
+     */
+    static int sequenceLength(const char* pc_bytes, int si_size);
+
+    /// Whether a complete sequence is a noncharacter of Unicode: U+FDD0 to U+FDEF, or one of the last two of
+    /// a plane.
+    static bool isNoncharacter(const char* pc_bytes, int si_length);
 
     /// What a look at a piece of a document found.
     struct Check
@@ -37,10 +47,8 @@ public:
      */
     static Check check(QByteArray& piece);
 
-    /**
-     * Puts U+FFFD in the place of the noncharacters of Unicode, U+FDD0 to U+FDEF and the last two of every
-     * plane, for a decoder that takes them for errors. The piece must be UTF-8.
-     */
+    /// Puts U+FFFD in the place of noncharacters, for a decoder that takes them for errors. The piece must be
+    /// UTF-8.
     static QByteArray withoutNoncharacters(const QByteArray& piece);
 };
 

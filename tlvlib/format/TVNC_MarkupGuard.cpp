@@ -1,4 +1,6 @@
-#include "tlvlib/xml/TVNC_MarkupGuard.h"
+#include "tlvlib/format/TVNC_MarkupGuard.h"
+
+#include "tlvlib/format/TVNG_documentForm.h"
 
 #include <cstring>
 
@@ -26,15 +28,15 @@ bool isAllOf(const char* pc_keyword, const char* pc_characters, int si_size)
 
 TVNC_MarkupGuard::TVNC_MarkupGuard()
     : part_(CONTENT)
-    , si_MarkupSize(0)
-    , c_Last(0)
-    , c_BeforeLast(0)
-    , c_Quote(0)
-    , si_Attributes(0)
-    , si_Namespaces(0)
-    , si_XmlnsSize(0)
-    , b_ElementSeen(false)
-    , b_DoctypeSeen(false)
+    , si_markupSize_(0)
+    , c_last_(0)
+    , c_beforeLast_(0)
+    , c_quote_(0)
+    , si_attributes_(0)
+    , si_xmlnsSize_(0)
+    , si_depth_(0)
+    , b_doctypeSeen_(false)
+    , b_elementSeen_(false)
 {
 }
 
@@ -60,11 +62,12 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
                 return i;
             break;
         case TAG_LITERAL:
-            if (c_byte == c_Quote) {
+            if (c_byte == c_quote_) {
                 part_ = TAG;
-                si_XmlnsSize = 0;
+                c_last_ = c_byte; // a '/' at the end of a value does not end an element
+                si_xmlnsSize_ = 0;
             } else if (c_byte == '<') {
-                begin(MARKUP);
+                begin(MARKUP); // an error: values hold none
             }
             break;
         case COMMENT:
@@ -72,8 +75,8 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
         case INSTRUCTION:
             if (endsPart(c_byte))
                 part_ = CONTENT;
-            c_BeforeLast = c_Last;
-            c_Last = c_byte;
+            c_beforeLast_ = c_last_;
+            c_last_ = c_byte;
             break;
         case DOCTYPE:
             if (c_byte == '[')
@@ -81,12 +84,12 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
             if (c_byte == '>') {
                 part_ = CONTENT;
             } else if (c_byte == '"' || c_byte == '\'') {
-                c_Quote = c_byte;
+                c_quote_ = c_byte;
                 part_ = DOCTYPE_LITERAL;
             }
             break;
         case DOCTYPE_LITERAL:
-            if (c_byte == c_Quote)
+            if (c_byte == c_quote_)
                 part_ = DOCTYPE;
             break;
         }
@@ -97,30 +100,27 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
 /// Returns false when the byte completes the start of a declaration that must not be parsed.
 bool TVNC_MarkupGuard::admitMarkup(char c_byte)
 {
-    markup_[si_MarkupSize++] = c_byte;
-    if (c_byte == '?' && si_MarkupSize == 1) {
+    // Never more than eight: the longest keyword has as many, and is then told from all others.
+    markup_[si_markupSize_++] = c_byte;
+    if (markup_[0] == '?') {
         begin(INSTRUCTION);
+    } else if (markup_[0] == '/') {
+        endElement();
+        part_ = CONTENT;
     } else if (markup_[0] != '!') {
-        if (c_byte == '/') {
-            part_ = CONTENT;
-        } else {
-            b_ElementSeen = true;
-            si_Attributes = 0;
-            si_XmlnsSize = -1;
-            part_ = TAG;
-        }
-    } else if (isAllOf(COMMENT_START, markup_, si_MarkupSize)) {
+        beginElement();
+    } else if (isAllOf(COMMENT_START, markup_, si_markupSize_)) {
         begin(COMMENT);
-    } else if (isAllOf(CDATA_START, markup_, si_MarkupSize)) {
+    } else if (isAllOf(CDATA_START, markup_, si_markupSize_)) {
         begin(CDATA);
-    } else if (isAllOf(DOCTYPE_START, markup_, si_MarkupSize)) {
-        if (b_ElementSeen || b_DoctypeSeen)
+    } else if (isAllOf(DOCTYPE_START, markup_, si_markupSize_)) {
+        if (b_elementSeen_ || b_doctypeSeen_)
             return false;
-        b_DoctypeSeen = true;
+        b_doctypeSeen_ = true;
         begin(DOCTYPE);
-    } else if (!isBeginningOf(COMMENT_START, markup_, si_MarkupSize) &&
-               !isBeginningOf(CDATA_START, markup_, si_MarkupSize) &&
-               !isBeginningOf(DOCTYPE_START, markup_, si_MarkupSize)) {
+    } else if (!isBeginningOf(COMMENT_START, markup_, si_markupSize_) &&
+               !isBeginningOf(CDATA_START, markup_, si_markupSize_) &&
+               !isBeginningOf(DOCTYPE_START, markup_, si_markupSize_)) {
         part_ = CONTENT; // not XML: the parser stops here
     }
     return true;
@@ -129,39 +129,70 @@ bool TVNC_MarkupGuard::admitMarkup(char c_byte)
 /// Returns false at the attribute that is one too many.
 bool TVNC_MarkupGuard::admitTag(char c_byte)
 {
-    const bool b_blank = c_byte == ' ' || c_byte == '\t' || c_byte == '\n' || c_byte == '\r';
-    if (si_XmlnsSize == NAMESPACE_SIZE && (c_byte == ':' || c_byte == '=' || b_blank)) {
-        si_XmlnsSize = -1;
-        if (++si_Namespaces > NAMESPACES_MAX)
-            return false;
-    }
+    if (!admitAttributeName(c_byte))
+        return false;
+    const char c_before = c_last_;
+    c_last_ = c_byte;
     switch (c_byte) {
     case '<':
-        begin(MARKUP);
+        begin(MARKUP); // an error
         break;
     case '>':
+        if (c_before == '/')
+            endElement();
         part_ = CONTENT;
         break;
     case '"':
     case '\'':
-        c_Quote = c_byte;
+        c_quote_ = c_byte;
         part_ = TAG_LITERAL;
-        return ++si_Attributes <= ATTRIBUTES_MAX;
+        return ++si_attributes_ <= ATTRIBUTES_MAX;
     default:
-        if (b_blank)
-            si_XmlnsSize = 0;
-        else if (si_XmlnsSize >= 0)
-            si_XmlnsSize = NAMESPACE[si_XmlnsSize] == c_byte ? si_XmlnsSize + 1 : -1;
+        break;
     }
+    return true;
+}
+
+/// Follows the names in a tag for "xmlns", alone or before a colon. Returns false at the declaration that is
+/// one too many.
+bool TVNC_MarkupGuard::admitAttributeName(char c_byte)
+{
+    const bool b_blank = TVNG_isBlank(static_cast<unsigned char>(c_byte));
+    if (si_xmlnsSize_ == NAMESPACE_SIZE && (c_byte == ':' || c_byte == '=' || b_blank)) {
+        if (namespaceDepths_.size() == NAMESPACES_MAX)
+            return false;
+        namespaceDepths_.append(si_depth_);
+        si_xmlnsSize_ = -1;
+    }
+    if (b_blank)
+        si_xmlnsSize_ = 0;
+    else if (si_xmlnsSize_ >= 0)
+        si_xmlnsSize_ = NAMESPACE[si_xmlnsSize_] == c_byte ? si_xmlnsSize_ + 1 : -1;
     return true;
 }
 
 void TVNC_MarkupGuard::begin(Part part)
 {
     part_ = part;
-    si_MarkupSize = 0;
-    c_Last = 0;
-    c_BeforeLast = 0;
+    si_markupSize_ = 0;
+    c_last_ = 0;
+    c_beforeLast_ = 0;
+}
+
+void TVNC_MarkupGuard::beginElement()
+{
+    begin(TAG);
+    b_elementSeen_ = true;
+    ++si_depth_;
+    si_attributes_ = 0;
+    si_xmlnsSize_ = -1; // the element's own name may be anything
+}
+
+void TVNC_MarkupGuard::endElement()
+{
+    while (!namespaceDepths_.isEmpty() && namespaceDepths_.last() == si_depth_)
+        namespaceDepths_.remove(namespaceDepths_.size() - 1);
+    --si_depth_;
 }
 
 bool TVNC_MarkupGuard::endsPart(char c_byte) const
@@ -170,10 +201,10 @@ bool TVNC_MarkupGuard::endsPart(char c_byte) const
         return false;
     switch (part_) {
     case COMMENT:
-        return c_Last == '-' && c_BeforeLast == '-';
+        return c_last_ == '-' && c_beforeLast_ == '-';
     case CDATA:
-        return c_Last == ']' && c_BeforeLast == ']';
+        return c_last_ == ']' && c_beforeLast_ == ']';
     default:
-        return c_Last == '?';
+        return c_last_ == '?';
     }
 }

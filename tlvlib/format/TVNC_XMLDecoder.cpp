@@ -1,18 +1,12 @@
-#include "tlvlib/xml/TVNC_XMLInput.h"
+#include "tlvlib/format/TVNC_XMLDecoder.h"
 
-#include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/xml/TVNC_XMLCharacters.h"
+#include "tlvlib/format/TVNG_documentForm.h"
 
 // Without a module: from Qt 6 on it is Core5Compat.
 #include <QTextCodec>
 #include <QTextDecoder>
 
-#include <cstring>
-
 namespace {
-
-/// Bytes read from the source at a time: what the stream reader asks for.
-const int PIECE_SIZE = 8192;
 
 const int UTF8_MIB = 106;
 
@@ -47,9 +41,11 @@ struct EncodingName
     QByteArray name;
 };
 
-bool isBlank(char c_byte)
+int skipBlanks(const QByteArray& bytes, int i)
 {
-    return c_byte == ' ' || c_byte == '\t' || c_byte == '\n' || c_byte == '\r';
+    while (i < bytes.size() && TVNG_isBlank(static_cast<uchar>(bytes.at(i))))
+        ++i;
+    return i;
 }
 
 /**
@@ -60,7 +56,7 @@ bool isBlank(char c_byte)
 EncodingName::Result findEncoding(const QByteArray& head, EncodingName& found)
 {
     const int si_start = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    if (head.mid(si_start, 5) != "<?xml" || head.size() <= si_start + 5 || !isBlank(head.at(si_start + 5)))
+    if (head.mid(si_start, 5) != "<?xml" || skipBlanks(head, si_start + 5) == si_start + 5)
         return EncodingName::NONE;
     const int si_declarationEnd = static_cast<int>(head.indexOf("?>", si_start));
     if (si_declarationEnd < 0)
@@ -74,12 +70,10 @@ EncodingName::Result findEncoding(const QByteArray& head, EncodingName& found)
     int i = found.si_start + static_cast<int>(sizeof KEYWORD) - 1;
     if (declaration.indexOf(KEYWORD, i) >= 0)
         return EncodingName::MALFORMED;
-    while (i < declaration.size() && isBlank(declaration.at(i)))
-        ++i;
-    if (i == declaration.size() || declaration.at(i++) != '=')
+    i = skipBlanks(declaration, i);
+    if (i == declaration.size() || declaration.at(i) != '=')
         return EncodingName::MALFORMED;
-    while (i < declaration.size() && isBlank(declaration.at(i)))
-        ++i;
+    i = skipBlanks(declaration, i + 1);
     if (i == declaration.size() || (declaration.at(i) != '"' && declaration.at(i) != '\''))
         return EncodingName::MALFORMED;
     const int si_close = static_cast<int>(declaration.indexOf(declaration.at(i), i + 1));
@@ -92,77 +86,21 @@ EncodingName::Result findEncoding(const QByteArray& head, EncodingName& found)
 
 } // namespace
 
-TVNC_XMLInput::TVNC_XMLInput(QIODevice& source)
-    : QIODevice(&source), source_(source), si_OutputPos(0), b_Begun(false), b_Ended(false)
+TVNC_XMLDecoder::TVNC_XMLDecoder() : b_begun_(false), b_ended_(false) {}
+
+TVNC_XMLDecoder::~TVNC_XMLDecoder() {}
+
+QByteArray TVNC_XMLDecoder::decode(const QByteArray& bytes)
 {
-    open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-}
-
-TVNC_XMLInput::~TVNC_XMLInput() {}
-
-bool TVNC_XMLInput::isSequential() const
-{
-    return true;
-}
-
-qint64 TVNC_XMLInput::readData(char* pc_data, qint64 maxSize)
-{
-    if (si_OutputPos == str_Output.size() && !b_Ended)
-        produce();
-    const qint64 size = qMin(maxSize, static_cast<qint64>(str_Output.size() - si_OutputPos));
-    std::memcpy(pc_data, str_Output.constData() + si_OutputPos, static_cast<size_t>(size));
-    si_OutputPos += static_cast<int>(size);
-    return size;
-}
-
-qint64 TVNC_XMLInput::writeData(const char*, qint64)
-{
-    return -1;
-}
-
-/// Refills str_Output. Leaves it empty, and without memory of its own, only at the end.
-void TVNC_XMLInput::produce()
-{
-    si_OutputPos = 0;
-    str_Output = next();
-    if (str_Output.isEmpty())
-        return;
-    const TVNC_XMLCharacters::Check check = TVNC_XMLCharacters::check(str_Output);
-    str_Tail = str_Output.mid(check.si_admitted, check.si_cutOff);
-    b_Ended = b_Ended || check.b_ended;
-    str_Output.truncate(check.si_admitted);
-    if (check.b_noncharacters && TVNG_decoderRefusesNoncharacters())
-        str_Output = TVNC_XMLCharacters::withoutNoncharacters(str_Output);
-
-    const int si_size = static_cast<int>(str_Output.size());
-    const int si_admitted = guard_.admit(str_Output.constData(), si_size);
-    b_Ended = b_Ended || si_admitted < si_size;
-    str_Output.truncate(si_admitted);
-}
-
-/// The next piece of the document, in UTF-8, unchecked. Empty, and b_Ended set, at the end.
-QByteArray TVNC_XMLInput::next()
-{
-    QByteArray piece;
-    if (b_Begun) {
-        piece = readSource();
-        if (decoder_)
-            piece = decode(piece);
-    } else {
-        b_Begun = true;
-        piece = begin();
+    if (!b_begun_) {
+        b_begun_ = true;
+        return decodeHead(bytes);
     }
-    if (piece.isEmpty()) {
-        b_Ended = true;
-        return piece;
-    }
-    return str_Tail + piece;
+    return decoder_ ? toUtf8(bytes) : bytes;
 }
 
-/// The first piece. Finds out the encoding.
-QByteArray TVNC_XMLInput::begin()
+QByteArray TVNC_XMLDecoder::decodeHead(const QByteArray& head)
 {
-    const QByteArray head = readSource();
     EncodingName encoding;
     QTextCodec* pc_codec = nullptr;
     const int si_mib = mibOfFirstBytes(head);
@@ -171,59 +109,47 @@ QByteArray TVNC_XMLInput::begin()
     } else {
         const EncodingName::Result result = findEncoding(head, encoding);
         if (result == EncodingName::MALFORMED)
-            return QByteArray();
+            return end();
         if (result == EncodingName::FOUND)
             pc_codec = QTextCodec::codecForName(encoding.name);
     }
-    // An unknown encoding is the stream reader's to report.
     if (!pc_codec || pc_codec->mibEnum() == UTF8_MIB)
         return head;
 
     decoder_.reset(pc_codec->makeDecoder());
-    QByteArray piece = decode(head);
-    const EncodingName::Result result = findEncoding(piece, encoding);
+    QByteArray decoded = toUtf8(head);
+    const EncodingName::Result result = findEncoding(decoded, encoding);
     if (result == EncodingName::MALFORMED)
-        return QByteArray();
+        return end();
     if (result == EncodingName::FOUND) {
         const int si_length = encoding.si_end - encoding.si_start;
-        piece.replace(encoding.si_start, si_length, QByteArray(si_length, ' '));
+        decoded.replace(encoding.si_start, si_length, QByteArray(si_length, ' '));
     }
-    return piece;
+    return decoded;
 }
 
 /// Decodes byte by byte, to find the exact place where the encoding is broken. Such documents are rare.
-QByteArray TVNC_XMLInput::decode(const QByteArray& bytes)
+QByteArray TVNC_XMLDecoder::toUtf8(const QByteArray& bytes)
 {
-    QString text = str_Surrogate;
-    str_Surrogate.clear();
+    QString text = surrogate_;
+    surrogate_.clear();
     for (int i = 0; i < bytes.size(); ++i) {
         const QString decoded = decoder_->toUnicode(bytes.constData() + i, 1);
         if (decoder_->hasFailure()) {
-            b_Ended = true;
+            b_ended_ = true;
             break;
         }
         text += decoded;
     }
     if (!text.isEmpty() && text.at(text.size() - 1).isHighSurrogate()) {
-        str_Surrogate = text.right(1);
+        surrogate_ = text.right(1);
         text.chop(1);
     }
     return text.toUtf8();
 }
 
-/// Reads until a piece is full or the source has no more.
-QByteArray TVNC_XMLInput::readSource()
+QByteArray TVNC_XMLDecoder::end()
 {
-    const int si_capacity = PIECE_SIZE - static_cast<int>(str_Tail.size());
-    QByteArray bytes;
-    bytes.resize(si_capacity);
-    int si_size = 0;
-    while (si_size < si_capacity) {
-        const qint64 count = source_.read(bytes.data() + si_size, si_capacity - si_size);
-        if (count <= 0)
-            break;
-        si_size += static_cast<int>(count);
-    }
-    bytes.truncate(si_size);
-    return bytes;
+    b_ended_ = true;
+    return QByteArray();
 }

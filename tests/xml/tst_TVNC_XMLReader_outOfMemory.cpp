@@ -1,0 +1,229 @@
+#include "tests/support/Setting.h"
+#include "tests/support/TestSupport.h"
+#include "tests/support/Tree.h"
+
+#include <tlvlib/xml/TVNC_XMLReader.h>
+#include <tlvlib/xml/TVNC_XMLWriter.h>
+
+#include <QtCore/QBuffer>
+
+#include <cerrno>
+
+/// Whether this program can have allocations fail, by taking the place of the C library's own functions.
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define CAN_FAIL_ALLOCATIONS 1
+#else
+#define CAN_FAIL_ALLOCATIONS 0
+#endif
+
+/// 0: nothing fails; n: the nth allocation from now on fails, and all that follow it if b_forGood.
+static long failingAllocation = 0;
+static bool b_forGood = false;
+
+#if CAN_FAIL_ALLOCATIONS
+static bool fails()
+{
+    if (failingAllocation == 0)
+        return false;
+    if (failingAllocation > 1) {
+        --failingAllocation;
+        return false;
+    }
+    if (!b_forGood)
+        failingAllocation = 0;
+    errno = ENOMEM;
+    return true;
+}
+
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* pc_memory, size_t size);
+
+void* malloc(size_t size) noexcept
+{
+    return fails() ? nullptr : __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size) noexcept
+{
+    return fails() ? nullptr : __libc_calloc(count, size);
+}
+
+void* realloc(void* pc_memory, size_t size) noexcept
+{
+    return fails() ? nullptr : __libc_realloc(pc_memory, size);
+}
+}
+#endif
+
+/// Each allocation on the way fails once: nothing is thrown, and what is left can be used.
+class tst_TVNC_XMLReader_outOfMemory : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init() { dir_.reset(new TempDir); }
+    void cleanup();
+
+    void readingFile_data();
+    void readingFile();
+    void readingElementUnderAParent();
+    void loading_data();
+    void loading();
+    void saving_data();
+    void saving();
+
+private:
+    QString path() const { return dir_->path() + utf8("document.xml"); }
+
+    QScopedPointer<TempDir> dir_;
+};
+
+/// A document in the library's own form, and one that only the general reader takes.
+static const char OWN[] =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<a docInfo=\"1.0\"><b id=\"000\">x &amp; y</b><c><![CDATA[\xE6\x97\xA5]]></c></a>\n";
+static const char OTHER[] =
+    "<a xmlns:x='urn:u' x:b='1' b='2'><b id='000'>x</b><!-- --><c><![CDATA[y]]></c></a>";
+
+static void addDocuments()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::newRow("the library's own form") << QByteArray(OWN);
+    QTest::newRow("another form") << QByteArray(OTHER);
+}
+
+void tst_TVNC_XMLReader_outOfMemory::initTestCase()
+{
+    if (!CAN_FAIL_ALLOCATIONS)
+        QSKIP("allocations cannot fail here", SkipAll);
+}
+
+void tst_TVNC_XMLReader_outOfMemory::cleanup()
+{
+    releaseDeferred();
+    dir_.reset();
+}
+
+void tst_TVNC_XMLReader_outOfMemory::readingFile_data()
+{
+    addDocuments();
+}
+
+void tst_TVNC_XMLReader_outOfMemory::readingFile()
+{
+    QFETCH(QByteArray, document);
+    writeFile(path(), document);
+    QString file = path();
+    bool b_all = false; // once more allocations may pass than there are
+    for (int i = 1; !b_all; ++i) {
+        for (int j = 0; j < 2; ++j) {
+            TVNC_XMLReader reader;
+            b_forGood = j == 1;
+            failingAllocation = i;
+            TVNC_XMLNode* const pc_root = reader.read(file);
+            b_all = b_forGood && failingAllocation > 1;
+            failingAllocation = 0;
+            if (pc_root)
+                describe(pc_root);
+            delete pc_root;
+        }
+    }
+}
+
+void tst_TVNC_XMLReader_outOfMemory::readingElementUnderAParent()
+{
+    bool b_all = false;
+    for (int i = 1; !b_all; ++i) {
+        TVNC_XMLReader reader;
+        reader.addData(QByteArray(OTHER));
+        reader.readNextStartElement();
+        TVNC_XMLNode parent(nullptr, 0);
+        b_forGood = false;
+        failingAllocation = i;
+        TVNC_XMLNode* const pc_node = reader.readXMLNode(&parent);
+        b_all = failingAllocation > 0;
+        failingAllocation = 0;
+        QCOMPARE(static_cast<int>(parent.getXMLNodeChildren().size()), pc_node ? 1 : 0);
+    }
+}
+
+void tst_TVNC_XMLReader_outOfMemory::loading_data()
+{
+    addDocuments();
+}
+
+void tst_TVNC_XMLReader_outOfMemory::loading()
+{
+    QFETCH(QByteArray, document);
+    writeFile(path(), document);
+    QString file = path();
+    Setting whole;
+    whole.load(file);
+    const QString tree = describe(whole.getXMLRootNode());
+    QVERIFY(tree.contains(QLatin1Char('(')));
+    bool b_kept = false;
+    bool b_all = false;
+    for (int i = 1; !b_all; ++i) {
+        for (int j = 0; j < 4; ++j) {
+            Setting setting;
+            if (j & 2) {
+                setting.createXMLRootNode();
+                makeNode(setting.getXMLRootNode(), "old");
+            }
+            TVNC_XMLNode* const pc_old = setting.getXMLRootNode();
+            b_forGood = j & 1;
+            failingAllocation = i;
+            setting.load(file);
+            b_all = b_forGood && failingAllocation > 1;
+            failingAllocation = 0;
+            releaseDeferred();
+            b_kept = b_kept || setting.getXMLRootNode() == pc_old;
+            // What there is can be used and replaced.
+            if (setting.getXMLRootNode())
+                describe(setting.getXMLRootNode());
+            setting.load(file);
+            QCOMPARE(describe(setting.getXMLRootNode()), tree);
+        }
+    }
+    QVERIFY(b_kept);
+}
+
+void tst_TVNC_XMLReader_outOfMemory::saving_data()
+{
+    addDocuments();
+}
+
+void tst_TVNC_XMLReader_outOfMemory::saving()
+{
+    QFETCH(QByteArray, document);
+    writeFile(path(), document);
+    QString file = path();
+    Setting setting;
+    setting.load(file);
+    const QString tree = describe(setting.getXMLRootNode());
+    setting.save(file);
+    const QByteArray saved = readFile(file);
+    bool b_all = false;
+    for (int i = 1; !b_all; ++i) {
+        for (int j = 0; j < 2; ++j) {
+            b_forGood = j == 1;
+            failingAllocation = i;
+            setting.save(file);
+            b_all = b_forGood && failingAllocation > 1;
+            failingAllocation = 0;
+            QCOMPARE(describe(setting.getXMLRootNode()), tree);
+            TVNC_XMLWriter writer;
+            failingAllocation = i;
+            writer.write(file, setting.getXMLRootNode());
+            failingAllocation = 0;
+        }
+    }
+    setting.save(file);
+    QCOMPARE(readFile(file), saved);
+}
+
+TLVLIB_TEST_MAIN(tst_TVNC_XMLReader_outOfMemory)
+#include "tst_TVNC_XMLReader_outOfMemory.moc"

@@ -1,0 +1,28 @@
+#ifndef TLVLIB_UTIL_TVNG_MEMORY_H
+#define TLVLIB_UTIL_TVNG_MEMORY_H
+
+#include <QtCore/QtGlobal>
+
+#include <new>
+
+/**
+ * Does what may run out of memory, so that no exception leaves the library. Internal to the library; not
+ * installed.
+ *
+ * @return whether there was memory for all of it
+ */
+template <typename Work>
+bool TVNG_hasMemoryFor(Work work)
+{
+    QT_TRY
+    {
+        work();
+        return true;
+    }
+    QT_CATCH(const std::bad_alloc&)
+    {
+        return false;
+    }
+}
+
+#endif
