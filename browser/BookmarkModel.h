@@ -24,20 +24,27 @@ class TLVLIB_BROWSER_EXPORT BookmarkModel : public RecordModel
     Q_OBJECT
 
 public:
+    /// The columns.
     enum Column { TitleColumn, UrlColumn };
+    /// The roles, for C++; QML has their names.
     enum Role { TitleRole = FirstRole, UrlRole, PictureUrlRole };
 
+    /// Of a title; a longer one is cut.
     static constexpr int TitleMaximumBytes = 100;
+    /// Of an address; a longer one is refused.
     static constexpr int UrlMaximumBytes = 256;
+    /// maximum() unless it is set.
     static constexpr int DefaultMaximum = 100;
 
     /// The size of a picture on the device, in pixels. The file takes any.
     static constexpr QSize PictureSize = QSize(160, 120);
 
+    /// A model without bookmarks, up to load().
     explicit BookmarkModel(QObject* parent = nullptr);
 
     /// How many bookmarks add() makes: 1 to 999, 100 unless it is set. A longer file keeps what it has.
     int maximum() const { return maximum_; }
+    /// What is outside of 1 to 999 is taken for the nearer end.
     void setMaximum(int maximum);
 
     /// Replaces the bookmarks by those of a directory, which ends in "/". Profile does this.
@@ -76,18 +83,22 @@ public:
     /// well.
     QString errorString() const { return error_; }
 
+    /// @cond
     Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    /// @endcond
 
 Q_SIGNALS:
     /// A picture could not be written. Its bookmark is there, without it.
     void pictureNotSaved(const QString& error);
 
 protected:
+    /// @cond
     int storedCount() const override;
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
+    /// @endcond
 
 private:
     QString picturePath(int row) const;

@@ -28,6 +28,7 @@ public:
     /// How many cookies the two files hold: what the conversions take.
     static constexpr int MaximumKept = 20;
 
+    /// A jar without cookies, up to load().
     explicit CookieJar(QObject* parent = nullptr);
     ~CookieJar() override;
 
@@ -47,19 +48,22 @@ public:
     /// Removes all cookies.
     void clear();
 
+    /// @cond
     QList<QNetworkCookie> cookiesForUrl(const QUrl& url) const override;
     bool setCookiesFromUrl(const QList<QNetworkCookie>& cookies, const QUrl& url) override;
     bool insertCookie(const QNetworkCookie& cookie) override;
     bool deleteCookie(const QNetworkCookie& cookie) override;
+    /// @endcond
 
 Q_SIGNALS:
     /// There is something to save.
     void changed();
 
-    // Positions are those of cookies(); all of it has happened when it is told. A changed cookie is removed
-    // and added at the end.
+    /// All cookies are others.
     void loaded();
+    /// There is one more at the end of cookies(). A changed cookie is removed, and added again.
     void cookieAdded();
+    /// These positions of cookies() are gone.
     void cookiesRemoved(int first, int last);
 
 private:

@@ -18,7 +18,9 @@ class TLVLIB_BROWSER_EXPORT CookieModel : public RecordModel
     Q_OBJECT
 
 public:
+    /// The columns.
     enum Column { DomainColumn, NameColumn, PathColumn, FlagsColumn, ExpiresColumn };
+    /// The roles, for C++; QML has their names.
     enum Role {
         DomainRole = FirstRole,
         NameRole,
@@ -29,16 +31,19 @@ public:
         HttpOnlyRole
     };
 
-    /// @param jar outlives the model
+    /// A model of a jar that outlives it.
     explicit CookieModel(CookieJar& jar, QObject* parent = nullptr);
 
+    /// Removes cookies from the jar.
     bool removeRows(int row, int count, const QModelIndex& parent = QModelIndex()) override;
 
 protected:
+    /// @cond
     int storedCount() const override;
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
     QVariant shown(int column, const QVariant& value) const override;
+    /// @endcond
 
 private:
     CookieJar& jar_;

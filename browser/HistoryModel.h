@@ -21,16 +21,21 @@ class TLVLIB_BROWSER_EXPORT HistoryModel : public RecordModel
     Q_OBJECT
 
 public:
+    /// The columns.
     enum Column { TimeColumn, TitleColumn, UrlColumn };
+    /// The roles, for C++; QML has their names.
     enum Role { DateTimeRole = FirstRole, TitleRole, UrlRole };
 
+    /// maximum() unless it is set.
     static constexpr int DefaultMaximum = 200;
 
+    /// A model without visits, up to load().
     explicit HistoryModel(QObject* parent = nullptr);
 
     /// How many visits there are at most: 1 to 999, 200 unless it is set before loading. When they are as
     /// many, the oldest goes for the next. A longer file stays as long as it is.
     int maximum() const { return maximum_; }
+    /// What is outside of 1 to 999 is taken for the nearer end.
     void setMaximum(int maximum);
 
     /// Replaces the visits by those of a directory, which ends in "/". Profile does this.
@@ -50,10 +55,12 @@ public:
     Q_INVOKABLE void setTitle(const QString& url, const QString& title);
 
 protected:
+    /// @cond
     int storedCount() const override;
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
     QVariant shown(int column, const QVariant& value) const override;
+    /// @endcond
 
 private:
     TVNC_HistorySetting& store_;

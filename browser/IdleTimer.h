@@ -18,13 +18,17 @@ class TLVLIB_BROWSER_EXPORT IdleTimer : public QObject
     Q_OBJECT
 
 public:
+    /// Begins at once.
     explicit IdleTimer(std::chrono::milliseconds span, QObject* parent = nullptr);
 
 Q_SIGNALS:
+    /// Nobody has used the application for the span.
     void idle();
 
 protected:
+    /// @cond
     bool eventFilter(QObject* watched, QEvent* event) override;
+    /// @endcond
 
 private:
     QTimer timer_;

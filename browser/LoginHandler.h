@@ -17,13 +17,13 @@ namespace Tlv {
 /// What a server, or the proxy, wants to know.
 struct LoginRequest
 {
-    QUrl url; ///< of the page or the part of it that wants the login
-    QString host;
-    int port = 0;
+    QUrl url;                ///< of the page or the part of it that wants the login
+    QString host;            ///< of the server, or of the proxy
+    int port = 0;            ///< of the same
     QString realm;           ///< a text of the server's: show it as plain text
     QString user;            ///< the user name that was tried last, to begin with
     bool wasRefused = false; ///< whether a login was tried and is wrong
-    bool isProxy = false;
+    bool isProxy = false;    ///< whether it is the proxy that asks
 };
 
 /**
@@ -58,7 +58,7 @@ public:
     /// Of user name and password for the proxy, each.
     static constexpr int ProxyMaximumBytes = 80;
 
-    /// @param logins outlives the handler
+    /// A handler for logins that outlive it.
     explicit LoginHandler(LoginModel& logins, QObject* parent = nullptr);
     ~LoginHandler() override;
 
@@ -76,6 +76,7 @@ public:
     void forget();
 
 Q_SIGNALS:
+    /// No login is left to be tried: see above. The answer may be given in the slot.
     void loginRequired(const Tlv::LoginRequest& request);
 
     /// A request has failed whose login is kept: loading it again uses it. Never twice for the same login.

@@ -19,20 +19,25 @@ class TLVLIB_BROWSER_EXPORT LoginModel : public RecordModel
     Q_OBJECT
 
 public:
+    /// The columns.
     enum Column { ServerColumn, SchemeColumn, UserColumn, PasswordColumn };
+    /// The roles, for C++; QML has their names.
     enum Role { ServerRole = FirstRole, SchemeRole, UserRole, HostRole = UserRole + 2, PortRole };
 
     /// What a server asks for, in the codes of the store.
     enum Scheme { Basic = 0, Digest = 1, Ntlm = 2 };
     Q_ENUM(Scheme)
 
+    /// maximum() unless it is set.
     static constexpr int DefaultMaximum = 50;
 
+    /// A model without logins, up to load().
     explicit LoginModel(QObject* parent = nullptr);
 
     /// How many logins there are at most: 1 to 999, 50 unless it is set before loading. The oldest goes for
     /// the next.
     int maximum() const { return maximum_; }
+    /// What is outside of 1 to 999 is taken for the nearer end.
     void setMaximum(int maximum);
 
     /// Replaces the logins by those of a directory, which ends in "/". Profile does this.
@@ -50,6 +55,9 @@ public:
     /**
      * Keeps a login in front, in place of an older one for the same host, port and scheme.
      *
+     * @param host     of the server
+     * @param port     of the server
+     * @param scheme   for which it is
      * @param user     in UTF-8
      * @param password in UTF-8
      * @return false when a part of it is too long; nothing changes then
@@ -58,10 +66,12 @@ public:
               const QByteArray& password);
 
 protected:
+    /// @cond
     int storedCount() const override;
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
     QVariant shown(int column, const QVariant& value) const override;
+    /// @endcond
 
 private:
     TVNS_AuthInfo stored(int row) const;

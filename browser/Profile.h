@@ -59,10 +59,12 @@ struct Damage
 class TLVLIB_BROWSER_EXPORT Profile : public QObject
 {
     Q_OBJECT
+    /// @cond
     Q_PROPERTY(Tlv::BookmarkModel* bookmarks READ bookmarks CONSTANT)
     Q_PROPERTY(Tlv::HistoryModel* history READ history CONSTANT)
     Q_PROPERTY(Tlv::LoginModel* logins READ logins CONSTANT)
     Q_PROPERTY(Tlv::CookieModel* cookies READ cookies CONSTANT)
+    /// @endcond
 
 public:
     /// Of a user's directory, in bytes, with the "/" at its end: the paths of pictures have at most 256.
@@ -73,7 +75,7 @@ public:
 
     /// Why a profile could not be opened.
     enum Error {
-        NoError,
+        NoError,         ///< it could
         PathError,       ///< too long, or not ASCII
         PermissionError, ///< cannot be made, or cannot be written
         InUseError       ///< another process has it, or another Profile of this one
@@ -81,9 +83,13 @@ public:
     Q_ENUM(Error)
 
     /// When the use of the browser ends, in the codes of the preferences.
-    enum Occasion { LogOut = 1, Timeout = 2 };
+    enum Occasion {
+        LogOut = 1, ///< somebody has said so
+        Timeout = 2 ///< nobody was here for a while
+    };
     Q_ENUM(Occasion)
 
+    /// A profile that is not open.
     explicit Profile(QObject* parent = nullptr);
 
     /// Closes the profile.
@@ -105,8 +111,11 @@ public:
     /// Saves what is left to be saved and gives the directories free. The models keep what they show.
     void close();
 
+    /// Whether it is open.
     bool isOpen() const;
+    /// Why the last open() failed.
     Error error() const;
+    /// The same in words for a person; empty when it did not.
     QString errorString() const;
 
     /// What was damaged at the last open().
@@ -115,24 +124,37 @@ public:
     /// What could not be saved up to now, and why, in words for a person; empty when there is nothing.
     QString saveError() const;
 
-    // With "/" at their ends; empty before the first open().
+    /// @name The directories
+    /// With "/" at their ends; empty before the first open().
+    /// @{
+
+    /// The user's.
     QString userDirectory() const;
+    /// The device's.
     QString deviceDirectory() const;
 
-    BookmarkModel* bookmarks() const;
-    HistoryModel* history() const;
-    LoginModel* logins() const;
-    CookieModel* cookies() const;
-    CookieJar* cookieJar() const;
-    LoginHandler* loginHandler() const;
+    /// @}
+    /// @name The pieces
+    /// They are there from the beginning, and filled by open().
+    /// @{
+    BookmarkModel* bookmarks() const;   ///< the bookmarks
+    HistoryModel* history() const;      ///< the visits
+    LoginModel* logins() const;         ///< the logins
+    CookieModel* cookies() const;       ///< the cookies, to be shown
+    CookieJar* cookieJar() const;       ///< the cookies, for managers
+    LoginHandler* loginHandler() const; ///< what servers and proxies ask
+    /// @}
 
     /// The fonts that the user may choose from. On the first start those of the machine, if the application
     /// is one with a GUI.
     QStringList fonts() const;
 
-    // The preferences, asked directly. Call savePreferences() after a change.
-    static TVNC_BrowserCommonSetting& devicePreferences();
-    static TVNC_BrowserUserSetting& userPreferences();
+    /// @name The preferences
+    /// Asked directly. Call savePreferences() after a change.
+    /// @{
+    static TVNC_BrowserCommonSetting& devicePreferences(); ///< those of the device
+    static TVNC_BrowserUserSetting& userPreferences();     ///< those of the user
+    /// @}
 
     /// Has both preferences saved, and emits preferencesChanged().
     void savePreferences();
@@ -160,7 +182,9 @@ public:
 Q_SIGNALS:
     /// A save failed; the text is for a person. Once for each file and reason, until it has been saved again.
     void saveFailed(const QString& error);
+    /// saveError() is another one, or none.
     void saveErrorChanged();
+    /// savePreferences() was called.
     void preferencesChanged();
 
 private:

@@ -20,6 +20,7 @@ namespace Tlv {
 class TLVLIB_BROWSER_EXPORT ProxyFactory : public QNetworkProxyFactory
 {
 public:
+    /// The one proxy for a connection.
     QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override;
 
     /// The proxy for an address.

@@ -23,6 +23,7 @@ namespace Tlv {
 class TLVLIB_BROWSER_EXPORT RecordModel : public QAbstractTableModel
 {
     Q_OBJECT
+    /// How many records there are.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
@@ -31,14 +32,17 @@ public:
 
     ~RecordModel() override;
 
+    /// How many records there are.
     int count() const { return static_cast<int>(rows_.size()); }
 
+    /// @cond
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     QHash<int, QByteArray> roleNames() const override;
     bool removeRows(int row, int count, const QModelIndex& parent = QModelIndex()) override;
+    /// @endcond
 
     /// Removes one record; a row that is none does nothing.
     Q_INVOKABLE void remove(int row);
@@ -49,41 +53,61 @@ public:
 Q_SIGNALS:
     /// There is something to save.
     void changed();
+    /// Records came or went.
     void countChanged();
 
 protected:
+    /// The role of the first field.
     static constexpr int FirstRole = Qt::UserRole + 1;
 
     /// A member of the records. The fields that have a title are columns, and stand before those that have
     /// none. Those that have a name are roles, from FirstRole on, in the order of the fields.
     struct Field
     {
-        const char* name;
-        QString title;
+        const char* name; ///< as a role; null for none
+        QString title;    ///< as a column; empty for none
     };
 
+    /// A model of records with these fields, empty up to storeLoaded().
     RecordModel(std::vector<Field> fields, QObject* parent);
 
     /// A record's field.
     QVariant field(int row, int number) const { return rows_.at(row).at(number); }
 
-    // The store, as the model sees it.
+    /// @name The store, as the model sees it
+    /// @{
+
+    /// How many records have a number.
     virtual int storedCount() const = 0;
+    /// The fields of a record.
     virtual QVariantList storedRecord(int row) const = 0;
+    /// Removes a record from the store.
     virtual void removeStored(int row) = 0;
+
+    /// @}
 
     /// What a column shows of its field.
     virtual QVariant shown(int column, const QVariant& value) const;
 
-    // What has happened to the store, told afterwards, step by step. Each brings the copy up to it.
+    /// @name What has happened to the store
+    /// Told afterwards, step by step. Each brings the copy up to it, and tells the views.
+    /// @{
+
+    /// All records are others.
     void storeLoaded();
+    /// There is a new one in front.
     void recordPrepended();
+    /// One has moved to the front and has changed.
     void recordMovedToFront(int from);
+    /// These are gone.
     void recordsRemoved(int first, int last);
+    /// One has changed at its place.
     void recordChanged(int row);
     /// Records came or went at the end: an addition to a full list pushes one out of the numbers, and a
     /// removal lets one in.
     void endChanged();
+
+    /// @}
 
 private:
     const std::vector<Field> fields_;
