@@ -4,43 +4,68 @@
 #include <QtWidgets/QAction>
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QListWidget>
+#include <QtWidgets/QListView>
+#include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QVBoxLayout>
+
+using Tlv::BookmarkModel;
 
 namespace {
 
-/// A picture with a thin frame; an empty page where there is none.
-QIcon iconOf(const QImage& picture)
+const QSize PICTURE_SIZE = BookmarkModel::PictureSize;
+
+/// Gives the pictures a thin frame; an empty page where there is none. All are of one size, so that a picture
+/// is asked for when it is painted, and not for the layout.
+class FramingDelegate : public QStyledItemDelegate
 {
-    QPixmap pixmap(Bookmarks::PICTURE_WIDTH, Bookmarks::PICTURE_HEIGHT);
-    pixmap.fill(Qt::white);
-    QPainter painter(&pixmap);
-    painter.drawImage(0, 0, picture);
-    painter.setPen(QColor("#b8c0c8"));
-    painter.drawRect(pixmap.rect().adjusted(0, 0, -1, -1));
-    return pixmap;
-}
+public:
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override
+    {
+        return PICTURE_SIZE + QSize(20, option.fontMetrics.height() + 2);
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        QPixmap pixmap(PICTURE_SIZE);
+        pixmap.fill(Qt::white);
+        QPainter painter(&pixmap);
+        painter.drawImage(0, 0, index.data(Qt::DecorationRole).value<QImage>());
+        painter.setPen(QColor("#b8c0c8"));
+        painter.drawRect(pixmap.rect().adjusted(0, 0, -1, -1));
+        option->features |= QStyleOptionViewItem::HasDecoration;
+        option->decorationSize = PICTURE_SIZE;
+        option->icon = pixmap;
+    }
+};
 
 } // namespace
 
-BookmarkPage::BookmarkPage(Bookmarks& bookmarks)
-    : bookmarks_(bookmarks), hint_(new QLabel), list_(new QListWidget)
+BookmarkPage::BookmarkPage(BookmarkModel& bookmarks) : bookmarks_(bookmarks), list_(new QListView)
 {
     auto* title = new QLabel(tr("Bookmarks"));
     title->setProperty("isTitle", true);
-    hint_->setText(tr("There are no bookmarks yet. Open a page and press Ctrl+D."));
+    auto* hint = new QLabel(tr("There are no bookmarks yet. Open a page and press Ctrl+D."));
+    hint->setVisible(bookmarks.count() == 0);
+    connect(&bookmarks, &BookmarkModel::countChanged, hint,
+            [hint, &bookmarks] { hint->setVisible(bookmarks.count() == 0); });
     list_->setObjectName("bookmarks");
+    list_->setModel(&bookmarks);
+    list_->setItemDelegate(new FramingDelegate);
     list_->setViewMode(QListView::IconMode);
     list_->setMovement(QListView::Static);
     list_->setResizeMode(QListView::Adjust);
-    list_->setIconSize(QSize(Bookmarks::PICTURE_WIDTH, Bookmarks::PICTURE_HEIGHT));
-    list_->setGridSize(QSize(Bookmarks::PICTURE_WIDTH + 20, Bookmarks::PICTURE_HEIGHT + 44));
+    list_->setIconSize(PICTURE_SIZE);
+    list_->setGridSize(PICTURE_SIZE + QSize(20, 44));
     list_->setWordWrap(true);
+    list_->setEditTriggers(QListView::NoEditTriggers);
     list_->setContextMenuPolicy(Qt::ActionsContextMenu);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(title);
-    layout->addWidget(hint_);
+    layout->addWidget(hint);
     layout->addWidget(list_, 1);
+    setFocusProxy(list_);
 
     const auto addAction = [this](const QString& text, const char* keys, void (BookmarkPage::*run)()) {
         auto* action = new QAction(text, list_);
@@ -51,41 +76,23 @@ BookmarkPage::BookmarkPage(Bookmarks& bookmarks)
     };
     addAction(tr("Rename ..."), "F2", &BookmarkPage::rename);
     addAction(tr("Remove"), "Delete", &BookmarkPage::remove);
-    connect(list_, &QListWidget::itemActivated, this,
-            [this](QListWidgetItem* item) { emit chosen(item->data(Qt::UserRole).toString()); });
-    connect(&bookmarks_, &Bookmarks::changed, this, [this] {
-        if (isVisible())
-            refresh();
-    });
-}
-
-void BookmarkPage::refresh()
-{
-    list_->clear();
-    for (int i = 0; i < bookmarks_.count(); ++i) {
-        const TVNS_Bookmark bookmark = bookmarks_.at(i);
-        auto* item = new QListWidgetItem(iconOf(bookmarks_.picture(i)), bookmark.title, list_);
-        item->setData(Qt::UserRole, bookmark.href);
-        item->setToolTip(bookmark.href.toHtmlEscaped());
-    }
-    hint_->setVisible(list_->count() == 0);
-    list_->setFocus();
+    connect(list_, &QListView::activated, this,
+            [this](const QModelIndex& index) { emit chosen(index.data(BookmarkModel::UrlRole).toString()); });
 }
 
 void BookmarkPage::rename()
 {
-    const int position = list_->currentRow();
-    if (position < 0)
+    const QModelIndex index = list_->currentIndex();
+    if (!index.isValid())
         return;
     bool isGiven = false;
     const QString title = QInputDialog::getText(this, tr("Rename"), tr("Title"), QLineEdit::Normal,
-                                                bookmarks_.at(position).title, &isGiven);
+                                                index.data().toString(), &isGiven);
     if (isGiven)
-        bookmarks_.rename(position, title);
+        bookmarks_.rename(index.row(), title);
 }
 
 void BookmarkPage::remove()
 {
-    if (list_->currentRow() >= 0)
-        bookmarks_.remove(list_->currentRow());
+    bookmarks_.remove(list_->currentIndex().row());
 }

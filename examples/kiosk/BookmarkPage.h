@@ -1,12 +1,11 @@
 #ifndef EXAMPLES_KIOSK_BOOKMARKPAGE_H
 #define EXAMPLES_KIOSK_BOOKMARKPAGE_H
 
-#include "Bookmarks.h"
+#include <tlvlib/browser/BookmarkModel.h>
 
 #include <QtWidgets/QWidget>
 
-class QLabel;
-class QListWidget;
+class QListView;
 
 /// The bookmarks as a grid of their pictures.
 class BookmarkPage : public QWidget
@@ -14,10 +13,7 @@ class BookmarkPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit BookmarkPage(Bookmarks& bookmarks);
-
-    /// Shows the bookmarks as they are now.
-    void refresh();
+    explicit BookmarkPage(Tlv::BookmarkModel& bookmarks);
 
 signals:
     void chosen(const QString& url);
@@ -26,9 +22,8 @@ private:
     void rename();
     void remove();
 
-    Bookmarks& bookmarks_;
-    QLabel* hint_;
-    QListWidget* list_;
+    Tlv::BookmarkModel& bookmarks_;
+    QListView* list_;
 };
 
 #endif

@@ -6,7 +6,6 @@
 #include "LoginDialog.h"
 #include "SettingsDialog.h"
 
-#include <QtCore/QStringListModel>
 #include <QtGui/QCloseEvent>
 #include <QtWebKit/QWebHistory>
 #include <QtWebKitWidgets/QWebFrame>
@@ -21,6 +20,10 @@
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QToolBar>
 
+using Tlv::BookmarkModel;
+using Tlv::HistoryModel;
+using Tlv::Profile;
+
 namespace {
 
 const char BLANK[] = "about:blank";
@@ -33,115 +36,135 @@ QString textOf(const QUrl& url)
 
 } // namespace
 
-BrowserWindow::BrowserWindow(BrowserState& state) : state_(state), network_(state)
+BrowserWindow::BrowserWindow(Profile& profile)
+    : profile_(profile)
+    , network_(profile)
+    , stack_(new QStackedWidget)
+    , web_(new QWebView)
+    , address_(new QLineEdit)
+    , message_(new QLabel)
 {
     setWindowTitle(tr("Kiosk"));
     makePages();
     makeToolBar();
-    message_ = new QLabel;
-    statusBar()->addWidget(message_, 1);
-    saveProblem_ = new QLabel;
-    saveProblem_->setProperty("isProblem", true);
-    statusBar()->addPermanentWidget(saveProblem_);
-    statusBar()->setSizeGripEnabled(false);
+    makeStatusBar();
     connectWeb();
-
-    network_.askForLogin = [this](LoginQuestion& question) { return askForLogin(question); };
-    connect(&network_, &Network::message, this, &BrowserWindow::showMessage);
-    connect(&state_, &BrowserState::preferencesChanged, this, &BrowserWindow::applyPreferences);
-    connect(&state_, &BrowserState::saved, this, &BrowserWindow::showSaveProblem);
-    connect(&state_.history, &History::changed, this, &BrowserWindow::updateCompletions);
-    connect(&state_.bookmarks, &Bookmarks::changed, this, &BrowserWindow::updateBookmarkAction);
-    updateCompletions();
+    connectProfile();
     applyPreferences();
 }
 
-BrowserWindow::~BrowserWindow() = default;
-
 void BrowserWindow::makePages()
 {
-    stack_ = new QStackedWidget;
-    web_ = new QWebView;
     web_->page()->setNetworkAccessManager(&network_);
-    bookmarkPage_ = new BookmarkPage(state_.bookmarks);
-    historyPage_ = new HistoryPage(state_.history);
-    keptPage_ = new KeptPage(state_.logins, state_.cookies);
+    auto* bookmarks = new BookmarkPage(*profile_.bookmarks());
+    auto* history = new HistoryPage(*profile_.history());
+    connect(bookmarks, &BookmarkPage::chosen, this, &BrowserWindow::openUrl);
+    connect(history, &HistoryPage::chosen, this, &BrowserWindow::openUrl);
+    bookmarkPage_ = bookmarks;
+    historyPage_ = history;
+    keptPage_ = new KeptPage(profile_);
     for (QWidget* page : std::initializer_list<QWidget*>{web_, bookmarkPage_, historyPage_, keptPage_})
         stack_->addWidget(page);
     setCentralWidget(stack_);
-    connect(bookmarkPage_, &BookmarkPage::chosen, this, &BrowserWindow::openUrl);
-    connect(historyPage_, &HistoryPage::chosen, this, &BrowserWindow::openUrl);
 }
 
-QAction* BrowserWindow::addAction(const char* iconName, QStyle::StandardPixmap icon, const QString& text,
-                                  const char* keys, void (BrowserWindow::*run)())
+QAction* BrowserWindow::addShortcut(const char* keys, const std::function<void()>& run)
 {
-    auto* action = new QAction(QIcon::fromTheme(iconName, style()->standardIcon(icon)), text, this);
+    auto* action = new QAction(this);
     action->setShortcut(QKeySequence(keys));
-    action->setToolTip(QString("%1 (%2)").arg(text, keys));
     connect(action, &QAction::triggered, this, run);
-    QMainWindow::addAction(action);
+    addAction(action);
+    return action;
+}
+
+QAction* BrowserWindow::addButton(QToolBar& bar, const char* iconName, QStyle::StandardPixmap icon,
+                                  const QString& text, const char* keys, const std::function<void()>& run)
+{
+    QAction* action = addShortcut(keys, run);
+    action->setIcon(QIcon::fromTheme(iconName, style()->standardIcon(icon)));
+    action->setText(text);
+    action->setToolTip(QString("%1 (%2)").arg(text, keys));
+    bar.addAction(action);
     return action;
 }
 
 void BrowserWindow::makeToolBar()
 {
-    QToolBar* bar = addToolBar(tr("Navigation"));
-    bar->setMovable(false);
-    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+    QToolBar& bar = *addToolBar(tr("Navigation"));
+    bar.setMovable(false);
+    bar.setContextMenuPolicy(Qt::PreventContextMenu);
     const std::pair<QWebPage::WebAction, const char*> pageActions[] = {
         {QWebPage::Back, "Alt+Left"}, {QWebPage::Forward, "Alt+Right"}, {QWebPage::Reload, "F5"}};
     for (const auto& [webAction, shortcut] : pageActions) {
         QAction* action = web_->pageAction(webAction);
         action->setShortcut(QKeySequence(shortcut));
         action->setToolTip(QString("%1 (%2)").arg(action->text(), shortcut));
-        connect(action, &QAction::triggered, this, &BrowserWindow::showWeb);
-        bar->addAction(action);
+        connect(action, &QAction::triggered, this, [this] { showPage(web_); });
+        bar.addAction(action);
     }
-    bar->addAction(
-        addAction("go-home", QStyle::SP_DirHomeIcon, tr("Home page"), "Alt+Home", &BrowserWindow::home));
+    addButton(bar, "go-home", QStyle::SP_DirHomeIcon, tr("Home page"), "Alt+Home", [this] {
+        QString url;
+        Profile::userPreferences().getHomePage(&url);
+        openOrShowBookmarks(url);
+    });
 
-    address_ = new QLineEdit;
     address_->setObjectName("address");
     address_->setPlaceholderText(tr("Address"));
-    completions_ = new QStringListModel(this);
-    auto* completer = new QCompleter(completions_, this);
+    auto* completer = new QCompleter(profile_.history(), this);
+    completer->setCompletionColumn(HistoryModel::UrlColumn);
     completer->setFilterMode(Qt::MatchContains);
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     address_->setCompleter(completer);
     connect(address_, &QLineEdit::returnPressed, this, [this] { openUrl(address_->text()); });
-    bar->addWidget(address_);
+    bar.addWidget(address_);
 
-    bookmarkAction_ = addAction("bookmark-new", QStyle::SP_DialogSaveButton, tr("Bookmark this page"),
-                                "Ctrl+D", &BrowserWindow::bookmark);
-    bar->addAction(bookmarkAction_);
-    bar->addSeparator();
-    bar->addAction(addAction("user-bookmarks", QStyle::SP_FileDialogListView, tr("Bookmarks"), "Ctrl+B",
-                             &BrowserWindow::showBookmarks));
-    bar->addAction(addAction("view-history", QStyle::SP_FileDialogDetailedView, tr("History"), "Ctrl+H",
-                             &BrowserWindow::showHistory));
-    bar->addAction(addAction("dialog-password", QStyle::SP_DriveHDIcon, tr("Logins and cookies"), "Ctrl+K",
-                             &BrowserWindow::showKept));
-    bar->addAction(addAction("configure", QStyle::SP_FileDialogContentsView, tr("Settings"), "Ctrl+,",
-                             &BrowserWindow::showSettings));
-    bar->addAction(addAction("system-log-out", QStyle::SP_DialogCloseButton, tr("Log out"), "Ctrl+Shift+Q",
-                             &BrowserWindow::logOut));
+    bookmarkAction_ = addButton(bar, "bookmark-new", QStyle::SP_DialogSaveButton, tr("Bookmark this page"),
+                                "Ctrl+D", [this] { bookmark(); });
+    bar.addSeparator();
+    addButton(bar, "user-bookmarks", QStyle::SP_FileDialogListView, tr("Bookmarks"), "Ctrl+B",
+              [this] { showPage(bookmarkPage_); });
+    addButton(bar, "view-history", QStyle::SP_FileDialogDetailedView, tr("History"), "Ctrl+H",
+              [this] { showPage(historyPage_); });
+    addButton(bar, "dialog-password", QStyle::SP_DriveHDIcon, tr("Logins and cookies"), "Ctrl+K",
+              [this] { showPage(keptPage_); });
+    addButton(bar, "configure", QStyle::SP_FileDialogContentsView, tr("Settings"), "Ctrl+,",
+              [this] { showSettings(); });
+    addButton(bar, "system-log-out", QStyle::SP_DialogCloseButton, tr("Log out"), "Ctrl+Shift+Q",
+              [this] { logOut(); });
 
     // Without a place in the toolbar.
-    const auto shortcut = [this](const char* keys, std::function<void()> run) {
-        auto* action = new QAction(this);
-        action->setShortcut(QKeySequence(keys));
-        connect(action, &QAction::triggered, this, run);
-        QMainWindow::addAction(action);
-    };
-    shortcut("Ctrl+L", [this] {
+    addShortcut("Ctrl+L", [this] {
         address_->setFocus();
         address_->selectAll();
     });
-    shortcut("Escape", [this] { stack_->currentWidget() == web_ ? web_->stop() : showWeb(); });
-    shortcut("Ctrl++", [this] { changeZoom(1); });
-    shortcut("Ctrl+-", [this] { changeZoom(-1); });
-    shortcut("Ctrl+Q", [this] { close(); });
+    addShortcut("Escape", [this] { stack_->currentWidget() == web_ ? web_->stop() : showPage(web_); });
+    addShortcut("Ctrl++", [this] { changeZoom(1); });
+    addShortcut("Ctrl+-", [this] { changeZoom(-1); });
+    addShortcut("Ctrl+Q", [this] { close(); });
+}
+
+void BrowserWindow::makeStatusBar()
+{
+    statusBar()->addWidget(message_, 1);
+    statusBar()->setSizeGripEnabled(false);
+    // What stays until it is solved has a place of its own, where nothing takes it away.
+    const auto addProblem = [this](const QString& text) {
+        auto* label = new QLabel(text);
+        label->setProperty("isProblem", true);
+        statusBar()->addPermanentWidget(label);
+        return label;
+    };
+    QLabel* unsaved = addProblem(QString());
+    connect(&profile_, &Profile::saveErrorChanged, this, [this, unsaved] {
+        const QString error = profile_.saveError();
+        unsaved->setText(error.isEmpty() ? QString() : tr("Not saved."));
+        unsaved->setToolTip(error.toHtmlEscaped());
+    });
+    QStringList damages;
+    for (const Tlv::Damage& damage : profile_.damages())
+        damages.append(damage.text);
+    if (!damages.isEmpty())
+        addProblem(tr("Files were damaged."))->setToolTip(damages.join('\n').toHtmlEscaped());
 }
 
 void BrowserWindow::connectWeb()
@@ -157,15 +180,28 @@ void BrowserWindow::connectWeb()
     connect(web_, &QWebView::urlChanged, this, &BrowserWindow::recordVisit);
     connect(web_, &QWebView::titleChanged, this, [this](const QString& title) {
         setWindowTitle(title.isEmpty() ? tr("Kiosk") : tr("%1 - Kiosk").arg(title));
-        state_.history.setTitle(textOf(web_->url()), title);
+        profile_.history()->setTitle(textOf(web_->url()), title);
     });
 }
 
-void BrowserWindow::start()
+void BrowserWindow::connectProfile()
 {
-    const QString url = state_.firstPage();
+    connect(&profile_, &Profile::preferencesChanged, this, &BrowserWindow::applyPreferences);
+    connect(&profile_, &Profile::saveFailed, this, &BrowserWindow::showMessage);
+    connect(profile_.bookmarks(), &BookmarkModel::changed, this, &BrowserWindow::updateBookmarkAction);
+    const Tlv::LoginHandler* handler = profile_.loginHandler();
+    connect(handler, &Tlv::LoginHandler::loginRequired, this, &BrowserWindow::askForLogin);
+    connect(handler, &Tlv::LoginHandler::loginFound, web_, &QWebView::reload);
+    connect(handler, &Tlv::LoginHandler::loginNotKept, this, [this] {
+        showMessage(tr("The login is used but not kept: the server's name, the user name or the password is "
+                       "too long."));
+    });
+}
+
+void BrowserWindow::openOrShowBookmarks(const QString& url)
+{
     if (url == BLANK || url.isEmpty())
-        showBookmarks();
+        showPage(bookmarkPage_);
     else
         openUrl(url);
 }
@@ -177,18 +213,8 @@ void BrowserWindow::openUrl(const QString& text)
         showMessage(tr("This is no address."));
         return;
     }
-    showWeb();
+    showPage(web_);
     web_->load(url);
-}
-
-void BrowserWindow::home()
-{
-    QString url;
-    BrowserState::user().getHomePage(&url);
-    if (url == BLANK)
-        showBookmarks();
-    else
-        openUrl(url);
 }
 
 void BrowserWindow::recordVisit(const QUrl& url)
@@ -199,8 +225,8 @@ void BrowserWindow::recordVisit(const QUrl& url)
     updateBookmarkAction();
     if (url.isEmpty() || text == BLANK)
         return;
-    state_.history.visit(text, web_->title());
-    state_.setLastPage(text);
+    profile_.history()->visit(text, web_->title());
+    profile_.setLastPage(text);
 }
 
 void BrowserWindow::bookmark()
@@ -210,62 +236,41 @@ void BrowserWindow::bookmark()
         showMessage(tr("There is no page to bookmark."));
         return;
     }
-    // What is to be seen of the page, from its upper left corner on.
-    const QSize size(Bookmarks::PICTURE_WIDTH, Bookmarks::PICTURE_HEIGHT);
-    const QImage shown = web_->grab().toImage();
-    const QImage scaled = shown.scaled(size, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation)
-                              .copy(QRect(QPoint(0, 0), size));
-    const QString title = web_->title().isEmpty() ? url : web_->title();
-    const QString problem = state_.bookmarks.add(title, url, scaled);
-    showMessage(problem.isEmpty() ? tr("Bookmarked.") : problem);
+    BookmarkModel& bookmarks = *profile_.bookmarks();
+    bookmarks.add(web_->title().isEmpty() ? url : web_->title(), url,
+                  BookmarkModel::pictureOf(web_->grab().toImage()));
+    showMessage(bookmarks.errorString().isEmpty() ? tr("Bookmarked.") : bookmarks.errorString());
 }
 
 void BrowserWindow::logOut()
 {
-    endUse(Timing::LOG_OUT, tr("Logged out."));
+    endUse(Profile::LogOut, tr("Logged out."));
 }
 
-void BrowserWindow::endUse(Timing timing, const QString& text)
+void BrowserWindow::endUse(Profile::Occasion occasion, const QString& text)
 {
     web_->stop();
-    state_.end(timing);
-    // What this process remembers beside the stores: logins, and the cache, whose object is not told that its
-    // directory was emptied.
+    profile_.endUse(occasion);
+    // What this process remembers beside the profile: logins, and the cache, whose object is not told that
+    // its directory was emptied.
     network_.clearAccessCache();
     network_.applyPreferences();
     QWebSettings::clearMemoryCaches();
     web_->load(QUrl(BLANK));
     web_->history()->clear();
-    showBookmarks();
+    showPage(bookmarkPage_);
     showMessage(text);
 }
 
-void BrowserWindow::showWeb()
+void BrowserWindow::showPage(QWidget* page)
 {
-    stack_->setCurrentWidget(web_);
-}
-
-void BrowserWindow::showBookmarks()
-{
-    bookmarkPage_->refresh();
-    stack_->setCurrentWidget(bookmarkPage_);
-}
-
-void BrowserWindow::showHistory()
-{
-    historyPage_->refresh();
-    stack_->setCurrentWidget(historyPage_);
-}
-
-void BrowserWindow::showKept()
-{
-    keptPage_->refresh();
-    stack_->setCurrentWidget(keptPage_);
+    stack_->setCurrentWidget(page);
+    page->setFocus();
 }
 
 void BrowserWindow::showSettings()
 {
-    auto* dialog = new SettingsDialog(state_, this);
+    auto* dialog = new SettingsDialog(profile_, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }
@@ -275,16 +280,6 @@ void BrowserWindow::showMessage(const QString& text)
     message_->setText(text);
 }
 
-void BrowserWindow::showSaveProblem()
-{
-    // Its place is beside the message line, where nothing takes it away before it is solved.
-    const QString problem = state_.saveProblem();
-    saveProblem_->setText(problem.isEmpty() ? QString() : tr("Not saved."));
-    saveProblem_->setToolTip(problem.toHtmlEscaped());
-    if (!problem.isEmpty())
-        showMessage(problem);
-}
-
 QString BrowserWindow::message() const
 {
     return message_->text();
@@ -292,11 +287,11 @@ QString BrowserWindow::message() const
 
 void BrowserWindow::applyPreferences()
 {
-    TVNC_BrowserCommonSetting& common = BrowserState::common();
-    TVNC_BrowserUserSetting& user = BrowserState::user();
+    TVNC_BrowserCommonSetting& device = Profile::devicePreferences();
+    TVNC_BrowserUserSetting& user = Profile::userPreferences();
     QWebSettings& settings = *web_->settings();
-    settings.setAttribute(QWebSettings::JavascriptEnabled, common.getUseJavaScriptInfo() != 0);
-    settings.setAttribute(QWebSettings::PluginsEnabled, common.getPlayFlashInfo() != 0);
+    settings.setAttribute(QWebSettings::JavascriptEnabled, device.getUseJavaScriptInfo() != 0);
+    settings.setAttribute(QWebSettings::PluginsEnabled, device.getPlayFlashInfo() != 0);
     QString font;
     user.getFontName(&font);
     if (font.isEmpty())
@@ -305,40 +300,34 @@ void BrowserWindow::applyPreferences()
         settings.setFontFamily(QWebSettings::StandardFont, font);
     web_->setZoomFactor(0.4 + 0.1 * user.getZoomInfo());
     // The keyboard on the screen comes up by itself, or the one at USB is used.
-    qApp->setAutoSipEnabled(common.getSWKeyBoardTypeInfo() != 0);
+    qApp->setAutoSipEnabled(device.getSWKeyBoardTypeInfo() != 0);
     showMessage(network_.applyPreferences());
 }
 
 void BrowserWindow::changeZoom(int steps)
 {
-    TVNC_BrowserUserSetting& user = BrowserState::user();
+    TVNC_BrowserUserSetting& user = Profile::userPreferences();
     if (user.setZoomInfo(static_cast<short>(user.getZoomInfo() + steps))) // refuses what is too much
-        state_.savePreferences();
-}
-
-void BrowserWindow::updateCompletions()
-{
-    QStringList urls;
-    for (const TVNS_History& visit : state_.history.visits())
-        urls.append(visit.url);
-    completions_->setStringList(urls);
+        profile_.savePreferences();
 }
 
 void BrowserWindow::updateBookmarkAction()
 {
-    const bool isBookmarked = state_.bookmarks.find(textOf(web_->url())) >= 0;
+    const bool isBookmarked = profile_.bookmarks()->find(textOf(web_->url())) >= 0;
     bookmarkAction_->setIcon(
         style()->standardIcon(isBookmarked ? QStyle::SP_DialogApplyButton : QStyle::SP_DialogSaveButton));
 }
 
-bool BrowserWindow::askForLogin(LoginQuestion& question)
+void BrowserWindow::askForLogin(const Tlv::LoginRequest& request)
 {
-    LoginDialog dialog(question, this);
-    return dialog.exec() == QDialog::Accepted;
+    LoginDialog dialog(request, this);
+    if (dialog.exec() == QDialog::Accepted &&
+        !profile_.loginHandler()->answer(request, dialog.user(), dialog.password()))
+        web_->reload();
 }
 
 void BrowserWindow::closeEvent(QCloseEvent* event)
 {
-    state_.save();
+    profile_.save();
     event->accept();
 }

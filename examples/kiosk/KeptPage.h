@@ -1,12 +1,11 @@
 #ifndef EXAMPLES_KIOSK_KEPTPAGE_H
 #define EXAMPLES_KIOSK_KEPTPAGE_H
 
-#include "CookieJar.h"
-#include "Logins.h"
+#include <tlvlib/browser/Profile.h>
 
 #include <QtWidgets/QWidget>
 
-class QTreeWidget;
+class QVBoxLayout;
 
 /// The logins, with their passwords hidden, and the cookies, with their values hidden.
 class KeptPage : public QWidget
@@ -14,19 +13,10 @@ class KeptPage : public QWidget
     Q_OBJECT
 
 public:
-    KeptPage(Logins& logins, CookieJar& cookies);
-
-    /// Shows both as they are now.
-    void refresh();
+    explicit KeptPage(const Tlv::Profile& profile);
 
 private:
-    void removeLogin();
-    void removeCookie();
-
-    Logins& logins_;
-    CookieJar& cookies_;
-    QTreeWidget* loginList_;
-    QTreeWidget* cookieList_;
+    static void addPart(QVBoxLayout& layout, const char* name, const QString& text, Tlv::RecordModel& model);
 };
 
 #endif

@@ -5,8 +5,8 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 
-LoginDialog::LoginDialog(LoginQuestion& question, QWidget* parent)
-    : QDialog(parent), question_(question), user_(new QLineEdit(question.user)), password_(new QLineEdit)
+LoginDialog::LoginDialog(const Tlv::LoginRequest& request, QWidget* parent)
+    : QDialog(parent), user_(new QLineEdit(request.user)), password_(new QLineEdit)
 {
     setWindowTitle(tr("Login"));
     user_->setObjectName("user");
@@ -16,14 +16,15 @@ LoginDialog::LoginDialog(LoginQuestion& question, QWidget* parent)
     auto* text = new QLabel;
     text->setTextFormat(Qt::PlainText); // the realm is the server's
     text->setWordWrap(true);
-    text->setText(tr("%1 asks for a login: \"%2\"").arg(question.server, question.realm));
+    text->setText(
+        tr("%1:%2 asks for a login: \"%3\"").arg(request.host).arg(request.port).arg(request.realm));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* layout = new QFormLayout(this);
     layout->addRow(text);
-    if (question.wasRefused) {
+    if (request.wasRefused) {
         auto* refused = new QLabel(tr("The last one was refused."));
         refused->setProperty("isProblem", true);
         layout->addRow(refused);
@@ -31,12 +32,15 @@ LoginDialog::LoginDialog(LoginQuestion& question, QWidget* parent)
     layout->addRow(tr("User name"), user_);
     layout->addRow(tr("Password"), password_);
     layout->addRow(buttons);
-    (question.user.isEmpty() ? user_ : password_)->setFocus();
+    (request.user.isEmpty() ? user_ : password_)->setFocus();
 }
 
-void LoginDialog::accept()
+QString LoginDialog::user() const
 {
-    question_.user = user_->text();
-    question_.password = password_->text();
-    QDialog::accept();
+    return user_->text();
+}
+
+QString LoginDialog::password() const
+{
+    return password_->text();
 }

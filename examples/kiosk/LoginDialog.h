@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_LOGINDIALOG_H
 #define EXAMPLES_KIOSK_LOGINDIALOG_H
 
-#include "Network.h"
+#include <tlvlib/browser/LoginHandler.h>
 
 #include <QtWidgets/QDialog>
 
@@ -13,13 +13,12 @@ class LoginDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// @param question gets the answer when the dialog is accepted
-    LoginDialog(LoginQuestion& question, QWidget* parent);
+    LoginDialog(const Tlv::LoginRequest& request, QWidget* parent);
 
-    void accept() override;
+    QString user() const;
+    QString password() const;
 
 private:
-    LoginQuestion& question_;
     QLineEdit* user_;
     QLineEdit* password_;
 };

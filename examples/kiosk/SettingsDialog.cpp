@@ -9,13 +9,16 @@
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QTabWidget>
 
-SettingsDialog::SettingsDialog(BrowserState& state, QWidget* parent)
-    : QDialog(parent), state_(state), pages_(new QTabWidget)
+using Device = TVNC_BrowserCommonSetting;
+using User = TVNC_BrowserUserSetting;
+
+SettingsDialog::SettingsDialog(Tlv::Profile& profile, QWidget* parent)
+    : QDialog(parent), profile_(profile), pages_(new QTabWidget)
 {
     setWindowTitle(tr("Settings"));
     setObjectName("settings");
     fillUserPages();
-    fillCommonPages();
+    fillDevicePages();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &SettingsDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -27,59 +30,54 @@ SettingsDialog::SettingsDialog(BrowserState& state, QWidget* parent)
 
 void SettingsDialog::fillUserPages()
 {
-    User& user = BrowserState::user();
+    const QStringList starts{tr("the home page"), tr("the last page")};
     const QStringList timings{tr("never"), tr("at log-out"), tr("when nobody uses the browser")};
+    QStringList zooms;
+    for (int percent = 50; percent <= 150; percent += 10)
+        zooms.append(QString("%1 %").arg(percent));
     beginPage(tr("Pages"));
-    addText("page.home", tr("Home page"), 256, user, &User::getHomePage, &User::setHomePage);
-    addChoice("page.startup", tr("Begin with"), {tr("the home page"), tr("the last page")}, user,
-              &User::getStartUp, &User::setStartUp);
-    addText("page.last", tr("Last page"), 256, user, &User::getLastPage, &User::setLastPage);
-    addChoice("page.zoom", tr("Zoom"),
-              {"50 %", "60 %", "70 %", "80 %", "90 %", "100 %", "110 %", "120 %", "130 %", "140 %", "150 %"},
-              user, &User::getZoomInfo, &User::setZoomInfo, 1);
-    addText("page.font", tr("Font"), 256, user, &User::getFontName, &User::setFontName, state_.fonts());
+    addText("page.home", tr("Home page"), 256, &User::getHomePage, &User::setHomePage);
+    addChoice("page.startup", tr("Begin with"), starts, &User::getStartUp, &User::setStartUp);
+    addText("page.last", tr("Last page"), 256, &User::getLastPage, &User::setLastPage);
+    addChoice("page.zoom", tr("Zoom"), zooms, &User::getZoomInfo, &User::setZoomInfo, 1);
+    addText("page.font", tr("Font"), 256, &User::getFontName, &User::setFontName, profile_.fonts());
     beginPage(tr("Privacy"));
-    addChoice("cookies.clear", tr("Delete cookies"), timings, user, &User::getCookieDeleteTiming,
+    addChoice("cookies.clear", tr("Delete cookies"), timings, &User::getCookieDeleteTiming,
               &User::setCookieDeleteTiming);
-    addChoice("auth.clear", tr("Delete logins"), timings, user, &User::getCertificationDeleteTiming,
+    addChoice("auth.clear", tr("Delete logins"), timings, &User::getCertificationDeleteTiming,
               &User::setCertificationDeleteTiming);
-    Common& common = BrowserState::common();
-    addChoice("cache.clear", tr("Empty the disk cache"), timings, common, &Common::getCacheDeleteTiming,
-              &Common::setCacheDeleteTiming);
-    addSwitch("cache.enabled", tr("Use the disk cache"), common, &Common::getUseCacheInfo,
-              &Common::setUseCacheInfo);
-    addSwitch("cookies.accept", tr("Accept cookies"), common, &Common::getRcvCookieInfo,
-              &Common::setRcvCookieInfo);
+    addChoice("cache.clear", tr("Empty the disk cache"), timings, &Device::getCacheDeleteTiming,
+              &Device::setCacheDeleteTiming);
+    addSwitch("cache.enabled", tr("Use the disk cache"), &Device::getUseCacheInfo, &Device::setUseCacheInfo);
+    addSwitch("cookies.accept", tr("Accept cookies"), &Device::getRcvCookieInfo, &Device::setRcvCookieInfo);
 }
 
-void SettingsDialog::fillCommonPages()
+void SettingsDialog::fillDevicePages()
 {
-    Common& common = BrowserState::common();
+    const QStringList keyboards{tr("at USB"), tr("on the screen")};
     beginPage(tr("Content"));
-    addSwitch("javascript.enabled", tr("Run JavaScript"), common, &Common::getUseJavaScriptInfo,
-              &Common::setUseJavaScriptInfo);
-    addSwitch("flash.enabled", tr("Play Flash"), common, &Common::getPlayFlashInfo,
-              &Common::setPlayFlashInfo);
-    addChoice("keyboard.priority", tr("Keyboard"), {tr("at USB"), tr("on the screen")}, common,
-              &Common::getSWKeyBoardTypeInfo, &Common::setSWKeyBoardTypeInfo);
-    addSwitch("security.ssl30", tr("Allow SSL 3.0"), common, &Common::getUseSSL30, &Common::setUseSSL30);
-    addSwitch("security.tls10", tr("Allow TLS 1.0"), common, &Common::getUseTLS10, &Common::setUseTLS10);
+    addSwitch("javascript.enabled", tr("Run JavaScript"), &Device::getUseJavaScriptInfo,
+              &Device::setUseJavaScriptInfo);
+    addSwitch("flash.enabled", tr("Play Flash"), &Device::getPlayFlashInfo, &Device::setPlayFlashInfo);
+    addChoice("keyboard.priority", tr("Keyboard"), keyboards, &Device::getSWKeyBoardTypeInfo,
+              &Device::setSWKeyBoardTypeInfo);
+    addSwitch("security.ssl30", tr("Allow SSL 3.0"), &Device::getUseSSL30, &Device::setUseSSL30);
+    addSwitch("security.tls10", tr("Allow TLS 1.0"), &Device::getUseTLS10, &Device::setUseTLS10);
     beginPage(tr("Proxy"));
-    addSwitch("proxy.enabled", tr("Use a proxy"), common, &Common::getUseProxyInfo, &Common::setUseProxyInfo);
-    addText("proxy.host", tr("Host"), 253, common, &Common::getProxyServerStr, &Common::setProxyServerStr);
-    addText("proxy.http-port", tr("Port for HTTP"), 5, common, &Common::getProxyHttpPortStr,
-            &Common::setProxyHttpPortStr);
-    addText("proxy.https-port", tr("Port for HTTPS"), 5, common, &Common::getProxyHttpsPortStr,
-            &Common::setProxyHttpsPortStr);
-    addSwitch("proxy.http11", tr("Use HTTP/1.1"), common, &Common::getUseProxyHttpInfo,
-              &Common::setUseProxyHttpInfo);
-    addText("proxy.bypass", tr("Not for the domains"), 253, common, &Common::getNoProxyDomainStr,
-            &Common::setNoProxyDomainStr);
-    addSwitch("proxy.auth", tr("It asks for a login"), common, &Common::getUseProxyCertificationInfo,
-              &Common::setUseProxyCertificationInfo);
-    addBytes("proxy.user", tr("User name"), false, &Common::getProxyAccountStr, &Common::setProxyAccountStr);
-    addBytes("proxy.password", tr("Password"), true, &Common::getProxyPasswordStr,
-             &Common::setProxyPasswordStr);
+    addSwitch("proxy.enabled", tr("Use a proxy"), &Device::getUseProxyInfo, &Device::setUseProxyInfo);
+    addText("proxy.host", tr("Host"), 253, &Device::getProxyServerStr, &Device::setProxyServerStr);
+    addText("proxy.http-port", tr("Port for HTTP"), 5, &Device::getProxyHttpPortStr,
+            &Device::setProxyHttpPortStr);
+    addText("proxy.https-port", tr("Port for HTTPS"), 5, &Device::getProxyHttpsPortStr,
+            &Device::setProxyHttpsPortStr);
+    addSwitch("proxy.http11", tr("Use HTTP/1.1"), &Device::getUseProxyHttpInfo, &Device::setUseProxyHttpInfo);
+    addText("proxy.bypass", tr("Not for the domains"), 253, &Device::getNoProxyDomainStr,
+            &Device::setNoProxyDomainStr);
+    addSwitch("proxy.auth", tr("It asks for a login"), &Device::getUseProxyCertificationInfo,
+              &Device::setUseProxyCertificationInfo);
+    addBytes("proxy.user", tr("User name"), false, &Device::getProxyAccountStr, &Device::setProxyAccountStr);
+    addBytes("proxy.password", tr("Password"), true, &Device::getProxyPasswordStr,
+             &Device::setProxyPasswordStr);
 }
 
 void SettingsDialog::beginPage(const QString& title)
@@ -94,37 +92,37 @@ void SettingsDialog::beginPage(const QString& title)
 }
 
 template <typename Store>
-void SettingsDialog::addSwitch(const char* name, const QString& label, Store& store, char (Store::*get)(),
+void SettingsDialog::addSwitch(const char* name, const QString& label, char (Store::*get)(),
                                void (Store::*set)(char))
 {
     auto* box = new QCheckBox;
-    box->setChecked((store.*get)() != 0);
-    addRow(name, label, box, 0, [&store, set, box] {
-        (store.*set)(box->isChecked() ? 1 : 0);
+    box->setChecked((Store::getInstance()->*get)() != 0);
+    addRow(name, label, box, 0, [set, box] {
+        (Store::getInstance()->*set)(box->isChecked() ? 1 : 0);
         return true;
     });
 }
 
 template <typename Store, typename Code, typename Result>
-void SettingsDialog::addChoice(const char* name, const QString& label, const QStringList& words, Store& store,
+void SettingsDialog::addChoice(const char* name, const QString& label, const QStringList& words,
                                Code (Store::*get)(), Result (Store::*set)(Code), int firstCode)
 {
     auto* box = new QComboBox;
     box->addItems(words);
-    box->setCurrentIndex((store.*get)() - firstCode);
-    addRow(name, label, box, 0, [&store, set, box, firstCode] {
-        (store.*set)(static_cast<Code>(box->currentIndex() + firstCode));
+    box->setCurrentIndex((Store::getInstance()->*get)() - firstCode);
+    addRow(name, label, box, 0, [set, box, firstCode] {
+        (Store::getInstance()->*set)(static_cast<Code>(box->currentIndex() + firstCode));
         return true;
     });
 }
 
 template <typename Store>
-void SettingsDialog::addText(const char* name, const QString& label, int maxBytes, Store& store,
+void SettingsDialog::addText(const char* name, const QString& label, int maxBytes,
                              void (Store::*get)(QString*), bool (Store::*set)(QString),
                              const QStringList& proposals)
 {
     QString text;
-    (store.*get)(&text);
+    (Store::getInstance()->*get)(&text);
     auto* line = new QLineEdit(text);
     line->setCursorPosition(0);
     QWidget* editor = line;
@@ -136,20 +134,21 @@ void SettingsDialog::addText(const char* name, const QString& label, int maxByte
         box->setEditText(text);
         editor = box;
     }
-    addRow(name, label, editor, maxBytes, [&store, set, line] { return (store.*set)(line->text()); });
+    addRow(name, label, editor, maxBytes, [set, line] { return (Store::getInstance()->*set)(line->text()); });
 }
 
+template <typename Store>
 void SettingsDialog::addBytes(const char* name, const QString& label, bool isSecret,
-                              void (Common::*get)(QByteArray*), bool (Common::*set)(QByteArray))
+                              void (Store::*get)(QByteArray*), bool (Store::*set)(QByteArray))
 {
     QByteArray bytes;
-    (BrowserState::common().*get)(&bytes);
+    (Store::getInstance()->*get)(&bytes);
     auto* line = new QLineEdit(QString::fromUtf8(bytes));
     if (isSecret)
         line->setEchoMode(QLineEdit::Password);
-    addRow(name, label, line, 80, [set, line, bytes] {
+    addRow(name, label, line, 80, [set, line] {
         // Bytes that are no text stay as they are until somebody types over them.
-        return !line->isModified() || (BrowserState::common().*set)(line->text().toUtf8());
+        return !line->isModified() || (Store::getInstance()->*set)(line->text().toUtf8());
     });
 }
 
@@ -176,7 +175,7 @@ void SettingsDialog::accept()
         if (!isTaken && firstRefused < 0)
             firstRefused = row.page;
     }
-    state_.savePreferences();
+    profile_.savePreferences();
     if (firstRefused < 0)
         QDialog::accept();
     else

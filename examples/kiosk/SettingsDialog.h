@@ -1,7 +1,7 @@
 #ifndef EXAMPLES_KIOSK_SETTINGSDIALOG_H
 #define EXAMPLES_KIOSK_SETTINGSDIALOG_H
 
-#include "BrowserState.h"
+#include <tlvlib/browser/Profile.h>
 
 #include <QtWidgets/QDialog>
 
@@ -18,33 +18,28 @@ class SettingsDialog : public QDialog
     Q_OBJECT
 
 public:
-    SettingsDialog(BrowserState& state, QWidget* parent);
+    SettingsDialog(Tlv::Profile& profile, QWidget* parent);
 
     /// Hands all values to the stores. Stays open when one of them is refused; the others are saved.
     void accept() override;
 
 private:
-    using Common = TVNC_BrowserCommonSetting;
-    using User = TVNC_BrowserUserSetting;
-
-    /// Begins a page of settings.
     void beginPage(const QString& title);
     void fillUserPages();
-    void fillCommonPages();
+    void fillDevicePages();
 
-    // A row each: its name for scripts, its label, and how the store is asked and told.
+    // A row each: its name for scripts, its label, and how its store is asked and told.
     template <typename Store>
-    void addSwitch(const char* name, const QString& label, Store& store, char (Store::*get)(),
-                   void (Store::*set)(char));
+    void addSwitch(const char* name, const QString& label, char (Store::*get)(), void (Store::*set)(char));
     template <typename Store, typename Code, typename Result>
-    void addChoice(const char* name, const QString& label, const QStringList& words, Store& store,
-                   Code (Store::*get)(), Result (Store::*set)(Code), int firstCode = 0);
+    void addChoice(const char* name, const QString& label, const QStringList& words, Code (Store::*get)(),
+                   Result (Store::*set)(Code), int firstCode = 0);
     template <typename Store>
-    void addText(const char* name, const QString& label, int maxBytes, Store& store,
-                 void (Store::*get)(QString*), bool (Store::*set)(QString),
-                 const QStringList& proposals = {});
-    void addBytes(const char* name, const QString& label, bool isSecret, void (Common::*get)(QByteArray*),
-                  bool (Common::*set)(QByteArray));
+    void addText(const char* name, const QString& label, int maxBytes, void (Store::*get)(QString*),
+                 bool (Store::*set)(QString), const QStringList& proposals = {});
+    template <typename Store>
+    void addBytes(const char* name, const QString& label, bool isSecret, void (Store::*get)(QByteArray*),
+                  bool (Store::*set)(QByteArray));
     /// @param apply hands the value over and tells whether it was taken
     void addRow(const char* name, const QString& label, QWidget* editor, int maxBytes,
                 std::function<bool()> apply);
@@ -57,7 +52,7 @@ private:
         std::function<bool()> apply;
     };
 
-    BrowserState& state_;
+    Tlv::Profile& profile_;
     QTabWidget* pages_;
     QFormLayout* form_ = nullptr;
     std::vector<Row> rows_;

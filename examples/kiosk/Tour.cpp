@@ -39,10 +39,9 @@ void sendMouse(QWidget& widget, QEvent::Type type, const QPoint& position, Qt::M
     QApplication::sendEvent(&widget, &event);
 }
 
-/// The first word of a text, and what is behind it.
-std::pair<QString, QString> split(const QString& text)
+QString unless(bool isFine, const QString& problem)
 {
-    return {text.section(' ', 0, 0), text.section(' ', 1)};
+    return isFine ? QString() : problem;
 }
 
 } // namespace
@@ -64,11 +63,6 @@ QString Tour::read(const QString& path)
     return QString();
 }
 
-void Tour::start()
-{
-    timer_.start();
-}
-
 void Tour::poll()
 {
     if (waitPolls_ > 0) {
@@ -76,7 +70,7 @@ void Tour::poll()
         return;
     }
     ++polls_;
-    idlePolls_ = isIdle() ? idlePolls_ + 1 : 0;
+    idlePolls_ = openDialog() || !window_.isLoading() ? idlePolls_ + 1 : 0;
     if (idlePolls_ < SETTLED_POLLS) {
         if (polls_ > TIMEOUT_POLLS)
             fail("the step is not done after 30 seconds");
@@ -88,7 +82,7 @@ void Tour::poll()
         const QString step = steps_.at(next_++).trimmed();
         if (step.isEmpty() || step.startsWith('#'))
             continue;
-        const QString problem = run(step);
+        const QString problem = run(step.section(' ', 0, 0), step.section(' ', 1));
         if (!problem.isEmpty())
             fail(problem);
         return;
@@ -98,11 +92,6 @@ void Tour::poll()
         fail("a dialog is open at the end");
     else
         window_.close();
-}
-
-bool Tour::isIdle() const
-{
-    return openDialog() || !window_.isLoading();
 }
 
 void Tour::fail(const QString& problem)
@@ -117,45 +106,46 @@ void Tour::fail(const QString& problem)
     window_.close();
 }
 
-QString Tour::run(const QString& step)
+QString Tour::run(const QString& verb, const QString& rest)
 {
-    const auto [verb, rest] = split(step);
-    const bool isDialogStep = verb == "login" || verb == "set" || verb == "save" || verb == "cancel" ||
-                              verb == "expect" || verb == "screenshot";
-    if (openDialog() && !isDialogStep)
-        return "a dialog is open";
+    if (verb == "expect")
+        return unless(visibleTexts().join('\n').contains(rest),
+                      QString("\"%1\" is not to be seen").arg(rest));
+    if (verb == "screenshot")
+        return screenshot(rest);
+    if (verb == "login")
+        return logIn(rest.section(' ', 0, 0), rest.section(' ', 1));
+    if (verb == "set")
+        return set(rest.section(' ', 0, 0), rest.section(' ', 1));
+    if (verb == "save" || verb == "cancel") {
+        if (!openDialog())
+            return "no dialog is open";
+        verb == "save" ? openDialog()->accept() : openDialog()->reject();
+        return QString();
+    }
+    return openDialog() ? "a dialog is open" : runInWindow(verb, rest);
+}
+
+QString Tour::runInWindow(const QString& verb, const QString& rest)
+{
+    if (verb == "click")
+        return click(rest);
+    if (verb == "type")
+        return type(rest.section(' ', 0, 0), rest.section(' ', 1));
+    if (verb == "press")
+        return press(rest);
+    if (verb == "choose")
+        return choose(rest);
+    if (verb == "message")
+        return unless(window_.message().contains(rest), "the message line does not have it");
     if (verb == "open")
         window_.openUrl(rest);
-    else if (verb == "click")
-        return click(rest);
-    else if (verb == "type")
-        return type(rest);
-    else if (verb == "press")
-        return press(rest);
     else if (verb == "bookmark")
         window_.bookmark();
-    else if (verb == "choose")
-        return choose(rest);
     else if (verb == "search")
         window_.findChild<QLineEdit*>("search")->setText(rest);
-    else if (verb == "login")
-        return logIn(rest);
-    else if (verb == "set")
-        return set(rest);
-    else if ((verb == "save" || verb == "cancel") && !openDialog())
-        return "no dialog is open";
-    else if (verb == "save")
-        openDialog()->accept();
-    else if (verb == "cancel")
-        openDialog()->reject();
-    else if (step == "log out")
+    else if (verb == "log" && rest == "out")
         window_.logOut();
-    else if (verb == "expect")
-        return expect(rest);
-    else if (verb == "message")
-        return window_.message().contains(rest) ? QString() : "the message line does not have it";
-    else if (verb == "screenshot")
-        return screenshot(rest);
     else if (verb == "wait")
         waitPolls_ = rest.toInt() / POLL_MS;
     else
@@ -177,9 +167,8 @@ QString Tour::click(const QString& selector)
     return QString();
 }
 
-QString Tour::type(const QString& arguments)
+QString Tour::type(const QString& selector, const QString& text)
 {
-    const auto [selector, text] = split(arguments);
     const QString problem = click(selector);
     if (!problem.isEmpty())
         return problem;
@@ -220,21 +209,20 @@ QString Tour::choose(const QString& text)
     return "nothing of that title is shown";
 }
 
-QString Tour::logIn(const QString& arguments)
+QString Tour::logIn(const QString& user, const QString& password)
 {
     QDialog* dialog = openDialog();
-    auto* user = dialog ? dialog->findChild<QLineEdit*>("user") : nullptr;
-    if (!user)
+    auto* line = dialog ? dialog->findChild<QLineEdit*>("user") : nullptr;
+    if (!line)
         return "nobody asks for a login";
-    user->setText(arguments.section(' ', 0, 0));
-    dialog->findChild<QLineEdit*>("password")->setText(arguments.section(' ', 1));
+    line->setText(user);
+    dialog->findChild<QLineEdit*>("password")->setText(password);
     dialog->accept();
     return QString();
 }
 
-QString Tour::set(const QString& arguments)
+QString Tour::set(const QString& name, const QString& value)
 {
-    const auto [name, value] = split(arguments);
     QWidget* field = openDialog() ? openDialog()->findChild<QWidget*>(name) : nullptr;
     if (!field)
         return QString("there is no field \"%1\"").arg(name);
@@ -264,24 +252,13 @@ QString Tour::screenshot(const QString& file)
                            (picture.height() - dialog->height()) / 2);
         painter.drawPixmap(place, dialog->grab());
     }
-    return picture.save(file, "PNG") ? QString() : QString("%1 cannot be written").arg(file);
-}
-
-QString Tour::expect(const QString& text)
-{
-    for (const QString& shown : visibleTexts()) {
-        if (shown.contains(text))
-            return QString();
-    }
-    return QString("\"%1\" is not to be seen").arg(text);
+    return unless(picture.save(file, "PNG"), QString("%1 cannot be written").arg(file));
 }
 
 QStringList Tour::visibleTexts() const
 {
     QStringList texts;
-    QWidget* top = openDialog();
-    if (!top)
-        top = &window_;
+    QWidget* top = openDialog() ? static_cast<QWidget*>(openDialog()) : &window_;
     for (QLabel* label : top->findChildren<QLabel*>()) {
         if (label->isVisible())
             texts.append(label->text());

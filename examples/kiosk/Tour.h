@@ -6,7 +6,6 @@
 #include <QtCore/QTimer>
 
 class BrowserWindow;
-class QDialog;
 
 /**
  * Drives the browser through the steps of a text file, one a line, each beginning when the one before is done
@@ -43,26 +42,25 @@ public:
     QString read(const QString& path);
 
     /// Begins; the window is to be shown by then.
-    void start();
+    void start() { timer_.start(); }
 
     bool hasFailed() const { return hasFailed_; }
 
 private:
     void poll();
-    bool isIdle() const;
+    void fail(const QString& problem);
 
     // A step returns what is wrong, and nothing when it could be done.
-    QString run(const QString& step);
+    QString run(const QString& verb, const QString& rest);
+    QString runInWindow(const QString& verb, const QString& rest);
     QString click(const QString& selector);
-    QString type(const QString& arguments);
+    QString type(const QString& selector, const QString& text);
     QString press(const QString& keys);
     QString choose(const QString& text);
-    QString logIn(const QString& arguments);
-    QString set(const QString& arguments);
+    QString logIn(const QString& user, const QString& password);
+    QString set(const QString& name, const QString& value);
     QString screenshot(const QString& file);
-    QString expect(const QString& text);
     QStringList visibleTexts() const;
-    void fail(const QString& problem);
 
     BrowserWindow& window_;
     QString path_;

@@ -1,17 +1,15 @@
 /*
- * A small browser that keeps all its state with tlvlib: preferences, bookmarks, history, logins, cookies and
- * fonts, each through its store's public interface.
+ * A small browser that keeps all its state with tlvlib: windows and pages over the ready-made pieces of
+ * tlvlib/browser.
  *
  *     kiosk --profile DIR [URL]
  */
 
 #include "BrowserWindow.h"
-#include "IdleWatch.h"
-#include "ProfileLock.h"
 #include "Tour.h"
 
+#include <tlvlib/browser/IdleTimer.h>
 #include <tlvlib/diag/TVNG_DebugPrint.h>
-#include <tlvlib/files/TVNG_SafeSave.h>
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QFile>
@@ -20,6 +18,8 @@
 
 #include <cstdio>
 #include <optional>
+
+using Tlv::Profile;
 
 namespace {
 
@@ -84,18 +84,17 @@ int main(int argc, char** argv)
     TVNG_DebugSetLogLevel(static_cast<unsigned long>(*logLevel));
 
     Profile profile;
-    QString problem = profile.open(parser.value("profile"));
-    ProfileLock lock;
-    if (problem.isEmpty())
-        problem = lock.take(profile);
-    if (!problem.isEmpty())
-        return complain(problem, EXIT_FAILURE);
-    TVNG_SetSafeSave(1);
-    BrowserState state(profile);
-    state.load();
+    if (!profile.open(parser.value("profile"))) {
+        const char* otherwise = profile.error() == Profile::PathError ? ";" : ", or";
+        return complain(
+            QString("%1%2 name another directory with --profile").arg(profile.errorString(), otherwise),
+            EXIT_FAILURE);
+    }
+    for (const Tlv::Damage& damage : profile.damages())
+        complain(damage.text, EXIT_SUCCESS);
 
     setStyle(application);
-    BrowserWindow window(state);
+    BrowserWindow window(profile);
     window.resize(*size);
 
     Tour tour(window);
@@ -105,11 +104,11 @@ int main(int argc, char** argv)
             return complain(tourProblem, EXIT_FAILURE);
         tour.start();
     }
-    std::optional<IdleWatch> idleWatch;
+    std::optional<Tlv::IdleTimer> idleTimer;
     if (*idleSeconds > 0) {
-        idleWatch.emplace(std::chrono::seconds(*idleSeconds));
-        QObject::connect(&*idleWatch, &IdleWatch::idle, &window, [&window] {
-            window.endUse(Timing::TIMEOUT, QObject::tr("Nobody was here for a while."));
+        idleTimer.emplace(std::chrono::seconds(*idleSeconds));
+        QObject::connect(&*idleTimer, &Tlv::IdleTimer::idle, &window, [&window] {
+            window.endUse(Profile::Timeout, QObject::tr("Nobody was here for a while."));
         });
     }
     window.show();
@@ -118,7 +117,7 @@ int main(int argc, char** argv)
     else
         window.openUrl(parser.positionalArguments().first());
     const int exitCode = application.exec();
-    if (!state.saveProblem().isEmpty())
-        return complain(state.saveProblem(), EXIT_FAILURE);
+    if (!profile.saveError().isEmpty())
+        return complain(profile.saveError(), EXIT_FAILURE);
     return tour.hasFailed() ? EXIT_FAILURE : exitCode;
 }

@@ -167,7 +167,8 @@ bool TVNC_MarkupGuard::admitAttributeName(char c_byte)
     if (b_blank)
         si_xmlnsSize_ = 0;
     else if (si_xmlnsSize_ >= 0)
-        si_xmlnsSize_ = NAMESPACE[si_xmlnsSize_] == c_byte ? si_xmlnsSize_ + 1 : -1;
+        si_xmlnsSize_ =
+            si_xmlnsSize_ < NAMESPACE_SIZE && NAMESPACE[si_xmlnsSize_] == c_byte ? si_xmlnsSize_ + 1 : -1;
     return true;
 }
 

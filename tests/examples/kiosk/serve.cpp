@@ -3,7 +3,7 @@
  * into the file when it can be visited.
  */
 
-#include "tests/examples/kiosk/TestSite.h"
+#include "tests/support/TestSite.h"
 
 #include <QtCore/QSaveFile>
 #include <QtGui/QGuiApplication>

@@ -1,6 +1,6 @@
-#include "tests/examples/kiosk/TestSite.h"
 #include "tests/support/PrivateRoot.h"
 #include "tests/support/Random.h"
+#include "tests/support/TestSite.h"
 #include "tests/support/TestSupport.h"
 
 #include <tlvlib/tlvlib.h>

@@ -36,14 +36,19 @@ QString indentation(int depth)
     return QString(2 * INDENTED_DEPTH, ' ') + QString("[%1] ").arg(depth);
 }
 
+/// Without the prefix, where the namespace tells what it stands for.
+QString nameOf(const QXmlStreamAttribute& attribute)
+{
+    return (attribute.namespaceUri().isEmpty() ? attribute.qualifiedName() : attribute.name()).toString();
+}
+
 /// The namespace, where there is one, stands in braces before the name.
 QString attributeText(const QXmlStreamAttribute& attribute)
 {
     QString text = " ";
     if (!attribute.namespaceUri().isEmpty())
         text += '{' + printable(attribute.namespaceUri().toString()) + '}';
-    return text + printable(attribute.qualifiedName().toString()) + '=' +
-           quoted(attribute.value().toString());
+    return text + printable(nameOf(attribute)) + '=' + quoted(attribute.value().toString());
 }
 
 void printTree(TVNC_XMLNode& root, bool withSecrets)
@@ -63,7 +68,7 @@ void printTree(TVNC_XMLNode& root, bool withSecrets)
 void writeAttribute(JsonWriter& json, const QXmlStreamAttribute& attribute)
 {
     json.beginObject();
-    json.member("name", attribute.qualifiedName().toString());
+    json.member("name", nameOf(attribute));
     if (!attribute.namespaceUri().isEmpty())
         json.member("namespace", attribute.namespaceUri().toString());
     json.member("value", attribute.value().toString());
