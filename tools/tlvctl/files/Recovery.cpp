@@ -167,7 +167,7 @@ int countEndTags(const QByteArray& bytes)
 int lostIn(const QByteArray& gap, bool isFirst, bool isLast, const DocumentForm& form)
 {
     const int tags = countTags(gap, form);
-    const QByteArray startTag = '<' + QByteArray(form.record);
+    const QByteArray startTag = '<' + QByteArray(form.record) + ' ' + form.attribute + '=';
     const bool isCutTag = isLast && gap.size() > 1 && startTag.startsWith(gap);
     // End tags of elements stand there: of a record that has lost both tags of its own.
     const bool isWithoutTags = countEndTags(gap.mid(1)) > (isFirst || isLast ? 1 : 0);
