@@ -58,8 +58,8 @@ bool readNumbers(const QString& argument, std::set<int>& numbers)
         wrongUsage(QString("%1 is no range of numbers").arg(quoted(argument)));
         return false;
     }
-    for (int number = *first; number <= *last; ++number)
-        numbers.insert(number);
+    for (int i = 0; i <= *last - *first; ++i) // the last number there is may be the last
+        numbers.insert(*first + i);
     return true;
 }
 
