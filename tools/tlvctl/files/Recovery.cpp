@@ -216,7 +216,12 @@ bool hidesRecords(const QByteArray& bytes, const DocumentForm& form)
 Recovered recoverRecords(const QByteArray& bytes, const DocumentForm& form)
 {
     Recovered recovered;
-    const std::vector<Piece> pieces = wholeElements(bytes, form.record);
+    std::vector<Piece> pieces = wholeElements(bytes, form.record);
+    // "<record/>" is what is left of a start tag.
+    const int bare = static_cast<int>(qstrlen(form.record)) + 3;
+    pieces.erase(std::remove_if(pieces.begin(), pieces.end(),
+                                [bare](const Piece& piece) { return piece.end - piece.begin == bare; }),
+                 pieces.end());
     recovered.document = HEAD + ('<' + QByteArray(form.root)) + " docInfo=\"1.0\">";
     int from = 0;
     for (size_t i = 0; i <= pieces.size(); ++i) {
