@@ -150,7 +150,6 @@ void tst_tlvctl::wrongUsageIsRefusedWithAHint_data()
     QTest::newRow("value for --json") << QStringList{"fonts", "list", "--json=1", "."} << "tlvctl fonts list";
     QTest::newRow("add to nothing") << QStringList{"fonts", "add"} << "tlvctl fonts add";
     QTest::newRow("add nothing") << QStringList{"fonts", "add", "."} << "tlvctl fonts add";
-    QTest::newRow("add --json") << QStringList{"fonts", "add", "--json", ".", "x"} << "tlvctl fonts add";
     QTest::newRow("import to nothing") << QStringList{"fonts", "import"} << "tlvctl fonts import";
     QTest::newRow("import two") << QStringList{"fonts", "import", ".", "x"} << "tlvctl fonts import";
     QTest::newRow("no history command") << QStringList{"history"} << "tlvctl history";

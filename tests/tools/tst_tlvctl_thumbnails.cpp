@@ -525,8 +525,10 @@ void tst_tlvctl_thumbnails::unpackTellsOfFilesThatCannotBeWritten()
     const Run run = unpackAll();
     QCOMPARE(run.code, 1);
     QCOMPARE(run.out, QByteArray());
-    QCOMPARE(run.err, "tlvctl: " + utf8Path("target/") + ": \"" + longName +
-                          "\" cannot be written; check the permissions of the directory\n");
+    QVERIFY(
+        run.err.startsWith("tlvctl: " + utf8Path("target/") + ": \"" + longName + "\" cannot be written: "));
+    QVERIFY(run.err.contains("; check the permissions of the directory"));
+    QCOMPARE(run.err.count('\n'), 1);
     QCOMPARE(targetFiles(), QStringList{"2.png"}); // one that fails does not stop the others
 
     const Run missing = tlvctl({"thumbnails", "unpack", file(), path("none")});

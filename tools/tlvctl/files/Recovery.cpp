@@ -167,7 +167,7 @@ int countEndTags(const QByteArray& bytes)
 int lostIn(const QByteArray& gap, bool isFirst, bool isLast, const DocumentForm& form)
 {
     const int tags = countTags(gap, form);
-    const QByteArray startTag = '<' + QByteArray(form.record);
+    const QByteArray startTag = '<' + QByteArray(form.record) + ' ' + form.attribute + '=';
     const bool isCutTag = isLast && gap.size() > 1 && startTag.startsWith(gap);
     // End tags of elements stand there: of a record that has lost both tags of its own.
     const bool isWithoutTags = countEndTags(gap.mid(1)) > (isFirst || isLast ? 1 : 0);
@@ -216,7 +216,12 @@ bool hidesRecords(const QByteArray& bytes, const DocumentForm& form)
 Recovered recoverRecords(const QByteArray& bytes, const DocumentForm& form)
 {
     Recovered recovered;
-    const std::vector<Piece> pieces = wholeElements(bytes, form.record);
+    std::vector<Piece> pieces = wholeElements(bytes, form.record);
+    // "<record/>" is what is left of a start tag.
+    const int bare = static_cast<int>(qstrlen(form.record)) + 3;
+    pieces.erase(std::remove_if(pieces.begin(), pieces.end(),
+                                [bare](const Piece& piece) { return piece.end - piece.begin == bare; }),
+                 pieces.end());
     recovered.document = HEAD + ('<' + QByteArray(form.root)) + " docInfo=\"1.0\">";
     int from = 0;
     for (size_t i = 0; i <= pieces.size(); ++i) {

@@ -49,7 +49,8 @@ std::optional<int> absentNumber(const Store& store, const std::set<int>& numbers
 /// Reads "007" or a range, "0-2". Complains and returns false when it is neither.
 bool readNumbers(const QString& argument, std::set<int>& numbers)
 {
-    const int dash = static_cast<int>(argument.indexOf('-'));
+    const int at = static_cast<int>(argument.indexOf('-'));
+    const int dash = parseNumber(argument.left(at)) && parseNumber(argument.mid(at + 1)) ? at : -1;
     const std::optional<int> first = recordNumber(dash < 0 ? argument : argument.left(dash));
     const std::optional<int> last = dash < 0 ? first : recordNumber(argument.mid(dash + 1));
     if (!first || !last)
@@ -58,8 +59,8 @@ bool readNumbers(const QString& argument, std::set<int>& numbers)
         wrongUsage(QString("%1 is no range of numbers").arg(quoted(argument)));
         return false;
     }
-    for (int number = *first; number <= *last; ++number)
-        numbers.insert(number);
+    for (int i = 0; i <= *last - *first; ++i) // the last number there is may be the last
+        numbers.insert(*first + i);
     return true;
 }
 
