@@ -11,6 +11,7 @@
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
+#include "tlvlib/xml/TVNG_nodes.h"
 
 #include <QtCore/QVector>
 

@@ -10,8 +10,8 @@
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
-#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNG_Records.h"
+#include "tlvlib/xml/TVNG_nodes.h"
 
 #include <QtCore/QFile>
 
@@ -118,7 +118,8 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
             const int si_before = static_cast<int>(images.size());
             setThumbnail(noText, name, pc_root);
             if (images.size() > si_before && !base64.isEmpty())
-                TVNC_PackedText::set(*images.last(), base64.constData(), static_cast<int>(base64.size()));
+                TVNC_NodeAccess::setPackedText(*images.last(), base64.constData(),
+                                               static_cast<int>(base64.size()));
         }
     });
     if (b_complete)
@@ -151,7 +152,7 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
         if (pc_image->getName() != names().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
         const bool b_decoded = TVNG_hasMemoryFor([&] {
-            QByteArray base64 = TVNC_PackedText::bytes(*pc_image);
+            QByteArray base64 = TVNC_NodeAccess::packedText(*pc_image);
             if (base64.isNull())
                 base64 = pc_image->getText().toUtf8();
             QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();

@@ -4,9 +4,8 @@
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NamePool.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
-#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
-#include "tlvlib/xml/TVNG_newXMLNode.h"
+#include "tlvlib/xml/TVNG_nodes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -439,7 +438,7 @@ private:
         if (!TVNC_NodeAccess::text(*pc_node_).isEmpty())
             return;
         if (b_ascii && text.size() >= TVNC_PackedText::SIZE_MIN && c_textType == TVNG_CDATA_SECTION)
-            TVNC_PackedText::set(*pc_node_, text.pc_begin, text.size());
+            TVNC_NodeAccess::setPackedText(*pc_node_, text.pc_begin, text.size());
         else
             TVNC_NodeAccess::text(*pc_node_) = textOf(text, b_ascii);
         pc_node_->setTextType(c_textType);

@@ -3,7 +3,6 @@
 #include "tlvlib/format/TVNC_XMLCharacters.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
-#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNG_walkTree.h"
 
 #include <cstring>
@@ -301,7 +300,7 @@ private:
         const char c_type = node.getTextType();
         if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return false;
-        const QByteArray packed = TVNC_PackedText::bytes(node);
+        const QByteArray packed = TVNC_NodeAccess::packedText(node);
         if (c_type == TVNG_CDATA_SECTION && !packed.isNull() && fitsOneSection(packed)) {
             output_.literal(">" TVNG_CDATA_START);
             output_.bytes(packed.constData(), static_cast<int>(packed.size()));

@@ -97,8 +97,7 @@ bool read(TVNC_XMLNode* pc_record, const QString& attributeName, int& si_number)
 
 bool isMarked(TVNC_XMLNode& parent, const QString& attributeName)
 {
-    return (TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::NUMBERED) &&
-           attributeName == TVNC_RecordNumbers::attributeName();
+    return TVNC_NodeAccess::isNumbered(parent) && attributeName == TVNC_RecordNumbers::attributeName();
 }
 
 } // namespace
@@ -127,11 +126,11 @@ void TVNC_RecordNumbers::give(TVNC_XMLNode& record, int si_number)
 void TVNC_RecordNumbers::number(TVNC_XMLNode& parent, const QString& name)
 {
     const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
-    bool b_marked = name == attributeName() && !(TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::EXPOSED);
-    unmark(&parent);
+    bool b_marked = name == attributeName() && !TVNC_NodeAccess::isExposed(parent);
+    TVNC_NodeAccess::unmark(parent);
     for (int i = 0; i < children.size() && i < LIMIT; ++i) {
         if (children.at(i)) {
-            b_marked = b_marked && !(TVNC_NodeAccess::state(*children.at(i)) & TVNC_NodeAccess::EXPOSED);
+            b_marked = b_marked && !TVNC_NodeAccess::isExposed(*children.at(i));
         } else {
             b_marked = false;
             TVNG_DebugPrint(1, "[TVNC_XMLSetting::setIDforChildren] 0x%X Why Pass??", TVNG_low32(&parent));
@@ -148,7 +147,7 @@ void TVNC_RecordNumbers::number(TVNC_XMLNode& parent, const QString& name)
             giveUnder(name, *children.at(i), i);
     }
     if (b_marked)
-        TVNC_NodeAccess::state(parent) |= TVNC_NodeAccess::NUMBERED;
+        TVNC_NodeAccess::setNumbered(parent);
 }
 
 TVNC_XMLNode* TVNC_RecordNumbers::find(TVNC_XMLNode& parent, int si_number, const QString& name)
@@ -186,15 +185,8 @@ QVector<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_
     return records;
 }
 
-void TVNC_RecordNumbers::unmark(TVNC_XMLNode* pc_parent)
+// An operation of the node's interface, and here because only this source knows what a number is.
+TVNC_XMLNode* TVNC_XMLNode::getXMLNodeChildByID(int si_id, QString& attributeName)
 {
-    if (pc_parent)
-        TVNC_NodeAccess::state(*pc_parent) &= static_cast<unsigned char>(~TVNC_NodeAccess::NUMBERED);
-}
-
-void TVNC_RecordNumbers::expose(TVNC_XMLNode& node)
-{
-    unmark(&node);
-    unmark(node.getXMLNodeParent());
-    TVNC_NodeAccess::state(node) |= TVNC_NodeAccess::EXPOSED;
+    return TVNC_RecordNumbers::find(*this, si_id, attributeName);
 }

@@ -49,12 +49,6 @@ public:
 
     /// The children that bear the numbers from 0 to @a si_count - 1, in this order; null where there is none.
     static QVector<TVNC_XMLNode*> findAll(TVNC_XMLNode& parent, int si_count, const QString& attributeName);
-
-    /// Takes the mark away from a list that is about to change; null does nothing.
-    static void unmark(TVNC_XMLNode* pc_parent);
-
-    /// Takes a node into account whose list or attributes may change at any time from now on.
-    static void expose(TVNC_XMLNode& node);
 };
 
 #endif

@@ -1,30 +1,7 @@
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_PackedText.h"
-#include "tlvlib/xml/TVNC_RecordNumbers.h"
-
-namespace {
-
-/// Makes the repeated entries of a list null, so that no child is deleted twice. Only a program that changed
-/// the list itself can have repeated one.
-void forgetRepeated(TVNC_XMLNode& parent)
-{
-    if (!(TVNC_NodeAccess::state(parent) & TVNC_NodeAccess::EXPOSED))
-        return;
-    QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
-    for (int i = 0; i < children.size(); ++i) {
-        if (!children.at(i))
-            continue;
-        unsigned char& uc_state = TVNC_NodeAccess::state(*children.at(i));
-        if (uc_state & TVNC_NodeAccess::LEAVING)
-            children[i] = nullptr;
-        uc_state |= TVNC_NodeAccess::LEAVING;
-    }
-}
-
-} // namespace
 
 TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
     : c_textType_(TVNG_CHARACTER_DATA)
@@ -41,6 +18,19 @@ TVNC_XMLNode::~TVNC_XMLNode()
 {
     if (pc_parent_)
         pc_parent_->removeXMLNode(this);
+
+    // Only a program that changed a list itself can have repeated an entry. A repeated one becomes null, so
+    // that no child is deleted twice.
+    const auto forgetRepeated = [](TVNC_XMLNode& parent) {
+        for (int i = 0; (parent.uc_state_ & EXPOSED) && i < parent.children_.size(); ++i) {
+            TVNC_XMLNode* const pc_child = parent.children_.at(i);
+            if (!pc_child)
+                continue;
+            if (pc_child->uc_state_ & LEAVING)
+                parent.children_[i] = nullptr;
+            pc_child->uc_state_ |= LEAVING;
+        }
+    };
 
     // Depth first, children in document order, each detached from its list before its own children go. The
     // parent pointer of a detached node leads back up, so neither the depth of the tree nor the length of a
@@ -75,13 +65,13 @@ TVNC_XMLNode* TVNC_XMLNode::getXMLNodeParent()
 
 QList<TVNC_XMLNode*>& TVNC_XMLNode::getXMLNodeChildren()
 {
-    TVNC_RecordNumbers::expose(*this);
+    expose();
     return children_;
 }
 
 QXmlStreamAttributes& TVNC_XMLNode::getAttribute()
 {
-    TVNC_RecordNumbers::expose(*this);
+    expose();
     return attributes_;
 }
 
@@ -92,7 +82,10 @@ QString& TVNC_XMLNode::getName()
 
 QString& TVNC_XMLNode::getText()
 {
-    TVNC_PackedText::unpack(*this);
+    if (uc_state_ & PACKED_TEXT) {
+        QString text = TVNC_PackedText::unpack(text_);
+        setText(text);
+    }
     return text_;
 }
 
@@ -108,7 +101,7 @@ void TVNC_XMLNode::setName(QString& name)
 
 void TVNC_XMLNode::setText(QString& text)
 {
-    uc_state_ &= static_cast<unsigned char>(~TVNC_NodeAccess::PACKED_TEXT);
+    uc_state_ &= static_cast<unsigned char>(~PACKED_TEXT);
     text_ = text;
 }
 
@@ -119,7 +112,8 @@ void TVNC_XMLNode::setTextType(char c_textType)
 
 void TVNC_XMLNode::setAttribute(QXmlStreamAttributes& attributes)
 {
-    TVNC_RecordNumbers::unmark(pc_parent_);
+    if (pc_parent_)
+        pc_parent_->unmark();
     attributes_ = attributes;
 }
 
@@ -129,7 +123,7 @@ void TVNC_XMLNode::addXMLNode(TVNC_XMLNode* pc_child, char& c_prepend)
         return;
     if (pc_child->pc_parent_)
         pc_child->pc_parent_->removeXMLNode(pc_child);
-    TVNC_RecordNumbers::unmark(this);
+    unmark();
     if (c_prepend == 0)
         children_.append(pc_child);
     else
@@ -142,9 +136,10 @@ void TVNC_XMLNode::removeXMLNode(TVNC_XMLNode* pc_child)
     if (!pc_child)
         return;
     // The list may be another node's. That node then keeps an entry of which it hears no more.
-    TVNC_RecordNumbers::unmark(pc_child->pc_parent_);
+    if (pc_child->pc_parent_)
+        pc_child->pc_parent_->unmark();
     pc_child->pc_parent_ = nullptr;
-    TVNC_RecordNumbers::unmark(this);
+    unmark();
     children_.removeAll(pc_child);
 }
 
@@ -178,7 +173,4 @@ QList<TVNC_XMLNode*> TVNC_XMLNode::getXMLNodeChildrenByName(QString& name)
     return found;
 }
 
-TVNC_XMLNode* TVNC_XMLNode::getXMLNodeChildByID(int si_id, QString& attributeName)
-{
-    return TVNC_RecordNumbers::find(*this, si_id, attributeName);
-}
+// getXMLNodeChildByID() stands in TVNC_RecordNumbers.cpp: a node knows nothing of numbers.

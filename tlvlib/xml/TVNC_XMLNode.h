@@ -116,8 +116,28 @@ private:
 
     friend struct TVNC_NodeAccess;
 
+    /// Bits of the state.
+    enum State {
+        NUMBERED = 1,    ///< the children stand at the positions that their numbers tell
+        EXPOSED = 2,     ///< a reference to the children or the attributes is in foreign hands
+        LEAVING = 4,     ///< the node is about to be deleted with its parent
+        PACKED_TEXT = 8, ///< the text takes half its room
+    };
+
+    /// The children, or their numbers, change.
+    void unmark() { uc_state_ &= static_cast<unsigned char>(~NUMBERED); }
+
+    /// From now on the list or the attributes may change at any time without notice.
+    void expose()
+    {
+        unmark();
+        if (pc_parent_)
+            pc_parent_->unmark();
+        uc_state_ |= EXPOSED;
+    }
+
     char c_textType_;
-    unsigned char uc_state_; ///< in what was padding, so that the layout stays; see TVNC_RecordNumbers
+    unsigned char uc_state_; ///< in what was padding, so that the layout stays
     TVNC_XMLNode* pc_parent_;
     QList<TVNC_XMLNode*> children_;
     QXmlStreamAttributes attributes_;

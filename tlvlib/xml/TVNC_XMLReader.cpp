@@ -8,7 +8,7 @@
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NamePool.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
-#include "tlvlib/xml/TVNG_newXMLNode.h"
+#include "tlvlib/xml/TVNG_nodes.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QHash>

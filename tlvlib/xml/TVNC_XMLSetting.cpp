@@ -11,8 +11,7 @@
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNC_XMLReader.h"
 #include "tlvlib/xml/TVNC_XMLWriter.h"
-#include "tlvlib/xml/TVNG_Records.h"
-#include "tlvlib/xml/TVNG_newXMLNode.h"
+#include "tlvlib/xml/TVNG_nodes.h"
 
 #include <QtCore/QFile>
 

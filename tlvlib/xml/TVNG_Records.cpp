@@ -2,8 +2,6 @@
 
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
-#include "tlvlib/util/TVNG_memory.h"
-#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
 QXmlStreamAttributes TVNG_docInfo()
@@ -41,22 +39,6 @@ void TVNG_releaseDetached(TVNC_XMLNode* pc_record)
 {
     if (pc_record && !pc_record->getXMLNodeParent())
         delete pc_record;
-}
-
-QList<TVNC_XMLNode*> TVNG_takeChildren(TVNC_XMLNode& node)
-{
-    QList<TVNC_XMLNode*> children;
-    children.swap(TVNC_NodeAccess::children(node));
-    // From the empty list each removal is a matter of the child alone.
-    for (int i = 0; i < children.size(); ++i)
-        node.removeXMLNode(children.at(i));
-    return children;
-}
-
-void TVNG_release(TVNC_XMLNode* pc_node)
-{
-    if (pc_node)
-        TVNG_hasMemoryFor([=] { pc_node->deleteLater(); });
 }
 
 TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number)

@@ -34,16 +34,6 @@ void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& n
 /// Deletes a record that could not be hung under a root, so that it is not leaked; keeps any other.
 void TVNG_releaseDetached(TVNC_XMLNode* pc_record);
 
-/**
- * Takes all children out of a node, null ones included. They have no parent then and are the caller's. The
- * time is linear.
- */
-QList<TVNC_XMLNode*> TVNG_takeChildren(TVNC_XMLNode& node);
-
-/// Hands a node to its deleteLater(). Null does nothing. When memory runs out for the event, the node is
-/// leaked, since somebody may still hold it.
-void TVNG_release(TVNC_XMLNode* pc_node);
-
 /// The record of a number; null without a root or without such a record.
 TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number);
 
