@@ -11,9 +11,9 @@
 #include "tlvlib/xml/TVNG_nodes.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QHash>
 #include <QtCore/QMutex>
 
+#include <map>
 #include <memory>
 
 namespace {
@@ -31,19 +31,21 @@ public:
     /// Gives a reader a filter, or none, and deletes the one that it had.
     void replace(const TVNC_XMLReader* pc_reader, TVNC_XMLInput* pc_input)
     {
-        std::unique_ptr<TVNC_XMLInput> input(pc_input);
-        std::unique_ptr<TVNC_XMLInput> earlier; // deleted when nothing is locked any more
+        std::unique_ptr<TVNC_XMLInput> input(pc_input); // afterwards the earlier one
         QMutexLocker locker(&mutex_);
-        earlier.reset(inputs_.take(pc_reader));
-        if (input) {
-            inputs_.insert(pc_reader, input.get());
-            input.release();
+        if (input)
+            inputs_[pc_reader].swap(input);
+        else if (inputs_.count(pc_reader)) {
+            inputs_[pc_reader].swap(input);
+            inputs_.erase(pc_reader);
         }
+        locker.unlock(); // nothing is locked while it is deleted
     }
 
 private:
     QMutex mutex_;
-    QHash<const TVNC_XMLReader*, TVNC_XMLInput*> inputs_;
+    // Not Qt's hash, which ends the program in Qt 6 when memory runs out.
+    std::map<const TVNC_XMLReader*, std::unique_ptr<TVNC_XMLInput>> inputs_;
 };
 
 // --- Attributes -------------------------------------------------------------------------------------------

@@ -9,8 +9,9 @@
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNG_walkTree.h"
 
-#include <QtCore/QHash>
 #include <QtCore/QVector>
+
+#include <map>
 
 namespace {
 
@@ -28,18 +29,18 @@ public:
 
     bool isBound(const QString& prefix, const QString& namespaceUri) const
     {
-        return !prefix.isEmpty() && meanings_.value(prefix).namespaceUri == namespaceUri;
+        return !prefix.isEmpty() && meaningOf(prefix).namespaceUri == namespaceUri;
     }
 
     /// Lets the element at a depth declare a prefix. Not one that it has declared already.
     bool bind(int si_depth, const QString& prefix, const QString& namespaceUri)
     {
         const Meaning meaning = {namespaceUri, si_depth};
-        const Binding binding = {prefix, meaning, meanings_.value(prefix)};
+        const Binding binding = {prefix, meaning, meaningOf(prefix)};
         if (prefix.isEmpty() || binding.hidden.si_depth == si_depth)
             return false;
         bindings_.append(binding);
-        meanings_.insert(prefix, meaning);
+        meanings_[prefix] = meaning;
         return true;
     }
 
@@ -59,7 +60,7 @@ public:
         QString prefix;
         do {
             prefix = QLatin1Char('n') + QString::number(++si_madeUp_);
-        } while (!meanings_.value(prefix).namespaceUri.isEmpty());
+        } while (!meaningOf(prefix).namespaceUri.isEmpty());
         return prefix;
     }
 
@@ -67,7 +68,7 @@ public:
     void end(int si_depth)
     {
         while (bindings_.last().meaning.si_depth == si_depth) { // that of "xml" stays
-            meanings_.insert(bindings_.last().prefix, bindings_.last().hidden);
+            meanings_[bindings_.last().prefix] = bindings_.last().hidden;
             bindings_.remove(bindings_.size() - 1);
         }
     }
@@ -86,8 +87,16 @@ private:
         Meaning meaning;
         Meaning hidden; ///< what the prefix means around the element
     };
-    QHash<QString, Meaning> meanings_; ///< by prefix
-    QVector<Binding> bindings_;        ///< depths in ascending order
+
+    Meaning meaningOf(const QString& prefix) const
+    {
+        const std::map<QString, Meaning>::const_iterator found = meanings_.find(prefix);
+        return found == meanings_.end() ? Meaning() : found->second;
+    }
+
+    // Not Qt's hash, which ends the program in Qt 6 when memory runs out.
+    std::map<QString, Meaning> meanings_; ///< by prefix
+    QVector<Binding> bindings_;           ///< depths in ascending order
     int si_madeUp_;
 };
 
