@@ -35,7 +35,8 @@ QByteArray writeXbel(const std::vector<FiledBookmark>& bookmarks);
 BookmarkFile readHtml(const QByteArray& bytes);
 BookmarkFile readXbel(const QString& path);
 
-/// A title on one line, without blanks that stand alone, so that every format can carry it.
+/// A title on one line, without control characters and blanks that stand alone, so that every format can
+/// carry it.
 QString plainTitle(const QString& title);
 
 #endif

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 namespace {
@@ -222,8 +223,12 @@ private:
 
 } // namespace
 
-QString plainTitle(const QString& title)
+QString plainTitle(const QString& filed)
 {
+    // Without the control characters that no document can hold: HTML loses them on its way out and back.
+    QString title;
+    std::copy_if(filed.begin(), filed.end(), std::back_inserter(title),
+                 [](QChar c) { return c >= ' ' || c == '\t' || c == '\n' || c == '\r'; });
     const bool isOneLine = !title.contains('\n') && !title.contains('\r');
     return isOneLine && !title.trimmed().isEmpty() ? title : title.simplified();
 }
