@@ -541,7 +541,9 @@ void tst_TVNC_XMLSetting::recordListedTwiceIsReleasedOnce()
 void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort_data()
 {
     QTest::addColumn<QString>("operation");
+#ifndef __SANITIZE_ADDRESS__ // Qt's stream reader leaks memory of its own when it can only be made in part
     QTest::newRow("load") << utf8("load");
+#endif
     QTest::newRow("save") << utf8("save");
     QTest::newRow("create the root") << utf8("create");
     QTest::newRow("delete all nodes") << utf8("nodes");
