@@ -115,7 +115,7 @@ void TVNC_CookieSetting::addCookieInfo(QNetworkCookie& cookie)
 
 QList<TVNS_CookieInfo> TVNC_CookieSetting::getAllCookieInfo()
 {
-    const QVector<TVNC_XMLNode*> entries = TVNG_recordsByNumber(*this, getXMLNodeCnt());
+    const QList<TVNC_XMLNode*> entries = TVNG_recordsByNumber(*this, getXMLNodeCnt());
     QList<TVNS_CookieInfo> infos;
     for (int i = 0; i < entries.size(); ++i) {
         if (entries.at(i))

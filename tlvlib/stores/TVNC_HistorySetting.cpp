@@ -146,7 +146,7 @@ void sort(TVNC_XMLSetting& history, bool b_fresh)
     if (!history.getXMLRootNode())
         return;
 
-    const QVector<TVNC_XMLNode*> records = TVNG_recordsByNumber(history, history.getXMLNodeCnt());
+    const QList<TVNC_XMLNode*> records = TVNG_recordsByNumber(history, history.getXMLNodeCnt());
     QVector<Visit> visits;
     visits.reserve(records.size());
     for (int i = 0; i < records.size(); ++i) {
@@ -286,7 +286,7 @@ bool TVNC_HistorySetting::getHistory(int si_id, TVNS_History* pc_out)
 
 int TVNC_HistorySetting::getHistoryIndex(QString& url)
 {
-    const QVector<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getHistoryCnt());
+    const QList<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getHistoryCnt());
     // Not cleared between visits: browsers know a visit without address by that of the one before it.
     QString visited;
     for (int i = 0; i < records.size(); ++i) {

@@ -1,5 +1,6 @@
 #include "tlvlib/xml/TVNC_CanonicalReader.h"
 
+#include "tlvlib/format/TVNC_ByteKinds.h"
 #include "tlvlib/format/TVNC_XMLCharacters.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NamePool.h"
@@ -30,50 +31,6 @@ const int PIECE_SIZE = 64 * 1024;
 
 /// Tokens larger than this are left to the general reader.
 const int TOKEN_MAX = 512 * 1024 * 1024;
-
-/// Where a byte may stand without a second look. None of them is zero, which stands behind the last byte of
-/// the buffer, so that a scan for bytes of a kind needs no other end.
-class ByteKinds
-{
-public:
-    enum Kind {
-        BLANK = 1,       ///< but for the carriage return, which a parser turns into a line feed
-        IN_TEXT = 2,     ///< ASCII, and not '<', '&' or '>'
-        IN_CDATA = 4,    ///< ASCII, and not ']'
-        IN_VALUE = 8,    ///< ASCII, no line break and no tab, and not '"', '<' or '&'
-        NAME_START = 16, ///< of a name
-        IN_NAME = 32,
-    };
-
-    ByteKinds()
-    {
-        for (int i = 0; i < 256; ++i) {
-            const unsigned int ui_byte = static_cast<unsigned int>(i);
-            const bool b_blank = TVNG_isBlank(ui_byte) && i != '\r';
-            const bool b_printable = i >= 0x20 && i < 0x80;
-            const bool b_markup = i == '<' || i == '&';
-            const bool b_inText = (b_printable || b_blank) && !b_markup && i != '>';
-            const bool b_inCdata = (b_printable || b_blank) && i != ']';
-            const bool b_inValue = b_printable && !b_markup && i != '"';
-            kinds_[i] = static_cast<uchar>((b_blank ? BLANK : 0) | (b_inText ? IN_TEXT : 0) |
-                                           (b_inCdata ? IN_CDATA : 0) | (b_inValue ? IN_VALUE : 0) |
-                                           (TVNG_isNameStart(ui_byte) ? NAME_START : 0) |
-                                           (TVNG_isNameCharacter(ui_byte) ? IN_NAME : 0));
-        }
-    }
-
-    bool is(char c_byte, Kind kind) const { return (kinds_[static_cast<uchar>(c_byte)] & kind) != 0; }
-
-    const char* skip(const char* pc_bytes, Kind kind) const
-    {
-        while (is(*pc_bytes, kind))
-            ++pc_bytes;
-        return pc_bytes;
-    }
-
-private:
-    uchar kinds_[256];
-};
 
 /// Some of the document's bytes.
 struct Span
@@ -174,7 +131,7 @@ public:
         if (pc_end_ - pc_pos_ < sizeOf(DECLARATION) ||
             std::memcmp(pc_pos_, DECLARATION, sizeof DECLARATION - 1) != 0)
             return nullptr;
-        pc_pos_ = kinds_.skip(pc_pos_ + sizeOf(DECLARATION), ByteKinds::BLANK);
+        pc_pos_ = kinds_.skip(pc_pos_ + sizeOf(DECLARATION), TVNC_ByteKinds::BLANK);
         do {
             const char* const pc_token = pc_pos_;
             const Step step = token();
@@ -182,7 +139,7 @@ public:
                 return nullptr;
         } while (!root_ || pc_node_);
         do {
-            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::BLANK);
+            pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::BLANK);
         } while (pc_pos_ == pc_end_ && readMore(pc_pos_));
         return pc_pos_ == pc_end_ ? root_.release() : nullptr;
     }
@@ -243,10 +200,10 @@ private:
 
     Step name(Span& name)
     {
-        if (!kinds_.is(*pc_pos_, ByteKinds::NAME_START))
+        if (!kinds_.is(*pc_pos_, TVNC_ByteKinds::NAME_START))
             return unexpected();
         name.pc_begin = pc_pos_;
-        pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_NAME);
+        pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::IN_NAME);
         name.pc_end = pc_pos_;
         return pc_pos_ == pc_end_ ? MORE_BYTES : DONE;
     }
@@ -298,7 +255,7 @@ private:
     {
         value.pc_begin = pc_pos_;
         for (;;) {
-            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_VALUE);
+            pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::IN_VALUE);
             if (*pc_pos_ == '"')
                 break;
             const Step step = multibyte();
@@ -369,13 +326,13 @@ private:
     Step characterData()
     {
         Span text = {pc_pos_, pc_pos_};
-        pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::BLANK); // most often that is all: indentation
+        pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::BLANK); // most often that is all: indentation
         if (*pc_pos_ == '<')
             return DONE;
         bool b_ascii = true;
         bool b_entities = false;
         for (;;) {
-            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_TEXT);
+            pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::IN_TEXT);
             if (*pc_pos_ == '<')
                 break;
             if (*pc_pos_ == '&') { // told from others when all of the text is there
@@ -408,11 +365,11 @@ private:
             return OTHER_FORM;
         pc_pos_ += sizeOf(CDATA_START);
         Span text = {pc_pos_, pc_pos_};
-        if (kinds_.skip(pc_pos_, ByteKinds::BLANK)[0] == ']')
+        if (kinds_.skip(pc_pos_, TVNC_ByteKinds::BLANK)[0] == ']')
             return OTHER_FORM; // perhaps blank, and whether blanks are a text is the general reader's to say
         bool b_ascii = true;
         for (;;) {
-            pc_pos_ = kinds_.skip(pc_pos_, ByteKinds::IN_CDATA);
+            pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::IN_CDATA);
             if (*pc_pos_ == ']') {
                 if (pc_end_ - pc_pos_ < sizeOf(CDATA_END))
                     return MORE_BYTES;
@@ -466,7 +423,7 @@ private:
     QByteArray buffer_;
     const char* pc_pos_; ///< in the buffer
     const char* pc_end_; ///< behind what was read: where the zero is
-    const ByteKinds kinds_;
+    const TVNC_ByteKinds kinds_;
     TVNC_NamePool pool_;
     std::vector<Span> names_; ///< of the attributes of a tag
     std::vector<Span> values_;

@@ -1,5 +1,6 @@
 #include "tlvlib/xml/TVNC_CanonicalWriter.h"
 
+#include "tlvlib/format/TVNC_ByteKinds.h"
 #include "tlvlib/format/TVNC_XMLCharacters.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
@@ -15,17 +16,6 @@ const int PIECE_SIZE = 64 * 1024;
 
 /// Characters that are copied at a time: the room for them is looked for once.
 const int RUN_SIZE = 1024;
-
-bool isName(const QString& name)
-{
-    if (name.isEmpty() || name.size() > RUN_SIZE || !TVNG_isNameStart(name.at(0).unicode()))
-        return false;
-    for (int i = 1; i < name.size(); ++i) {
-        if (!TVNG_isNameCharacter(name.at(i).unicode()))
-            return false;
-    }
-    return true;
-}
 
 /// Whether bytes of ASCII are written as they are, in one CDATA section: none is a control character, and no
 /// section ends within.
@@ -50,35 +40,38 @@ class KindCheck
 public:
     bool enter(TVNC_XMLNode* pc_node, int si_depth)
     {
-        return pc_node && si_depth <= TVNG_FORMATTED_DEPTH &&
-               isElementName(TVNC_NodeAccess::name(*pc_node)) &&
+        return pc_node && si_depth <= TVNG_FORMATTED_DEPTH && isName(TVNC_NodeAccess::name(*pc_node)) &&
                areAttributeNames(TVNC_NodeAccess::attributes(*pc_node));
     }
     void leave(TVNC_XMLNode&, int) {}
 
 private:
-    /// The names of a document are few shared strings: one that was found to be good is remembered.
-    bool isElementName(const QString& name)
+    /// @tparam Text a QString or what an attribute hands out
+    template <typename Text>
+    bool isName(const Text& name) const
     {
-        if (name.constData() == known_.constData())
-            return true;
-        if (!isName(name))
+        const QChar* const pc_name = name.data();
+        const int si_size = static_cast<int>(name.size());
+        if (si_size == 0 || si_size > RUN_SIZE ||
+            !kinds_.is(pc_name[0].unicode(), TVNC_ByteKinds::NAME_START))
             return false;
-        known_ = name;
-        return true;
+        int i = 1;
+        while (i < si_size && kinds_.is(pc_name[i].unicode(), TVNC_ByteKinds::IN_NAME))
+            ++i;
+        return i == si_size;
     }
 
-    static bool areAttributeNames(const QXmlStreamAttributes& attributes)
+    bool areAttributeNames(const QXmlStreamAttributes& attributes) const
     {
         for (int i = 0; i < attributes.size(); ++i) {
             const QXmlStreamAttribute& attribute = attributes.at(i);
-            if (!attribute.namespaceUri().isEmpty() || !isName(attribute.qualifiedName().toString()))
+            if (!attribute.namespaceUri().isEmpty() || !isName(attribute.qualifiedName()))
                 return false;
         }
         return true;
     }
 
-    QString known_;
+    const TVNC_ByteKinds kinds_;
 };
 
 /// Bytes on their way to the device.
@@ -114,12 +107,13 @@ public:
             literal(TVNG_INDENTATION);
     }
 
-    /// A name for which isName() holds.
-    void name(const QString& text)
+    /// A name that KindCheck took.
+    template <typename Text>
+    void name(const Text& text)
     {
         const int si_length = static_cast<int>(text.size());
         char* const pc_to = room(si_length);
-        const QChar* const pc_text = text.constData();
+        const QChar* const pc_text = text.data();
         for (int i = 0; i < si_length; ++i)
             pc_to[i] = static_cast<char>(pc_text[i].unicode());
         si_size_ += si_length;
@@ -127,9 +121,10 @@ public:
 
     /// Text with its markup escaped, and without what XML cannot hold; in an attribute, line breaks and tabs
     /// are escaped, too.
-    void escaped(const QString& text, bool b_attribute)
+    template <typename Text>
+    void escaped(const Text& text, bool b_attribute)
     {
-        const QChar* pc_text = text.constData();
+        const QChar* pc_text = text.data();
         const QChar* const pc_end = pc_text + text.size();
         while (pc_text != pc_end) {
             const QChar* const pc_behind = plainRun(pc_text, pc_end);
@@ -188,8 +183,7 @@ private:
         int i = 0;
         for (; i < si_most; ++i) {
             const ushort us_unit = pc_text[i].unicode();
-            if (us_unit < 0x20 || us_unit >= 0x80 || us_unit == '<' || us_unit == '>' || us_unit == '&' ||
-                us_unit == '"')
+            if (!kinds_.is(us_unit, TVNC_ByteKinds::UNESCAPED))
                 break;
             pc_to[i] = static_cast<char>(us_unit);
         }
@@ -239,6 +233,7 @@ private:
     }
 
     QIODevice& device_;
+    const TVNC_ByteKinds kinds_;
     std::unique_ptr<char[]> buffer_;
     int si_size_; ///< of what is in the buffer
     bool b_failed_;
@@ -287,9 +282,9 @@ private:
         const QXmlStreamAttributes& attributes = TVNC_NodeAccess::attributes(node);
         for (int i = 0; i < attributes.size(); ++i) {
             output_.literal(" ");
-            output_.name(attributes.at(i).qualifiedName().toString());
+            output_.name(attributes.at(i).qualifiedName());
             output_.literal("=\"");
-            output_.escaped(attributes.at(i).value().toString(), true);
+            output_.escaped(attributes.at(i).value(), true);
             output_.literal("\"");
         }
     }

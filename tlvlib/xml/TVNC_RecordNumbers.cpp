@@ -163,24 +163,20 @@ TVNC_XMLNode* TVNC_RecordNumbers::find(TVNC_XMLNode& parent, int si_number, cons
     return nullptr;
 }
 
-QVector<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_count, const QString& name)
+QList<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_count, const QString& name)
 {
     const QList<TVNC_XMLNode*>& children = TVNC_NodeAccess::children(parent);
-    QVector<TVNC_XMLNode*> records(qMax(si_count, 0), nullptr);
-    TVNC_XMLNode** const pc_records = records.data();
-    int si_first = 0; // the children in front of it are done
-    if (isMarked(parent, name)) {
-        const int si_numbered = qMin(static_cast<int>(children.size()), LIMIT);
-        for (; si_first < si_numbered && si_first < si_count; ++si_first)
-            pc_records[si_first] = children.at(si_first);
-        if (si_first == si_count)
-            return records;
-    }
-    for (int i = si_first; i < children.size(); ++i) {
+    if (isMarked(parent, name) && si_count == children.size() && si_count <= LIMIT)
+        return children;
+    QList<TVNC_XMLNode*> records;
+    records.reserve(si_count);
+    for (int i = 0; i < si_count; ++i)
+        records.append(nullptr);
+    for (int i = 0; i < children.size(); ++i) {
         int si_number = 0;
         if (read(children.at(i), name, si_number) && si_number >= 0 && si_number < si_count &&
-            !pc_records[si_number])
-            pc_records[si_number] = children.at(i);
+            !records.at(si_number))
+            records[si_number] = children.at(i);
     }
     return records;
 }

@@ -1,8 +1,8 @@
 #ifndef TLVLIB_XML_TVNC_RECORDNUMBERS_H
 #define TLVLIB_XML_TVNC_RECORDNUMBERS_H
 
+#include <QtCore/QList>
 #include <QtCore/QString>
-#include <QtCore/QVector>
 #include <QtCore/QXmlStreamAttributes>
 
 class TVNC_XMLNode;
@@ -48,7 +48,8 @@ public:
     static TVNC_XMLNode* find(TVNC_XMLNode& parent, int si_number, const QString& attributeName);
 
     /// The children that bear the numbers from 0 to @a si_count - 1, in this order; null where there is none.
-    static QVector<TVNC_XMLNode*> findAll(TVNC_XMLNode& parent, int si_count, const QString& attributeName);
+    /// Where these are the children as they stand, nothing is allocated: every page visited comes here.
+    static QList<TVNC_XMLNode*> findAll(TVNC_XMLNode& parent, int si_count, const QString& attributeName);
 };
 
 #endif

@@ -96,7 +96,7 @@ int TVNC_XMLSetting::getXMLRootNodeChildCntByName(QString& attributeName, QStrin
         return 0;
     int si_count = 0;
     TVNG_hasMemoryFor([&] {
-        const QVector<TVNC_XMLNode*> records =
+        const QList<TVNC_XMLNode*> records =
             TVNC_RecordNumbers::findAll(*pc_root_, getXMLNodeCnt(), attributeName);
         for (int i = 0; i < records.size(); ++i)
             si_count += records.at(i) && TVNC_NodeAccess::name(*records.at(i)) == name ? 1 : 0;

@@ -48,10 +48,10 @@ TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number)
                    : nullptr;
 }
 
-QVector<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count)
+QList<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count)
 {
     TVNC_XMLNode* pc_root = setting.getXMLRootNode();
     if (!pc_root)
-        return QVector<TVNC_XMLNode*>(qMax(si_count, 0), nullptr);
+        return QList<TVNC_XMLNode*>(); // and the count is 0
     return TVNC_RecordNumbers::findAll(*pc_root, si_count, TVNC_RecordNumbers::attributeName());
 }

@@ -4,7 +4,7 @@
 #include "tlvlib/xml/TVNC_XMLNode.h"
 #include "tlvlib/xml/TVNC_XMLSetting.h"
 
-#include <QtCore/QVector>
+#include <QtCore/QList>
 
 /**
  * @file
@@ -41,6 +41,6 @@ TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number);
  * The records of the numbers from 0 to @a si_count - 1, in this order, each as TVNG_recordByNumber() finds
  * it, or null: for going through all of them without a search for each.
  */
-QVector<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count);
+QList<TVNC_XMLNode*> TVNG_recordsByNumber(TVNC_XMLSetting& setting, int si_count);
 
 #endif
