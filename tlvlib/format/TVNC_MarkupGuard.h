@@ -16,7 +16,8 @@
  * Qt compares every attribute of an element with every other one, and every prefix with all declarations of
  * namespaces that are in force, those of the elements around it included. A few bytes more an attribute would
  * keep it busy for hours, so there are limits, far above what any document needs: without them time would
- * grow with the square of a file's size. At the limits a megabyte takes one or two seconds.
+ * grow with the square of a file's size. (A megabyte at the limit of attributes took four seconds on a busy
+ * desk, one at the limit of namespaces one.)
  *
  * It is enough to tell tags, comments, CDATA sections and processing instructions from the rest, since a '<'
  * in any other place begins markup or is an error that ends the parsing. Behind an error nothing that the
