@@ -144,7 +144,7 @@ void tst_TVNG_SafeSave_faults::saverRows()
 static QStringList errors()
 {
     QStringList found;
-    foreach (const QString& line, LogRecorder::take()) {
+    foreach (const QString& line, LogRecorder::takeLines()) {
         if (!line.startsWith(utf8("3 ")))
             found << line;
     }

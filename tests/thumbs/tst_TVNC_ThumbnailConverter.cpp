@@ -8,15 +8,6 @@
 
 #include <QtGui/QImage>
 
-static const char CANNOT_READ[] = "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for reading.";
-static const char CANNOT_WRITE[] = "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.";
-static const char EMPTY[] = "1 [TVNC_ThumbnailConverter] thumbnail is empty.";
-static const char START_SAVE[] = "3 [TVNC_XMLSetting::save] start";
-static const char END_SAVE[] = "3 [TVNC_XMLSetting::saveBookmark] end";
-static const char START_LOAD[] = "3 [TVNC_XMLSetting::loadBookmark] start";
-static const char END_LOAD[] = "3 [TVNC_XMLSetting::loadBookmark] end";
-static const char EMPTIED[] = "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*";
-
 static const char DECLARATION[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 class tst_TVNC_ThumbnailConverter : public QObject
@@ -101,7 +92,7 @@ void tst_TVNC_ThumbnailConverter::initTestCase()
     char c_empty[] = "";
     // Without a path nothing is loaded, so there still is none, and nothing to do.
     converter_->convertThumbnailXMLToPng(c_empty, out.data());
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty."));
+    QCOMPARE(LogRecorder::take(), utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.\n"));
     QVERIFY(!root());
 }
 
@@ -168,7 +159,7 @@ void tst_TVNC_ThumbnailConverter::fileIsEncoded()
     QByteArray out = "before";
     converter_->encode_base64(path, out);
     QCOMPARE(out, base64);
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
 }
 
 void tst_TVNC_ThumbnailConverter::unreadableFileLeavesTheOutput()
@@ -179,7 +170,8 @@ void tst_TVNC_ThumbnailConverter::unreadableFileLeavesTheOutput()
     converter_->encode_base64(missing, out);
     converter_->encode_base64(directory, out);
     QCOMPARE(out, QByteArray("before"));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(CANNOT_READ) << utf8(CANNOT_READ));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for reading.\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for reading.\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::textIsDecodedIntoAFile()
@@ -189,7 +181,7 @@ void tst_TVNC_ThumbnailConverter::textIsDecodedIntoAFile()
     QVERIFY(converter_->decode_base64(base64, path));
     QCOMPARE(readFile(path), QByteArray("\0\xFB\xFF\xFE", 4));
     QCOMPARE(base64, QByteArray("APv//g=="));
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
 }
 
 void tst_TVNC_ThumbnailConverter::decodingReplacesTheFile()
@@ -208,7 +200,8 @@ void tst_TVNC_ThumbnailConverter::emptyTextIsRefused()
     QString path = outDir() + utf8("x");
     QVERIFY(!converter_->decode_base64(null, path));
     QVERIFY(!converter_->decode_base64(empty, path));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(EMPTY) << utf8(EMPTY));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_ThumbnailConverter] thumbnail is empty.\n"
+                                       "1 [TVNC_ThumbnailConverter] thumbnail is empty.\n"));
     QVERIFY(!QFile::exists(path));
 }
 
@@ -219,7 +212,8 @@ void tst_TVNC_ThumbnailConverter::unwritableFileIsRefused()
     QString directory = outDir();
     QVERIFY(!converter_->decode_base64(base64, path));
     QVERIFY(!converter_->decode_base64(base64, directory));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(CANNOT_WRITE) << utf8(CANNOT_WRITE));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::anythingThatIsNoLetterIsSkipped()
@@ -232,7 +226,7 @@ void tst_TVNC_ThumbnailConverter::anythingThatIsNoLetterIsSkipped()
     QVERIFY(converter_->decode_base64(nothing, path));
     QVERIFY(QFile::exists(path));
     QCOMPARE(readFile(path), QByteArray());
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
 }
 
 void tst_TVNC_ThumbnailConverter::imageIsAppended()
@@ -252,7 +246,7 @@ void tst_TVNC_ThumbnailConverter::imageNeedsARoot()
     QString src = utf8("1.PNG");
     converter_->setThumbnail(text, src, nullptr);
     QCOMPARE(LogRecorder::take(),
-             QStringList() << utf8("1 [TVNC_ThumbnailConverter::setThumbnail] pc_XMLRootNode is Null."));
+             utf8("1 [TVNC_ThumbnailConverter::setThumbnail] pc_XMLRootNode is Null.\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::filesAreListedAsQDirDoes()
@@ -361,17 +355,19 @@ void tst_TVNC_ThumbnailConverter::packLogsItsSteps()
 {
     writeFile(pngDir() + utf8("a.png"), "x");
     pack();
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_SAVE) << utf8(END_SAVE) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::save] start\n"
+                                       "3 [TVNC_XMLSetting::saveBookmark] end\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::packNeedsItsArguments()
 {
     QByteArray path = dir_->path().toLatin1();
-    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid Parameter.");
+    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid Parameter.\n");
     converter_->convertThumbnailPngToXML(nullptr, path.data());
     converter_->convertThumbnailPngToXML(path.data(), nullptr);
     converter_->convertThumbnailPngToXML(nullptr, nullptr);
-    QCOMPARE(LogRecorder::take(), QStringList() << line << line << line);
+    QCOMPARE(LogRecorder::take(), line.repeated(3));
 }
 
 void tst_TVNC_ThumbnailConverter::packWithoutMemoryKeepsTheDocument()
@@ -381,7 +377,7 @@ void tst_TVNC_ThumbnailConverter::packWithoutMemoryKeepsTheDocument()
     failingNode = 1;
     pack();
     failingNode = 0;
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("1 [TVNC_XMLSetting::addXMLChild] Fail"));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_XMLSetting::addXMLChild] Fail\n"));
     QVERIFY(!QFile::exists(file()));
     QCOMPARE(describe(root()), utf8("(kept)"));
 }
@@ -428,7 +424,9 @@ void tst_TVNC_ThumbnailConverter::unpackingGivesTheSameFiles()
 void tst_TVNC_ThumbnailConverter::unpackLogsItsSteps()
 {
     unpack("<thumbnail><image src='a'><![CDATA[eA==]]></image></thumbnail>");
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_LOAD) << utf8(END_LOAD) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::emptyImagesAreNotUnpacked()
@@ -440,8 +438,10 @@ void tst_TVNC_ThumbnailConverter::emptyImagesAreNotUnpacked()
     QCOMPARE(unpacked(), QStringList() << utf8("d") << utf8("e"));
     QCOMPARE(readFile(outDir() + utf8("d")), QByteArray());
     QCOMPARE(readFile(outDir() + utf8("e")), QByteArray());
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_LOAD) << utf8(END_LOAD) << utf8(EMPTY) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "1 [TVNC_ThumbnailConverter] thumbnail is empty.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::imagesInCharacterDataAreNotUnpacked()
@@ -462,8 +462,11 @@ void tst_TVNC_ThumbnailConverter::oneFailureDoesNotStopTheOthers()
     unpack("<thumbnail><image><![CDATA[eA==]]></image><image src='no/such'><![CDATA[eA==]]></image>"
            "<image src='c'><![CDATA[eA==]]></image></thumbnail>");
     QCOMPARE(unpacked(), QStringList() << utf8("c"));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_LOAD) << utf8(END_LOAD) << utf8(CANNOT_WRITE)
-                                                << utf8(CANNOT_WRITE) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::sourceMayHoldDirectories()
@@ -491,19 +494,20 @@ void tst_TVNC_ThumbnailConverter::missingPackUnpacksNothing()
 {
     unpack();
     QCOMPARE(unpacked(), QStringList());
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_LOAD) << utf8("2 TVNC_XMLReader::read file not exist!")
-                                      << utf8(END_LOAD) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "2 TVNC_XMLReader::read file not exist!\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::unpackNeedsItsArguments()
 {
     QByteArray path = dir_->path().toLatin1();
-    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Invalid Parameter.");
+    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Invalid Parameter.\n");
     converter_->convertThumbnailXMLToPng(nullptr, path.data());
     converter_->convertThumbnailXMLToPng(path.data(), nullptr);
     converter_->convertThumbnailXMLToPng(nullptr, nullptr);
-    QCOMPARE(LogRecorder::take(), QStringList() << line << line << line);
+    QCOMPARE(LogRecorder::take(), line.repeated(3));
 }
 
 void tst_TVNC_ThumbnailConverter::emptyPathsAreNotNull()
@@ -517,8 +521,8 @@ void tst_TVNC_ThumbnailConverter::emptyPathsAreNotNull()
     converter_->setThumbnail(text, src, root());
     converter_->convertThumbnailXMLToPng(c_empty, out.data());
     QCOMPARE(unpacked(), QStringList() << utf8("held"));
-    QCOMPARE(LogRecorder::take(),
-             QStringList() << utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.") << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_ThumbnailConverter)

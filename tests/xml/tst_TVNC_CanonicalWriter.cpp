@@ -202,9 +202,9 @@ void tst_TVNC_CanonicalWriter::sameLogForNullNodes()
     makeNode(root(), "b", "y");
     LogRecorder::clear();
     const QByteArray bytes = saved();
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_XMLSetting::save] start")
-                                                << utf8("1 [TVNC_XMLReader::writeXMLNode] pc_Node NULL !!!.")
-                                                << utf8("3 [TVNC_XMLSetting::saveBookmark] end"));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::save] start\n"
+                                       "1 [TVNC_XMLReader::writeXMLNode] pc_Node NULL !!!.\n"
+                                       "3 [TVNC_XMLSetting::saveBookmark] end\n"));
     QCOMPARE(bytes, written());
 }
 
