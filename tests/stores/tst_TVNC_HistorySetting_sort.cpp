@@ -15,6 +15,8 @@ private slots:
     void sortPutsTheNewestFirst();
     void sortDropsWhatHasNoNumber();
     void sortRebuildsEveryRecord();
+    void sortRebuildsWhatIsAlmostARecord_data();
+    void sortRebuildsWhatIsAlmostARecord();
     void sortReleasesTheOldRecords();
     void sortReadsEachVisitIntoAFreshRecord();
     void sortKeepsVisitsNumberedAbove998();
@@ -123,6 +125,36 @@ void tst_TVNC_HistorySetting_sort::sortRebuildsEveryRecord()
     QCOMPARE(described(), utf8("history{docInfo=1.0}("
                                "pageInfo{id=000}(title,url'u',dateTime),"
                                "pageInfo{id=001}(title'T',url,dateTime))"));
+}
+
+void tst_TVNC_HistorySetting_sort::sortRebuildsWhatIsAlmostARecord_data()
+{
+    QTest::addColumn<QByteArray>("record");
+    const QByteArray title("<title>T</title>"), url("<url>U</url>"),
+        time("<dateTime>2011/04/12 10:15</dateTime>");
+    QTest::newRow("as it should be") << "<pageInfo>" + title + url + time + "</pageInfo>";
+    QTest::newRow("name") << "<page>" + title + url + time + "</page>";
+    QTest::newRow("text") << "<pageInfo>text" + title + url + time + "</pageInfo>";
+    QTest::newRow("a fourth element") << "<pageInfo>" + title + url + time + "<more/></pageInfo>";
+    QTest::newRow("order") << "<pageInfo>" + time + title + url + "</pageInfo>";
+    QTest::newRow("order of the last two") << "<pageInfo>" + title + time + url + "</pageInfo>";
+    QTest::newRow("attribute of the title")
+        << "<pageInfo><title lang='en'>T</title>" + url + time + "</pageInfo>";
+    QTest::newRow("child of the title") << "<pageInfo><title>T<b/></title>" + url + time + "</pageInfo>";
+    QTest::newRow("attribute of the address")
+        << "<pageInfo>" + title + "<url a='b'>U</url>" + time + "</pageInfo>";
+    QTest::newRow("child of the address") << "<pageInfo>" + title + "<url>U<b/></url>" + time + "</pageInfo>";
+    QTest::newRow("attribute of the time")
+        << "<pageInfo>" + title + url + "<dateTime a='b'>2011/04/12 10:15</dateTime></pageInfo>";
+    QTest::newRow("CDATA") << "<pageInfo><title><![CDATA[T]]></title>" + url + time + "</pageInfo>";
+}
+
+void tst_TVNC_HistorySetting_sort::sortRebuildsWhatIsAlmostARecord()
+{
+    QFETCH(QByteArray, record);
+    loadFrom(record);
+    QCOMPARE(described(), utf8("history{docInfo=1.0}("
+                               "pageInfo{id=000}(title'T',url'U',dateTime'2011/04/12 10:15'))"));
 }
 
 void tst_TVNC_HistorySetting_sort::sortReleasesTheOldRecords()
