@@ -617,6 +617,15 @@ void tst_TVNC_BrowserCommonSetting::memoryThatRunsOut()
     failingNode = 0;
     QVERIFY(b_writtenWithoutLeaf);
     QCOMPARE(describe(root()), utf8("(proxy)"));
+    failingNode = 1; // the root, in the reader and where the file is missing
+    failingObject = 1;
+    common_->loadSetting(&dirName_);
+    failingNode = 0;
+    failingObject = 0;
+    QVERIFY(!root());
+    QCOMPARE(int(common_->getRcvCookieInfo()), 1);
+    common_->loadSetting(&dirName_);
+    QVERIFY(root());
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_BrowserCommonSetting)

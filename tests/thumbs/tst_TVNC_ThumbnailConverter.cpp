@@ -44,6 +44,7 @@ private slots:
     void packWithoutMemoryKeepsTheDocument();
     void packWithAnUnwritableFileLeavesNothing();
     void packReleasesItsTrees();
+    void memoryThatRunsOutWhilePackingKeepsTheFile();
 
     void unpackingGivesTheSameFiles();
     void unpackLogsItsSteps();
@@ -56,6 +57,8 @@ private slots:
     void damagedPackIsUnpackedUpToTheDamage();
     void missingPackUnpacksNothing();
     void unpackNeedsItsArguments();
+    void nullImageEndsTheUnpacking();
+    void memoryThatRunsOutWhileUnpackingIsLogged();
     void emptyPathsAreNotNull();
 
 private:
@@ -401,6 +404,31 @@ void tst_TVNC_ThumbnailConverter::packReleasesItsTrees()
     QVERIFY(root());
 }
 
+void tst_TVNC_ThumbnailConverter::memoryThatRunsOutWhilePackingKeepsTheFile()
+{
+    writeFile(pngDir() + utf8("a.png"), "first");
+    writeFile(pngDir() + utf8("b.png"), "second");
+    pack();
+    const QByteArray whole = readFile(file());
+    int si_failures = 0;
+    bool b_enough = false;
+    for (int i = 1; !b_enough; ++i) {
+        writeFile(file(), "as it was");
+        LogRecorder::clear();
+        failingObject = i;
+        pack();
+        b_enough = failingObject > 1;
+        failingObject = 0;
+        if (LogRecorder::take().contains(
+                utf8("1 [TVNC_ThumbnailConverter::convertThumbnailPngToXML] Fail\n"))) {
+            ++si_failures;
+            QCOMPARE(readFile(file()), QByteArray("as it was"));
+        }
+    }
+    QVERIFY(si_failures > 0);
+    QCOMPARE(readFile(file()), whole);
+}
+
 // --- Unpacking --------------------------------------------------------------------------------------------
 
 void tst_TVNC_ThumbnailConverter::unpackingGivesTheSameFiles()
@@ -508,6 +536,46 @@ void tst_TVNC_ThumbnailConverter::unpackNeedsItsArguments()
     converter_->convertThumbnailXMLToPng(path.data(), nullptr);
     converter_->convertThumbnailXMLToPng(nullptr, nullptr);
     QCOMPARE(LogRecorder::take(), line.repeated(3));
+}
+
+void tst_TVNC_ThumbnailConverter::nullImageEndsTheUnpacking()
+{
+    char c_empty[] = ""; // nothing is loaded
+    QByteArray out = outDir().toLatin1();
+    converter_->createXMLRootNode();
+    QString text = utf8("eA==");
+    QString first = utf8("first");
+    QString last = utf8("last");
+    converter_->setThumbnail(text, first, root());
+    root()->getXMLNodeChildren().append(nullptr);
+    converter_->setThumbnail(text, last, root());
+    LogRecorder::clear();
+    converter_->convertThumbnailXMLToPng(c_empty, out.data());
+    QCOMPARE(unpacked(), QStringList() << utf8("first"));
+    QCOMPARE(LogRecorder::take(), utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.\n"
+                                       "1 [TVNC_ThumbnailConverter] XMLNode is Null.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
+}
+
+void tst_TVNC_ThumbnailConverter::memoryThatRunsOutWhileUnpackingIsLogged()
+{
+    const QByteArray document("<thumbnail><image src='a'><![CDATA[eA==]]></image></thumbnail>");
+    int si_failures = 0;
+    bool b_enough = false;
+    for (int i = 1; !b_enough; ++i) {
+        QFile::remove(outDir() + utf8("a"));
+        LogRecorder::clear();
+        writeFile(file(), document);
+        failingObject = i;
+        unpack();
+        b_enough = failingObject > 1;
+        failingObject = 0;
+        if (LogRecorder::take().contains(
+                utf8("1 [TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Fail\n")))
+            ++si_failures;
+    }
+    QVERIFY(si_failures > 0);
+    QCOMPARE(readFile(outDir() + utf8("a")), QByteArray("x"));
 }
 
 void tst_TVNC_ThumbnailConverter::emptyPathsAreNotNull()

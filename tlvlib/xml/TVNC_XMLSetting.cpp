@@ -12,6 +12,7 @@
 #include "tlvlib/xml/TVNC_XMLReader.h"
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 #include "tlvlib/xml/TVNG_nodes.h"
+#include "tlvlib/xml/TVNG_writeDocument.h"
 
 #include <QtCore/QFile>
 
@@ -43,10 +44,12 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
     TVNC_SavedFile file(path);
     if (!TVNG_openForWriting(file))
         return;
-    if (TVNC_CanonicalWriter::takes(*pc_root))
+    if (TVNC_CanonicalWriter::takes(*pc_root)) {
         TVNC_CanonicalWriter::write(file.device(), *pc_root);
-    else
-        TVNC_XMLWriter().write(file.device(), pc_root);
+    } else {
+        TVNC_XMLWriter writer;
+        TVNG_writeDocument(writer, file.device(), pc_root);
+    }
     TVNG_finishWriting(file);
 }
 
