@@ -12,7 +12,6 @@
 #include "tlvlib/xml/TVNC_XMLReader.h"
 #include "tlvlib/xml/TVNC_XMLWriter.h"
 #include "tlvlib/xml/TVNG_nodes.h"
-#include "tlvlib/xml/TVNG_writeDocument.h"
 
 #include <QtCore/QFile>
 
@@ -48,7 +47,9 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
         TVNC_CanonicalWriter::write(file.device(), *pc_root);
     } else {
         TVNC_XMLWriter writer;
-        TVNG_writeDocument(writer, file.device(), pc_root);
+        writer.write(file.device(), pc_root);
+        if (!writer.device())
+            return; // memory ran out: what is half written takes no file's place
     }
     TVNG_finishWriting(file);
 }

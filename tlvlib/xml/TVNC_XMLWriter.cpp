@@ -8,7 +8,6 @@
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNG_walkTree.h"
-#include "tlvlib/xml/TVNG_writeDocument.h"
 
 #include <QtCore/QVector>
 
@@ -217,34 +216,20 @@ TVNC_XMLWriter::TVNC_XMLWriter()
 
 TVNC_XMLWriter::~TVNC_XMLWriter() {}
 
-bool TVNG_writeDocument(TVNC_XMLWriter& writer, QIODevice& device, TVNC_XMLNode* pc_root)
-{
-    writer.setDevice(&device);
-    writer.writeStartDocument();
-    bool b_written = false;
-    {
-        TreeWriter tree(writer);
-        b_written = TVNG_walkTree(pc_root, tree);
-        tree.endUnformatted();
-    }
-    writer.writeEndDocument();
-    return b_written;
-}
-
 bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
 {
     bool b_written = false;
-    const bool b_complete = TVNG_hasMemoryFor([&] {
+    TVNG_hasMemoryFor([&] {
         TVNC_SavedFile file(path);
         if (!pc_root || !TVNG_openForWriting(file))
             return;
-        b_written = TVNG_writeDocument(*this, file.device(), pc_root);
+        b_written = write(file.device(), pc_root);
+        if (!device())
+            return;         // what is half written takes no file's place
         setDevice(nullptr); // it goes
         b_written = TVNG_finishWriting(file) && b_written;
     });
-    if (!b_complete)
-        setDevice(nullptr); // it is gone
-    return b_complete && b_written;
+    return b_written;
 }
 
 bool TVNC_XMLWriter::write(QIODevice& device, TVNC_XMLNode* pc_root)
@@ -252,8 +237,19 @@ bool TVNC_XMLWriter::write(QIODevice& device, TVNC_XMLNode* pc_root)
     if (!pc_root)
         return false;
     bool b_written = false;
-    const bool b_complete =
-        TVNG_hasMemoryFor([&] { b_written = TVNG_writeDocument(*this, device, pc_root); });
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        setDevice(&device);
+        writeStartDocument();
+        {
+            TreeWriter tree(*this);
+            b_written = TVNG_walkTree(pc_root, tree);
+            tree.endUnformatted();
+        }
+        writeEndDocument();
+    });
+    // False also stands for a null node. Callers that must know what it was ask for the device.
+    if (!b_complete)
+        setDevice(nullptr);
     return b_complete && b_written;
 }
 
