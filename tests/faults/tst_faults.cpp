@@ -116,10 +116,10 @@ void tst_faults::fullDiskLeavesAReadableFile()
     QCOMPARE(mount("none", "/ata07/disk", "tmpfs", 0, "size=64k"), 0);
     LogRecorder::clear();
     store().saveBookmark(&disk, MAX); // needs more than 100 KB
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_BookmarksSetting::saveBookmark] start")
-                                                << utf8("3 [TVNC_XMLSetting::save] start")
-                                                << utf8("3 [TVNC_XMLSetting::saveBookmark] end")
-                                                << utf8("3 [TVNC_BookmarksSetting::saveBookmark] end"));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_BookmarksSetting::saveBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::save] start\n"
+                                       "3 [TVNC_XMLSetting::saveBookmark] end\n"
+                                       "3 [TVNC_BookmarksSetting::saveBookmark] end\n"));
     const QByteArray written = readFile(disk + utf8("bookmark.xml"));
     QVERIFY(written.size() > 0 && written.size() <= 65536);
     path_ = disk;
@@ -159,10 +159,10 @@ void tst_faults::whatOnlyOthersMayUse()
     fill(1);
     LogRecorder::clear();
     store().saveBookmark(&path_, MAX);
-    const QStringList saveLog = LogRecorder::take();
+    const QStringList saveLog = LogRecorder::takeLines();
     const int si_kept = store().getBookmarkCnt();
     const int si_loaded = load();
-    const QStringList loadLog = LogRecorder::take();
+    const QStringList loadLog = LogRecorder::takeLines();
     if (b_root)
         QCOMPARE(seteuid(0), 0);
     QVERIFY(saveLog.contains(utf8("2 TVNC_XMLWriter::write file open error!")));
@@ -183,7 +183,7 @@ void tst_faults::whatOnlyOthersMayUse()
     if (b_root)
         QCOMPARE(seteuid(0), 0);
     QCOMPARE(chmod(directory.constData(), 0755), 0);
-    QVERIFY(LogRecorder::take().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
+    QVERIFY(LogRecorder::takeLines().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
     QVERIFY(!QFile::exists(file("bookmark.xml")));
     QCOMPARE(store().getBookmarkCnt(), 1);
 }
@@ -194,7 +194,7 @@ void tst_faults::directoryInTheFilesPlace()
     QVERIFY(QDir().mkpath(file("bookmark.xml")));
     LogRecorder::clear();
     store().saveBookmark(&path_, MAX);
-    QVERIFY(LogRecorder::take().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
+    QVERIFY(LogRecorder::takeLines().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
     QCOMPARE(load(), 0);
     QVERIFY(QDir(file("bookmark.xml")).exists());
 }
@@ -206,9 +206,9 @@ void tst_faults::loopOfSymbolicLinks()
     QVERIFY(QFile::link(file("other"), file("bookmark.xml")));
     LogRecorder::clear();
     store().saveBookmark(&path_, MAX);
-    QVERIFY(LogRecorder::take().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
+    QVERIFY(LogRecorder::takeLines().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
     QCOMPARE(load(), 0);
-    QVERIFY(LogRecorder::take().contains(utf8("2 TVNC_XMLReader::read file not exist!")));
+    QVERIFY(LogRecorder::takeLines().contains(utf8("2 TVNC_XMLReader::read file not exist!")));
 }
 
 void tst_faults::longPaths()
@@ -219,7 +219,7 @@ void tst_faults::longPaths()
     fill(1);
     LogRecorder::clear();
     store().saveBookmark(&path_, MAX);
-    QVERIFY(LogRecorder::take().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
+    QVERIFY(LogRecorder::takeLines().contains(utf8("2 TVNC_XMLWriter::write file open error!")));
     QCOMPARE(load(), 0);
 
     path_ = short_;

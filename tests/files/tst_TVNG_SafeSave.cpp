@@ -409,7 +409,7 @@ void tst_TVNG_SafeSave::logLinesAreTheSame()
         QByteArray pack = localFile("pack");
         TVNC_ThumbnailConverter::getInstance()->convertThumbnailPngToXML(local.data(), pack.data());
         TVNC_ThumbnailConverter::getInstance()->convertThumbnailXMLToPng(pack.data(), local.data());
-        logs[int(c_on)] = LogRecorder::take();
+        logs[int(c_on)] = LogRecorder::takeLines();
         foreach (const QString& name, QDir(path_).entryList(QDir::Files))
             QVERIFY(QFile::remove(path_ + name));
         releaseDeferred();
@@ -636,7 +636,7 @@ void tst_TVNG_SafeSave::namesOfAllLengths()
     QVERIFY(!write(QString(), "x"));
     QVERIFY(!write(path_ + utf8("a.xml") + QChar(0) + utf8("b"), "x"));
     QCOMPARE(QDir(path_).entryList(QDir::Files), QStringList());
-    QCOMPARE(LogRecorder::take().filter(utf8("2 TVNC_XMLWriter::write file open error!")).size(), 4);
+    QCOMPARE(LogRecorder::takeLines().filter(utf8("2 TVNC_XMLWriter::write file open error!")).size(), 4);
 }
 
 void tst_TVNG_SafeSave::relativePaths()

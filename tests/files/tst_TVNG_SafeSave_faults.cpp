@@ -43,6 +43,7 @@ private slots:
     void unwritableFileIsRefused();
     void missingDirectoryIsRefused();
     void directoryThatTakesNoFile();
+    void errorThatMeansNoPlaceForFiles();
     void devicesArePlain();
     void fullDeviceIsTold();
     void namedPipeIsWrittenThrough();
@@ -144,7 +145,7 @@ void tst_TVNG_SafeSave_faults::saverRows()
 static QStringList errors()
 {
     QStringList found;
-    foreach (const QString& line, LogRecorder::take()) {
+    foreach (const QString& line, LogRecorder::takeLines()) {
         if (!line.startsWith(utf8("3 ")))
             found << line;
     }
@@ -435,6 +436,27 @@ void tst_TVNG_SafeSave_faults::directoryThatTakesNoFile()
     QVERIFY(readFile(file("a.xml")).contains("and after it"));
     QCOMPARE(readFile(file("p.png")), QByteArray("the second"));
     QVERIFY(readFile(file("cookie.ini")).contains("new value"));
+}
+
+// Each of them alone means that the directory takes no new file, ever: the old one is written in place.
+void tst_TVNG_SafeSave_faults::errorThatMeansNoPlaceForFiles()
+{
+    const int pi_errors[] = {EACCES, EPERM, EROFS, ENOENT, ENOTDIR, ELOOP, ENAMETOOLONG};
+    for (size_t i = 0; i < sizeof pi_errors / sizeof *pi_errors; ++i) {
+        QVERIFY(saveWithWriter(path_, 0));
+        struct stat before;
+        QCOMPARE(stat(localFile("a.xml").constData(), &before), 0);
+        // The second file that is opened is the new one, and the third the old one, in place.
+        SystemCalls::fail(localPath(), "open", pi_errors[i], 2, true);
+        const bool b_saved = saveWithWriter(path_, 1);
+        SystemCalls::mend();
+        QVERIFY2(b_saved, qPrintable(errorText(pi_errors[i])));
+        QVERIFY(readFile(file("a.xml")).contains("and after it"));
+        struct stat after;
+        QCOMPARE(stat(localFile("a.xml").constData(), &after), 0);
+        QCOMPARE(after.st_ino, before.st_ino);
+        QCOMPARE(files(), QStringList() << utf8("a.xml"));
+    }
 }
 
 void tst_TVNG_SafeSave_faults::devicesArePlain()

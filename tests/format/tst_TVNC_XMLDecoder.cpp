@@ -2,6 +2,15 @@
 
 #include "tlvlib/format/TVNC_XMLDecoder.h"
 
+/// The bytes of a code unit.
+static QByteArray unit(uint ul_unit, int si_bytes, bool b_bigEndian)
+{
+    QByteArray result;
+    for (int i = 0; i < si_bytes; ++i)
+        result += static_cast<char>(ul_unit >> 8 * (b_bigEndian ? si_bytes - 1 - i : i) & 0xFF);
+    return result;
+}
+
 /// Which encoding a document is taken for, and what becomes of its bytes.
 class tst_TVNC_XMLDecoder : public QObject
 {
@@ -33,6 +42,15 @@ void tst_TVNC_XMLDecoder::headsAreDecoded_data()
     same("unknown name", "<?xml version='1.0' encoding='nothing-1'?><a>\xE9</a>");
     same("an instruction", "<?xmlx encoding='ISO-8859-1'?><a/>");
     same("not at the beginning", " <?xml encoding='ISO-8859-1'?><a/>");
+    // First bytes that begin as those of another encoding do.
+    same("almost a mark of UTF-32BE", QByteArray("\0\0\xFE.", 4));
+    same("almost UTF-32BE", QByteArray("\0\0\0.", 4));
+    same("two zero bytes", QByteArray("\0\0..", 4));
+    same("half a mark of UTF-16BE", "\xFE...");
+    same("half a mark of UTF-16LE", "\xFF...");
+    QTest::newRow("almost a mark of UTF-32LE")
+        << QByteArray("\xFF\xFE\0\x30", 4) << QByteArray("\xE3\x80\x80");
+    QTest::newRow("almost UTF-32LE") << QByteArray("<\0\0\x30", 4) << QByteArray("<\xE3\x80\x80");
     QTest::newRow("Latin-1") << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><a>\xE9</a>")
                              << QByteArray("<?xml version='1.0'                      ?><a>\xC3\xA9</a>");
     QTest::newRow("Latin-1, double quotes")
@@ -46,6 +64,11 @@ void tst_TVNC_XMLDecoder::headsAreDecoded_data()
     ends("in a value", "<?xml version='encoding' encoding='ISO-8859-1'?><a/>");
     ends("no quotes", "<?xml encoding=UTF-8?><a/>");
     ends("no equals sign", "<?xml encoding 'UTF-8'?><a/>");
+    ends("nothing behind the word", "<?xml encoding?><a/>");
+    ends("nothing behind the equals sign", "<?xml encoding=?><a/>");
+    QTest::newRow("malformed in UTF-16") << unit('<', 2, true) + unit('?', 2, true) + unit('x', 2, true) +
+                                                unit('m', 2, true) + unit('l', 2, true) + unit(' ', 2, true)
+                                         << QByteArray();
     ends("no end of the name", "<?xml encoding='UTF-8?><a/>");
     ends("an entity in the name", "<?xml encoding='&#85;TF-8'?><a/>");
 }
@@ -57,15 +80,6 @@ void tst_TVNC_XMLDecoder::headsAreDecoded()
     TVNC_XMLDecoder decoder;
     QCOMPARE(decoder.decode(head), decoded);
     QCOMPARE(decoder.hasEnded(), decoded.isNull());
-}
-
-/// The bytes of a code unit.
-static QByteArray unit(uint ul_unit, int si_bytes, bool b_bigEndian)
-{
-    QByteArray result;
-    for (int i = 0; i < si_bytes; ++i)
-        result += static_cast<char>(ul_unit >> 8 * (b_bigEndian ? si_bytes - 1 - i : i) & 0xFF);
-    return result;
 }
 
 void tst_TVNC_XMLDecoder::otherEncodingsBecomeUtf8_data()

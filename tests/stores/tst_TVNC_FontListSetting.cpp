@@ -6,11 +6,6 @@
 
 #include <QtCore/QDir>
 
-static const char START_LOAD[] = "3 [TVNC_FontListSetting::loadFontList] start";
-static const char END_LOAD[] = "3 [TVNC_FontListSetting::loadFontList] end";
-static const char START_SAVE[] = "3 [TVNC_FontListSetting::saveFontList] start";
-static const char END_SAVE[] = "3 [TVNC_FontListSetting::saveFontList] end";
-
 class tst_TVNC_FontListSetting : public QObject
 {
     Q_OBJECT
@@ -19,20 +14,12 @@ private slots:
     void initTestCase();
     void init();
 
-    void thereIsOneInstance();
     void listIsLoadedAndNumbered();
-    void missingFileGivesAnEmptyListThatCanBeSaved();
-    void loadLogsItsSteps();
-    void loadNeedsADirectory();
-    void loadReplacesTheList();
-    void directoryIsUsedAsItIs();
 
     void listIsSavedExactly();
     void savedListIsLoadedBack();
     void saveNamesTheRootAndDropsItsAttributes();
     void saveDoesNotRenumber();
-    void saveLogsItsSteps();
-    void saveNeedsADirectory();
 
     void fontsAreAppendedAndNumbered();
     void sameNameIsStoredTwice();
@@ -59,23 +46,15 @@ void tst_TVNC_FontListSetting::initTestCase()
 {
     // Before the first load, which later tests cannot undo: one instance serves the whole process.
     fonts_ = TVNC_FontListSetting::getInstance();
-    TempDir dir;
     QVERIFY(!fonts_->getXMLRootNode());
     QCOMPARE(fonts_->getCount(), 0);
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
     QCOMPARE(fonts_->getFont(0), QString());
-    QCOMPARE(LogRecorder::take(), QStringList(utf8("3 [TVNC_FontListSetting::getFont]")));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_FontListSetting::getFont]\n"));
     fonts_->addFont(utf8("Lost"));
-    QCOMPARE(LogRecorder::take(), QStringList(utf8("3 [TVNC_FontListSetting::addFont]")));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_FontListSetting::addFont]\n"));
     QVERIFY(!fonts_->getXMLRootNode());
     QCOMPARE(fonts_->getCount(), 0);
-
-    const QString path = dir.path() + utf8("fontlist.xml");
-    fonts_->saveFontList(dir.path());
-    QVERIFY(!QFile::exists(path));
-    writeFile(path, "as it was");
-    fonts_->saveFontList(dir.path());
-    QCOMPARE(readFile(path), QByteArray("as it was"));
 }
 
 void tst_TVNC_FontListSetting::init()
@@ -98,11 +77,6 @@ void tst_TVNC_FontListSetting::loadFrom(const QByteArray& document)
     LogRecorder::clear();
 }
 
-void tst_TVNC_FontListSetting::thereIsOneInstance()
-{
-    QCOMPARE(TVNC_FontListSetting::getInstance(), fonts_);
-}
-
 void tst_TVNC_FontListSetting::listIsLoadedAndNumbered()
 {
     loadFrom("<fontlist docInfo='1.0'><font id='7' x='y'>Sans</font><font>Serif</font></fontlist>");
@@ -111,71 +85,6 @@ void tst_TVNC_FontListSetting::listIsLoadedAndNumbered()
     QCOMPARE(fonts_->getCount(), 2);
     QCOMPARE(fonts_->getFont(0), utf8("Sans"));
     QCOMPARE(fonts_->getFont(1), utf8("Serif"));
-}
-
-void tst_TVNC_FontListSetting::missingFileGivesAnEmptyListThatCanBeSaved()
-{
-    QVERIFY(fonts_->getXMLRootNode());
-    QCOMPARE(fonts_->getCount(), 0);
-    fonts_->saveFontList(dir_->path());
-    QCOMPARE(readFile(dir_->path() + utf8("fontlist.xml")),
-             QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<fontlist docInfo=\"1.0\"/>\n"));
-}
-
-void tst_TVNC_FontListSetting::loadLogsItsSteps()
-{
-    fonts_->loadFontList(dir_->path());
-    QCOMPARE(LogRecorder::take(),
-             QStringList() << utf8(START_LOAD) << utf8("3 [TVNC_XMLSetting::deleteRootChildren] 0x*")
-                           << utf8("3 [TVNC_XMLSetting::loadBookmark] start")
-                           << utf8("2 TVNC_XMLReader::read file not exist!")
-                           << utf8("3 [TVNC_XMLSetting::loadBookmark] end") << utf8(END_LOAD));
-}
-
-void tst_TVNC_FontListSetting::loadNeedsADirectory()
-{
-    loadFrom("<fontlist><font>Sans</font></fontlist>");
-    fonts_->loadFontList(QString());
-    fonts_->loadFontList(utf8(""));
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_LOAD)
-                                      << utf8("2 [TVNC_FontListSetting::loadFontList] Path is empty.")
-                                      << utf8(START_LOAD)
-                                      << utf8("2 [TVNC_FontListSetting::loadFontList] Path is empty."));
-    QCOMPARE(fonts_->getFont(0), utf8("Sans"));
-}
-
-void tst_TVNC_FontListSetting::loadReplacesTheList()
-{
-    loadFrom("<fontlist><font>Sans</font><font>Serif</font></fontlist>");
-    QPointer<TVNC_XMLNode> oldRoot(fonts_->getXMLRootNode());
-    QPointer<TVNC_XMLNode> oldFont(fonts_->getXMLRootNode()->getXMLNodeChildren().at(0));
-    loadFrom("<fontlist><font>Mono</font></fontlist>");
-    QCOMPARE(fonts_->getCount(), 1);
-    QCOMPARE(fonts_->getFont(0), utf8("Mono"));
-    // The fonts leave the old root before it goes, and all are released by the event loop.
-    QVERIFY(!oldRoot.isNull() && oldRoot->getXMLNodeChildren().isEmpty());
-    QVERIFY(!oldFont.isNull());
-    releaseDeferred();
-    QVERIFY(oldRoot.isNull());
-    QVERIFY(oldFont.isNull());
-}
-
-void tst_TVNC_FontListSetting::directoryIsUsedAsItIs()
-{
-    // Without its "/" the directory's name and the file's run together.
-    const QString dir = dir_->path() + utf8("data");
-    QVERIFY(QDir().mkdir(dir));
-    writeFile(dir + utf8("/fontlist.xml"), "<fontlist><font>Inside</font></fontlist>");
-    writeFile(dir + utf8("fontlist.xml"), "<fontlist><font>Beside</font></fontlist>");
-    fonts_->loadFontList(dir);
-    QCOMPARE(fonts_->getFont(0), utf8("Beside"));
-    fonts_->loadFontList(dir + utf8("/"));
-    QCOMPARE(fonts_->getFont(0), utf8("Inside"));
-    fonts_->addFont(utf8("New"));
-    fonts_->saveFontList(dir);
-    QVERIFY(readFile(dir + utf8("fontlist.xml")).contains("New"));
-    QVERIFY(!readFile(dir + utf8("/fontlist.xml")).contains("New"));
 }
 
 void tst_TVNC_FontListSetting::listIsSavedExactly()
@@ -219,36 +128,13 @@ void tst_TVNC_FontListSetting::saveDoesNotRenumber()
     QVERIFY(readFile(dir_->path() + utf8("fontlist.xml")).contains("<font id=\"002\">C</font>"));
 }
 
-void tst_TVNC_FontListSetting::saveLogsItsSteps()
-{
-    fonts_->saveFontList(dir_->path());
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_SAVE) << utf8("3 [TVNC_XMLSetting::save] start")
-                                      << utf8("3 [TVNC_XMLSetting::saveBookmark] end") << utf8(END_SAVE));
-    fonts_->saveFontList(dir_->path() + utf8("absent/"));
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_SAVE) << utf8("3 [TVNC_XMLSetting::save] start")
-                                      << utf8("2 TVNC_XMLWriter::write file open error!")
-                                      << utf8("3 [TVNC_XMLSetting::saveBookmark] end") << utf8(END_SAVE));
-}
-
-void tst_TVNC_FontListSetting::saveNeedsADirectory()
-{
-    loadFrom("<other><font>Sans</font></other>");
-    fonts_->saveFontList(QString());
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_SAVE)
-                                      << utf8("2 [TVNC_FontListSetting::saveFontList] Path is empty."));
-    QCOMPARE(fonts_->getXMLRootNode()->getName(), utf8("other")); // untouched
-}
-
 void tst_TVNC_FontListSetting::fontsAreAppendedAndNumbered()
 {
     fonts_->addFont(utf8("A"));
     fonts_->addFont(utf8("B"));
     QCOMPARE(describe(fonts_->getXMLRootNode()), utf8("(font{id=000}'A',font{id=001}'B')"));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_FontListSetting::addFont]")
-                                                << utf8("3 [TVNC_FontListSetting::addFont]"));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_FontListSetting::addFont]\n"
+                                       "3 [TVNC_FontListSetting::addFont]\n"));
     QCOMPARE(int(fonts_->getXMLRootNode()->getXMLNodeChildren().at(0)->getTextType()), 0);
 }
 
@@ -265,11 +151,10 @@ void tst_TVNC_FontListSetting::emptyNameIsRefused()
     fonts_->addFont(QString());
     fonts_->addFont(utf8(""));
     QCOMPARE(fonts_->getXMLNodeCnt(), 0);
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8("3 [TVNC_FontListSetting::addFont]")
-                                      << utf8("2 [TVNC_FontListSetting::addFont] FontName is empty.")
-                                      << utf8("3 [TVNC_FontListSetting::addFont]")
-                                      << utf8("2 [TVNC_FontListSetting::addFont] FontName is empty."));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_FontListSetting::addFont]\n"
+                                       "2 [TVNC_FontListSetting::addFont] FontName is empty.\n"
+                                       "3 [TVNC_FontListSetting::addFont]\n"
+                                       "2 [TVNC_FontListSetting::addFont] FontName is empty.\n"));
 }
 
 void tst_TVNC_FontListSetting::addingSavesNothing()
@@ -301,10 +186,10 @@ void tst_TVNC_FontListSetting::fontIsFoundByNumber()
     QCOMPARE(fonts_->getFont(-1), QString());
     QCOMPARE(fonts_->getFont(fonts_->getCount()), QString());
     QCOMPARE(fonts_->getFont(2147483647), QString());
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_FontListSetting::getFont]")
-                                                << utf8("3 [TVNC_FontListSetting::getFont]")
-                                                << utf8("3 [TVNC_FontListSetting::getFont]")
-                                                << utf8("3 [TVNC_FontListSetting::getFont]"));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_FontListSetting::getFont]\n"
+                                       "3 [TVNC_FontListSetting::getFont]\n"
+                                       "3 [TVNC_FontListSetting::getFont]\n"
+                                       "3 [TVNC_FontListSetting::getFont]\n"));
 }
 
 void tst_TVNC_FontListSetting::nameIsHandedOutUpTo256Bytes_data()

@@ -44,7 +44,15 @@ void TVNG_DebugPrint(unsigned long level, const char* fmt, ...)
     messages().append(QString::number(level) + QLatin1Char(' ') + withoutAddresses(text));
 }
 
-QStringList LogRecorder::take()
+QString LogRecorder::take()
+{
+    QString block;
+    foreach (const QString& message, takeLines())
+        block += message + QLatin1Char('\n');
+    return block;
+}
+
+QStringList LogRecorder::takeLines()
 {
     const QStringList taken = messages();
     messages().clear();

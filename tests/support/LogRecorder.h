@@ -11,13 +11,17 @@ class LogRecorder
 {
 public:
     /**
-     * The messages since the last call, in order, each as its level, a space and its text, such as
-     * "3 [TVNC_XMLSetting::save] start". Hexadecimal addresses stand as "0x*", but the null address as "0x0".
+     * The messages since the last call as a block of lines, each its level, a space, its text and a line feed,
+     * such as "3 [TVNC_XMLSetting::save] start\n". Hexadecimal addresses stand as "0x*", but the null address
+     * as "0x0".
      */
-    static QStringList take();
+    static QString take();
+
+    /// The same as a list, without the line feeds, for those who look for some of them.
+    static QStringList takeLines();
 
     /// Forgets the messages so far.
-    static void clear() { take(); }
+    static void clear() { takeLines(); }
 };
 
 #endif

@@ -22,7 +22,7 @@ namespace {
 /// What is recorded, and what fails. Made on first use: the C library opens files before main().
 struct State
 {
-    State() : b_recording(false), si_error(0), si_after(0), room(-1), si_files(0) {}
+    State() : b_recording(false), si_error(0), si_after(0), b_once(false), room(-1), si_files(0) {}
 
     bool b_recording;
     QByteArray directory;
@@ -34,6 +34,7 @@ struct State
     QByteArray name;
     int si_error;
     int si_after;
+    bool b_once;
     qint64 room; ///< bytes that can still be written; -1 for any number
 
     int si_files;
@@ -117,6 +118,8 @@ bool fails(const char* pc_name, const QByteArray& path)
         return false;
     state().si_after = 0;
     errno = state().si_error;
+    if (state().b_once)
+        state().si_error = 0;
     return true;
 }
 
@@ -533,12 +536,14 @@ QStringList SystemCalls::texts()
     return state().texts;
 }
 
-void SystemCalls::fail(const QByteArray& directory, const QByteArray& name, int si_error, int si_after)
+void SystemCalls::fail(const QByteArray& directory, const QByteArray& name, int si_error, int si_after,
+                       bool b_once)
 {
     state().failing = directory;
     state().name = name;
     state().si_error = si_error;
     state().si_after = si_after;
+    state().b_once = b_once;
     b_active = true;
 }
 

@@ -51,10 +51,11 @@ public:
 
     /**
      * Below the directory, or another one: the calls of this name fail with an error, after so many of them
-     * succeeded. The name is one of "open", "write", "fsync", "fsync directory", "rename", "chmod", "chown"
-     * and "close", which fails after it has closed.
+     * succeeded; or only the next one then. The name is one of "open", "write", "fsync", "fsync directory",
+     * "rename", "chmod", "chown" and "close", which fails after it has closed.
      */
-    static void fail(const QByteArray& directory, const QByteArray& name, int si_error, int si_after = 0);
+    static void fail(const QByteArray& directory, const QByteArray& name, int si_error, int si_after = 0,
+                     bool b_once = false);
 
     /// Below the directory no more than so many bytes can be written, as on a disk that is full then.
     static void fill(const QByteArray& directory, qint64 room);

@@ -147,7 +147,7 @@ void tst_TVNC_NetworkDiskCache::aFileInTheDirectorysPlaceIsNoFailure()
 void tst_TVNC_NetworkDiskCache::clearingIsLogged()
 {
     TVNC_NetworkDiskCache::getInstance()->clear();
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_NetworkDiskCache::clearDiskCache]"));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_NetworkDiskCache::clearDiskCache]\n"));
 }
 
 TLVLIB_PRIVATE_ROOT_TEST_MAIN(tst_TVNC_NetworkDiskCache)

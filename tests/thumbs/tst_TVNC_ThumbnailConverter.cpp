@@ -8,15 +8,6 @@
 
 #include <QtGui/QImage>
 
-static const char CANNOT_READ[] = "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for reading.";
-static const char CANNOT_WRITE[] = "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.";
-static const char EMPTY[] = "1 [TVNC_ThumbnailConverter] thumbnail is empty.";
-static const char START_SAVE[] = "3 [TVNC_XMLSetting::save] start";
-static const char END_SAVE[] = "3 [TVNC_XMLSetting::saveBookmark] end";
-static const char START_LOAD[] = "3 [TVNC_XMLSetting::loadBookmark] start";
-static const char END_LOAD[] = "3 [TVNC_XMLSetting::loadBookmark] end";
-static const char EMPTIED[] = "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*";
-
 static const char DECLARATION[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 class tst_TVNC_ThumbnailConverter : public QObject
@@ -53,6 +44,7 @@ private slots:
     void packWithoutMemoryKeepsTheDocument();
     void packWithAnUnwritableFileLeavesNothing();
     void packReleasesItsTrees();
+    void memoryThatRunsOutWhilePackingKeepsTheFile();
 
     void unpackingGivesTheSameFiles();
     void unpackLogsItsSteps();
@@ -65,6 +57,8 @@ private slots:
     void damagedPackIsUnpackedUpToTheDamage();
     void missingPackUnpacksNothing();
     void unpackNeedsItsArguments();
+    void nullImageEndsTheUnpacking();
+    void memoryThatRunsOutWhileUnpackingIsLogged();
     void emptyPathsAreNotNull();
 
 private:
@@ -101,7 +95,7 @@ void tst_TVNC_ThumbnailConverter::initTestCase()
     char c_empty[] = "";
     // Without a path nothing is loaded, so there still is none, and nothing to do.
     converter_->convertThumbnailXMLToPng(c_empty, out.data());
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty."));
+    QCOMPARE(LogRecorder::take(), utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.\n"));
     QVERIFY(!root());
 }
 
@@ -168,7 +162,7 @@ void tst_TVNC_ThumbnailConverter::fileIsEncoded()
     QByteArray out = "before";
     converter_->encode_base64(path, out);
     QCOMPARE(out, base64);
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
 }
 
 void tst_TVNC_ThumbnailConverter::unreadableFileLeavesTheOutput()
@@ -179,7 +173,8 @@ void tst_TVNC_ThumbnailConverter::unreadableFileLeavesTheOutput()
     converter_->encode_base64(missing, out);
     converter_->encode_base64(directory, out);
     QCOMPARE(out, QByteArray("before"));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(CANNOT_READ) << utf8(CANNOT_READ));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for reading.\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for reading.\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::textIsDecodedIntoAFile()
@@ -189,7 +184,7 @@ void tst_TVNC_ThumbnailConverter::textIsDecodedIntoAFile()
     QVERIFY(converter_->decode_base64(base64, path));
     QCOMPARE(readFile(path), QByteArray("\0\xFB\xFF\xFE", 4));
     QCOMPARE(base64, QByteArray("APv//g=="));
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
 }
 
 void tst_TVNC_ThumbnailConverter::decodingReplacesTheFile()
@@ -208,7 +203,8 @@ void tst_TVNC_ThumbnailConverter::emptyTextIsRefused()
     QString path = outDir() + utf8("x");
     QVERIFY(!converter_->decode_base64(null, path));
     QVERIFY(!converter_->decode_base64(empty, path));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(EMPTY) << utf8(EMPTY));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_ThumbnailConverter] thumbnail is empty.\n"
+                                       "1 [TVNC_ThumbnailConverter] thumbnail is empty.\n"));
     QVERIFY(!QFile::exists(path));
 }
 
@@ -219,7 +215,8 @@ void tst_TVNC_ThumbnailConverter::unwritableFileIsRefused()
     QString directory = outDir();
     QVERIFY(!converter_->decode_base64(base64, path));
     QVERIFY(!converter_->decode_base64(base64, directory));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(CANNOT_WRITE) << utf8(CANNOT_WRITE));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::anythingThatIsNoLetterIsSkipped()
@@ -232,7 +229,7 @@ void tst_TVNC_ThumbnailConverter::anythingThatIsNoLetterIsSkipped()
     QVERIFY(converter_->decode_base64(nothing, path));
     QVERIFY(QFile::exists(path));
     QCOMPARE(readFile(path), QByteArray());
-    QCOMPARE(LogRecorder::take(), QStringList());
+    QCOMPARE(LogRecorder::take(), QString());
 }
 
 void tst_TVNC_ThumbnailConverter::imageIsAppended()
@@ -252,7 +249,7 @@ void tst_TVNC_ThumbnailConverter::imageNeedsARoot()
     QString src = utf8("1.PNG");
     converter_->setThumbnail(text, src, nullptr);
     QCOMPARE(LogRecorder::take(),
-             QStringList() << utf8("1 [TVNC_ThumbnailConverter::setThumbnail] pc_XMLRootNode is Null."));
+             utf8("1 [TVNC_ThumbnailConverter::setThumbnail] pc_XMLRootNode is Null.\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::filesAreListedAsQDirDoes()
@@ -361,17 +358,19 @@ void tst_TVNC_ThumbnailConverter::packLogsItsSteps()
 {
     writeFile(pngDir() + utf8("a.png"), "x");
     pack();
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_SAVE) << utf8(END_SAVE) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::save] start\n"
+                                       "3 [TVNC_XMLSetting::saveBookmark] end\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::packNeedsItsArguments()
 {
     QByteArray path = dir_->path().toLatin1();
-    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid Parameter.");
+    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailPngToXML] Invalid Parameter.\n");
     converter_->convertThumbnailPngToXML(nullptr, path.data());
     converter_->convertThumbnailPngToXML(path.data(), nullptr);
     converter_->convertThumbnailPngToXML(nullptr, nullptr);
-    QCOMPARE(LogRecorder::take(), QStringList() << line << line << line);
+    QCOMPARE(LogRecorder::take(), line.repeated(3));
 }
 
 void tst_TVNC_ThumbnailConverter::packWithoutMemoryKeepsTheDocument()
@@ -381,7 +380,7 @@ void tst_TVNC_ThumbnailConverter::packWithoutMemoryKeepsTheDocument()
     failingNode = 1;
     pack();
     failingNode = 0;
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("1 [TVNC_XMLSetting::addXMLChild] Fail"));
+    QCOMPARE(LogRecorder::take(), utf8("1 [TVNC_XMLSetting::addXMLChild] Fail\n"));
     QVERIFY(!QFile::exists(file()));
     QCOMPARE(describe(root()), utf8("(kept)"));
 }
@@ -403,6 +402,31 @@ void tst_TVNC_ThumbnailConverter::packReleasesItsTrees()
     releaseDeferred();
     QVERIFY(previous.isNull());
     QVERIFY(root());
+}
+
+void tst_TVNC_ThumbnailConverter::memoryThatRunsOutWhilePackingKeepsTheFile()
+{
+    writeFile(pngDir() + utf8("a.png"), "first");
+    writeFile(pngDir() + utf8("b.png"), "second");
+    pack();
+    const QByteArray whole = readFile(file());
+    int si_failures = 0;
+    bool b_enough = false;
+    for (int i = 1; !b_enough; ++i) {
+        writeFile(file(), "as it was");
+        LogRecorder::clear();
+        failingObject = i;
+        pack();
+        b_enough = failingObject > 1;
+        failingObject = 0;
+        if (LogRecorder::take().contains(
+                utf8("1 [TVNC_ThumbnailConverter::convertThumbnailPngToXML] Fail\n"))) {
+            ++si_failures;
+            QCOMPARE(readFile(file()), QByteArray("as it was"));
+        }
+    }
+    QVERIFY(si_failures > 0);
+    QCOMPARE(readFile(file()), whole);
 }
 
 // --- Unpacking --------------------------------------------------------------------------------------------
@@ -428,7 +452,9 @@ void tst_TVNC_ThumbnailConverter::unpackingGivesTheSameFiles()
 void tst_TVNC_ThumbnailConverter::unpackLogsItsSteps()
 {
     unpack("<thumbnail><image src='a'><![CDATA[eA==]]></image></thumbnail>");
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_LOAD) << utf8(END_LOAD) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::emptyImagesAreNotUnpacked()
@@ -440,8 +466,10 @@ void tst_TVNC_ThumbnailConverter::emptyImagesAreNotUnpacked()
     QCOMPARE(unpacked(), QStringList() << utf8("d") << utf8("e"));
     QCOMPARE(readFile(outDir() + utf8("d")), QByteArray());
     QCOMPARE(readFile(outDir() + utf8("e")), QByteArray());
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_LOAD) << utf8(END_LOAD) << utf8(EMPTY) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "1 [TVNC_ThumbnailConverter] thumbnail is empty.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::imagesInCharacterDataAreNotUnpacked()
@@ -462,8 +490,11 @@ void tst_TVNC_ThumbnailConverter::oneFailureDoesNotStopTheOthers()
     unpack("<thumbnail><image><![CDATA[eA==]]></image><image src='no/such'><![CDATA[eA==]]></image>"
            "<image src='c'><![CDATA[eA==]]></image></thumbnail>");
     QCOMPARE(unpacked(), QStringList() << utf8("c"));
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8(START_LOAD) << utf8(END_LOAD) << utf8(CANNOT_WRITE)
-                                                << utf8(CANNOT_WRITE) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
+                                       "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::sourceMayHoldDirectories()
@@ -491,19 +522,60 @@ void tst_TVNC_ThumbnailConverter::missingPackUnpacksNothing()
 {
     unpack();
     QCOMPARE(unpacked(), QStringList());
-    QCOMPARE(LogRecorder::take(), QStringList()
-                                      << utf8(START_LOAD) << utf8("2 TVNC_XMLReader::read file not exist!")
-                                      << utf8(END_LOAD) << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "2 TVNC_XMLReader::read file not exist!\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 void tst_TVNC_ThumbnailConverter::unpackNeedsItsArguments()
 {
     QByteArray path = dir_->path().toLatin1();
-    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Invalid Parameter.");
+    const QString line = utf8("1 [TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Invalid Parameter.\n");
     converter_->convertThumbnailXMLToPng(nullptr, path.data());
     converter_->convertThumbnailXMLToPng(path.data(), nullptr);
     converter_->convertThumbnailXMLToPng(nullptr, nullptr);
-    QCOMPARE(LogRecorder::take(), QStringList() << line << line << line);
+    QCOMPARE(LogRecorder::take(), line.repeated(3));
+}
+
+void tst_TVNC_ThumbnailConverter::nullImageEndsTheUnpacking()
+{
+    char c_empty[] = ""; // nothing is loaded
+    QByteArray out = outDir().toLatin1();
+    converter_->createXMLRootNode();
+    QString text = utf8("eA==");
+    QString first = utf8("first");
+    QString last = utf8("last");
+    converter_->setThumbnail(text, first, root());
+    root()->getXMLNodeChildren().append(nullptr);
+    converter_->setThumbnail(text, last, root());
+    LogRecorder::clear();
+    converter_->convertThumbnailXMLToPng(c_empty, out.data());
+    QCOMPARE(unpacked(), QStringList() << utf8("first"));
+    QCOMPARE(LogRecorder::take(), utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.\n"
+                                       "1 [TVNC_ThumbnailConverter] XMLNode is Null.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
+}
+
+void tst_TVNC_ThumbnailConverter::memoryThatRunsOutWhileUnpackingIsLogged()
+{
+    const QByteArray document("<thumbnail><image src='a'><![CDATA[eA==]]></image></thumbnail>");
+    int si_failures = 0;
+    bool b_enough = false;
+    for (int i = 1; !b_enough; ++i) {
+        QFile::remove(outDir() + utf8("a"));
+        LogRecorder::clear();
+        writeFile(file(), document);
+        failingObject = i;
+        unpack();
+        b_enough = failingObject > 1;
+        failingObject = 0;
+        if (LogRecorder::take().contains(
+                utf8("1 [TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Fail\n")))
+            ++si_failures;
+    }
+    QVERIFY(si_failures > 0);
+    QCOMPARE(readFile(outDir() + utf8("a")), QByteArray("x"));
 }
 
 void tst_TVNC_ThumbnailConverter::emptyPathsAreNotNull()
@@ -517,8 +589,8 @@ void tst_TVNC_ThumbnailConverter::emptyPathsAreNotNull()
     converter_->setThumbnail(text, src, root());
     converter_->convertThumbnailXMLToPng(c_empty, out.data());
     QCOMPARE(unpacked(), QStringList() << utf8("held"));
-    QCOMPARE(LogRecorder::take(),
-             QStringList() << utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.") << utf8(EMPTIED));
+    QCOMPARE(LogRecorder::take(), utf8("2 [TVNC_XMLSetting::load] Path is NULL or empty.\n"
+                                       "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_ThumbnailConverter)

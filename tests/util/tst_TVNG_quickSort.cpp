@@ -13,6 +13,7 @@ class tst_TVNG_quickSort : public QObject
 private slots:
     void everythingIsSorted_data();
     void everythingIsSorted();
+    void effortMaySufficeOrNot();
     void noOrderCostsTheSquareOfTheLength_data();
     void noOrderCostsTheSquareOfTheLength();
 };
@@ -50,6 +51,31 @@ void tst_TVNG_quickSort::everythingIsSorted()
     QVERIFY(ascending == expected);
     TVNG_quickSort(descending.begin(), descending.end(), std::less<quint32>());
     QVERIFY(descending == expected);
+}
+
+void tst_TVNG_quickSort::effortMaySufficeOrNot()
+{
+    QVector<quint32> expected;
+    for (quint32 i = 0; i < 100; ++i)
+        expected.append(i);
+    int si_sufficed = 0;
+    for (int si_effort = 0; si_effort < 2000; ++si_effort) {
+        Random random(4);
+        QVector<quint32> numbers = expected;
+        for (int i = 99; i > 0; --i)
+            qSwap(numbers[i], numbers[static_cast<int>(random.next(static_cast<quint32>(i) + 1))]);
+        qint64 effort = si_effort;
+        const bool b_sorted =
+            TVNG_quickSortWithin(effort, numbers.begin(), numbers.end(), std::less<quint32>());
+        QCOMPARE(b_sorted, effort >= 0);
+        QCOMPARE(numbers == expected, b_sorted);
+        // What sufficed once suffices from then on; nothing is sorted with less than a look at every element.
+        QVERIFY(b_sorted ? si_effort >= 100 : si_sufficed == 0);
+        si_sufficed += b_sorted ? 1 : 0;
+        std::sort(numbers.begin(), numbers.end());
+        QVERIFY(numbers == expected); // none got lost
+    }
+    QVERIFY(si_sufficed > 0);
 }
 
 /**

@@ -90,6 +90,15 @@ void tst_TVNC_CanonicalWriter::sameBytesAsTheWriter_data()
     row("zero", utf8("x") + QChar(0) + utf8("y"), "<a b=\"xy\">xy</a>");
     row("end of CDATA", utf8("]]>x]]]>"), "<a b=\"]]&gt;x]]]&gt;\">]]&gt;x]]]&gt;</a>");
     QTest::newRow("name") << utf8("a-b.c_1") << utf8("x") << QByteArray("<a-b.c_1 b=\"x\">x</a-b.c_1>");
+    const QString longest(1024, QLatin1Char('a'));
+    QTest::newRow("long name") << longest << utf8("x")
+                               << "<" + longest.toLatin1() + " b=\"x\">x</" + longest.toLatin1() + '>';
+    QTest::newRow("longer name") << longest + utf8("a") << utf8("x")
+                                 << "<a" + longest.toLatin1() + " b=\"x\">x</a" + longest.toLatin1() + '>';
+    QTest::newRow("name with a character that no name has")
+        << utf8("a b") << utf8("x") << QByteArray("<a b b=\"x\">x</a b>");
+    QTest::newRow("name that begins like no name")
+        << utf8("1a") << utf8("x") << QByteArray("<1a b=\"x\">x</1a>");
     QTest::newRow("name of two bytes")
         << utf8("\xC3\xA9") << utf8("x") << QByteArray("<\xC3\xA9 b=\"x\">x</\xC3\xA9>");
 }
@@ -202,9 +211,9 @@ void tst_TVNC_CanonicalWriter::sameLogForNullNodes()
     makeNode(root(), "b", "y");
     LogRecorder::clear();
     const QByteArray bytes = saved();
-    QCOMPARE(LogRecorder::take(), QStringList() << utf8("3 [TVNC_XMLSetting::save] start")
-                                                << utf8("1 [TVNC_XMLReader::writeXMLNode] pc_Node NULL !!!.")
-                                                << utf8("3 [TVNC_XMLSetting::saveBookmark] end"));
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::save] start\n"
+                                       "1 [TVNC_XMLReader::writeXMLNode] pc_Node NULL !!!.\n"
+                                       "3 [TVNC_XMLSetting::saveBookmark] end\n"));
     QCOMPARE(bytes, written());
 }
 

@@ -2,10 +2,12 @@
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
+#include <tlvlib/files/TVNG_SafeSave.h>
 #include <tlvlib/xml/TVNC_XMLReader.h>
 #include <tlvlib/xml/TVNC_XMLWriter.h>
 
 #include <QtCore/QBuffer>
+#include <QtCore/QDir>
 
 #include <cerrno>
 
@@ -73,6 +75,8 @@ private slots:
     void loading_data();
     void loading();
     void saving_data();
+    void savingWhole_data() { saving_data(); }
+    void savingWhole();
     void saving();
 
 private:
@@ -221,9 +225,50 @@ void tst_TVNC_XMLReader_outOfMemory::saving()
             failingAllocation = i;
             writer.write(file, setting.getXMLRootNode());
             failingAllocation = 0;
+            QBuffer buffer;
+            buffer.open(QIODevice::WriteOnly);
+            TVNC_XMLWriter nodeWriter;
+            nodeWriter.setDevice(&buffer);
+            failingAllocation = i;
+            nodeWriter.writeXMLNode(setting.getXMLRootNode());
+            failingAllocation = 0;
         }
     }
     setting.save(file);
+    QCOMPARE(readFile(file), saved);
+}
+
+// With safe saves the file is as it was, or whole; nothing is left beside it.
+void tst_TVNC_XMLReader_outOfMemory::savingWhole()
+{
+    QFETCH(QByteArray, document);
+    writeFile(path(), document);
+    QString file = path();
+    Setting setting;
+    setting.load(file);
+    TVNG_SetSafeSave(1);
+    setting.save(file);
+    const QByteArray saved = readFile(file);
+    int si_told = 0;
+    bool b_all = false;
+    for (int i = 1; !b_all; ++i) {
+        for (int j = 0; j < 2; ++j) {
+            writeFile(file, "as it was");
+            b_forGood = j == 1;
+            failingAllocation = i;
+            setting.save(file);
+            b_all = b_forGood && failingAllocation > 1;
+            failingAllocation = 0;
+            const QByteArray after = readFile(file);
+            QVERIFY(after == "as it was" || after == saved);
+            if (after != saved)
+                si_told += TVNG_GetSaveError().isEmpty() ? 0 : 1;
+            QCOMPARE(QDir(dir_->path()).entryList(QDir::Files | QDir::Hidden),
+                     QStringList(utf8("document.xml")));
+        }
+    }
+    TVNG_SetSafeSave(0);
+    QVERIFY(si_told > 0);
     QCOMPARE(readFile(file), saved);
 }
 

@@ -43,10 +43,14 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
     TVNC_SavedFile file(path);
     if (!TVNG_openForWriting(file))
         return;
-    if (TVNC_CanonicalWriter::takes(*pc_root))
+    if (TVNC_CanonicalWriter::takes(*pc_root)) {
         TVNC_CanonicalWriter::write(file.device(), *pc_root);
-    else
-        TVNC_XMLWriter().write(file.device(), pc_root);
+    } else {
+        TVNC_XMLWriter writer;
+        writer.write(file.device(), pc_root);
+        if (!writer.device())
+            return; // memory ran out: what is half written takes no file's place
+    }
     TVNG_finishWriting(file);
 }
 

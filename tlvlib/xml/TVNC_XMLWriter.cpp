@@ -224,6 +224,8 @@ bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
         if (!pc_root || !TVNG_openForWriting(file))
             return;
         b_written = write(file.device(), pc_root);
+        if (!device())
+            return;         // what is half written takes no file's place
         setDevice(nullptr); // it goes
         b_written = TVNG_finishWriting(file) && b_written;
     });
@@ -245,6 +247,9 @@ bool TVNC_XMLWriter::write(QIODevice& device, TVNC_XMLNode* pc_root)
         }
         writeEndDocument();
     });
+    // False also stands for a null node. Callers that must know what it was ask for the device.
+    if (!b_complete)
+        setDevice(nullptr);
     return b_complete && b_written;
 }
 
