@@ -19,7 +19,9 @@
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QTabWidget>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -31,6 +33,21 @@ const int TIMEOUT_POLLS = 30000 / POLL_MS;
 QDialog* openDialog()
 {
     return qobject_cast<QDialog*>(QApplication::activeModalWidget());
+}
+
+template <typename Widget>
+QList<Widget*> visibleChildren(const QWidget& parent)
+{
+    QList<Widget*> children = parent.findChildren<Widget*>();
+    const auto isHidden = [](const Widget* widget) { return !widget->isVisible(); };
+    children.erase(std::remove_if(children.begin(), children.end(), isHidden), children.end());
+    return children;
+}
+
+bool isAnyVisible(const QList<QWidget*>& widgets)
+{
+    return std::any_of(widgets.begin(), widgets.end(),
+                       [](const QWidget* widget) { return widget->isVisible(); });
 }
 
 void sendMouse(QWidget& widget, QEvent::Type type, const QPoint& position, Qt::MouseButtons buttons)
@@ -108,22 +125,22 @@ void Tour::fail(const QString& problem)
 
 QString Tour::run(const QString& verb, const QString& rest)
 {
+    QDialog* dialog = openDialog();
     if (verb == "expect")
         return unless(visibleTexts().join('\n').contains(rest),
                       QString("\"%1\" is not to be seen").arg(rest));
     if (verb == "screenshot")
         return screenshot(rest);
-    if (verb == "login")
-        return logIn(rest.section(' ', 0, 0), rest.section(' ', 1));
     if (verb == "set")
         return set(rest.section(' ', 0, 0), rest.section(' ', 1));
-    if (verb == "save" || verb == "cancel") {
-        if (!openDialog())
-            return "no dialog is open";
-        verb == "save" ? openDialog()->accept() : openDialog()->reject();
-        return QString();
-    }
-    return openDialog() ? "a dialog is open" : runInWindow(verb, rest);
+    if (verb == "login")
+        return logIn(rest.section(' ', 0, 0), rest.section(' ', 1));
+    if (verb != "save" && verb != "cancel")
+        return dialog ? "a dialog is open" : runInWindow(verb, rest);
+    if (!dialog)
+        return "no dialog is open";
+    verb == "save" ? dialog->accept() : dialog->reject();
+    return QString();
 }
 
 QString Tour::runInWindow(const QString& verb, const QString& rest)
@@ -140,12 +157,6 @@ QString Tour::runInWindow(const QString& verb, const QString& rest)
         return unless(window_.message().contains(rest), "the message line does not have it");
     if (verb == "open")
         window_.openUrl(rest);
-    else if (verb == "bookmark")
-        window_.bookmark();
-    else if (verb == "search")
-        window_.findChild<QLineEdit*>("search")->setText(rest);
-    else if (verb == "log" && rest == "out")
-        window_.logOut();
     else if (verb == "wait")
         waitPolls_ = rest.toInt() / POLL_MS;
     else
@@ -184,7 +195,8 @@ QString Tour::type(const QString& selector, const QString& text)
 QString Tour::press(const QString& keys)
 {
     for (QAction* action : window_.findChildren<QAction*>()) {
-        if (action->shortcut() == QKeySequence(keys) && action->isEnabled()) {
+        if (action->shortcut() == QKeySequence(keys) && action->isEnabled() &&
+            isAnyVisible(action->associatedWidgets())) {
             action->trigger();
             return QString();
         }
@@ -194,12 +206,11 @@ QString Tour::press(const QString& keys)
 
 QString Tour::choose(const QString& text)
 {
-    for (QAbstractItemView* view : window_.findChildren<QAbstractItemView*>()) {
-        if (!view->isVisible())
-            continue;
-        for (int column = 0; column < view->model()->columnCount(); ++column) {
-            const QModelIndexList found = view->model()->match(view->model()->index(0, column),
-                                                               Qt::DisplayRole, text, 1, Qt::MatchExactly);
+    for (QAbstractItemView* view : visibleChildren<QAbstractItemView>(window_)) {
+        const QAbstractItemModel& model = *view->model();
+        for (int column = 0; column < model.columnCount(); ++column) {
+            const QModelIndexList found =
+                model.match(model.index(0, column), Qt::DisplayRole, text, 1, Qt::MatchExactly);
             if (found.isEmpty())
                 continue;
             emit view->activated(found.first());
@@ -211,33 +222,38 @@ QString Tour::choose(const QString& text)
 
 QString Tour::logIn(const QString& user, const QString& password)
 {
-    QDialog* dialog = openDialog();
-    auto* line = dialog ? dialog->findChild<QLineEdit*>("user") : nullptr;
-    if (!line)
-        return "nobody asks for a login";
-    line->setText(user);
-    dialog->findChild<QLineEdit*>("password")->setText(password);
-    dialog->accept();
-    return QString();
+    const QString problem = set("user", user) + set("password", password);
+    if (problem.isEmpty())
+        openDialog()->accept();
+    return problem;
 }
 
 QString Tour::set(const QString& name, const QString& value)
 {
-    QWidget* field = openDialog() ? openDialog()->findChild<QWidget*>(name) : nullptr;
-    if (!field)
-        return QString("there is no field \"%1\"").arg(name);
+    // The fields of all pages of a dialog, but in the window those of the page that is shown.
+    QWidget* field = nullptr;
+    for (QWidget* widget : top().findChildren<QWidget*>(name)) {
+        if (openDialog() || widget->isVisible())
+            field = widget;
+    }
     if (auto* box = qobject_cast<QCheckBox*>(field)) {
         box->setChecked(value == "yes");
     } else if (auto* choice = qobject_cast<QComboBox*>(field)) {
-        if (choice->isEditable())
-            choice->setEditText(value);
-        else if (choice->findText(value) < 0)
+        if (!choice->isEditable() && choice->findText(value) < 0)
             return QString("there is no choice \"%1\"").arg(value);
-        else
-            choice->setCurrentText(value);
+        choice->setCurrentText(value);
+    } else if (auto* pages = qobject_cast<QTabWidget*>(field)) {
+        int page = pages->count() - 1;
+        while (page >= 0 && pages->tabText(page) != value)
+            --page;
+        if (page < 0)
+            return QString("there is no page \"%1\"").arg(value);
+        pages->setCurrentIndex(page);
     } else if (auto* line = qobject_cast<QLineEdit*>(field)) {
         line->setText(value);
         line->setModified(true);
+    } else {
+        return QString("there is no field \"%1\"").arg(name);
     }
     return QString();
 }
@@ -258,13 +274,10 @@ QString Tour::screenshot(const QString& file)
 QStringList Tour::visibleTexts() const
 {
     QStringList texts;
-    QWidget* top = openDialog() ? static_cast<QWidget*>(openDialog()) : &window_;
-    for (QLabel* label : top->findChildren<QLabel*>()) {
-        if (label->isVisible())
-            texts.append(label->text());
-    }
-    for (QAbstractItemView* view : top->findChildren<QAbstractItemView*>()) {
-        for (int row = 0; view->isVisible() && row < view->model()->rowCount(); ++row) {
+    for (const QLabel* label : visibleChildren<QLabel>(top()))
+        texts.append(label->text());
+    for (const QAbstractItemView* view : visibleChildren<QAbstractItemView>(top())) {
+        for (int row = 0; row < view->model()->rowCount(); ++row) {
             for (int column = 0; column < view->model()->columnCount(); ++column)
                 texts.append(view->model()->index(row, column).data().toString());
         }
@@ -272,4 +285,10 @@ QStringList Tour::visibleTexts() const
     if (window_.web().isVisible())
         texts.append(window_.web().page()->mainFrame()->toPlainText());
     return texts;
+}
+
+QWidget& Tour::top() const
+{
+    QDialog* dialog = openDialog();
+    return dialog ? static_cast<QWidget&>(*dialog) : window_;
 }

@@ -6,6 +6,7 @@
 #include <QtCore/QTimer>
 
 class BrowserWindow;
+class QWidget;
 
 /**
  * Drives the browser through the steps of a text file, one a line, each beginning when the one before is done
@@ -15,14 +16,12 @@ class BrowserWindow;
  *     click SELECTOR           the first element of a CSS selector
  *     type SELECTOR TEXT       clicks it and types
  *     press KEYS               a shortcut of the window, such as Ctrl+D
- *     bookmark                 the page
  *     choose TEXT              a bookmark or a visit, by its title
- *     search TEXT              on the history page
  *     login USER PASSWORD      answers the question for a login
- *     set NAME VALUE           a field of the settings, which press Ctrl+, opens; yes and no for a switch
- *     save                     the settings
+ *     set NAME VALUE           a field of the dialog or the page, such as "search"; yes and no for a switch;
+ *                              "pages" is the page of the settings that is shown
+ *     save                     the dialog, such as the settings, which press Ctrl+, opens
  *     cancel                   any dialog
- *     log out
  *     expect TEXT              fails unless it is to be seen in the page or the dialog
  *     message TEXT             fails unless it is in the message line
  *     screenshot FILE          a PNG of the window
@@ -61,6 +60,7 @@ private:
     QString set(const QString& name, const QString& value);
     QString screenshot(const QString& file);
     QStringList visibleTexts() const;
+    QWidget& top() const;
 
     BrowserWindow& window_;
     QString path_;

@@ -6,15 +6,14 @@
  */
 
 #include "BrowserWindow.h"
+#include "Looks.h"
 #include "Tour.h"
 
 #include <tlvlib/browser/IdleTimer.h>
 #include <tlvlib/diag/TVNG_DebugPrint.h>
 
 #include <QtCore/QCommandLineParser>
-#include <QtCore/QFile>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyleFactory>
 
 #include <cstdio>
 #include <optional>
@@ -36,7 +35,7 @@ std::optional<QSize> sizeOf(const QString& text)
 {
     const QStringList parts = text.split('x');
     const QSize size(parts.value(0).toInt(), parts.value(1).toInt());
-    const bool isSize = parts.size() == 2 && size.width() >= 320 && size.height() >= 240;
+    const bool isSize = parts.size() == 2 && size.width() >= 640 && size.height() >= 400;
     return isSize ? std::optional<QSize>(size) : std::nullopt;
 }
 
@@ -46,14 +45,6 @@ std::optional<int> numberOf(const QString& text)
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     return isNumber && number >= 0 ? std::optional<int>(number) : std::nullopt;
-}
-
-void setStyle(QApplication& application)
-{
-    application.setStyle(QStyleFactory::create("Fusion"));
-    QFile sheet(":/kiosk/style.qss");
-    if (sheet.open(QIODevice::ReadOnly))
-        application.setStyleSheet(QString::fromUtf8(sheet.readAll()));
 }
 
 } // namespace
@@ -76,7 +67,7 @@ int main(int argc, char** argv)
     parser.process(application);
     const std::optional<QSize> size = sizeOf(parser.value("size"));
     if (!size)
-        return complain("--size is such as 800x480, and at least 320x240", WRONG_USAGE);
+        return complain("--size is such as 800x480, and at least 640x400", WRONG_USAGE);
     const std::optional<int> logLevel = numberOf(parser.value("log-level"));
     const std::optional<int> idleSeconds = numberOf(parser.value("idle-timeout"));
     if (!logLevel || !idleSeconds)
@@ -93,7 +84,9 @@ int main(int argc, char** argv)
     for (const Tlv::Damage& damage : profile.damages())
         complain(damage.text, EXIT_SUCCESS);
 
-    setStyle(application);
+    const QString missing = setLooks();
+    if (!missing.isEmpty())
+        complain(missing, EXIT_SUCCESS);
     BrowserWindow window(profile);
     window.resize(*size);
 
