@@ -159,6 +159,7 @@ void BrowserWindow::makeAddressLine()
 
 void BrowserWindow::makeStatusBar()
 {
+    message_->setObjectName("message");
     statusBar()->addWidget(message_, 1);
     statusBar()->setSizeGripEnabled(false);
     // What stays until it is solved has a place of its own, where nothing takes it away.
@@ -183,14 +184,9 @@ void BrowserWindow::makeStatusBar()
 
 void BrowserWindow::connectWeb()
 {
-    connect(web_, &QWebView::loadStarted, this, [this] {
-        isLoading_ = true;
-        showMessage(tr("Loading ..."));
-    });
-    connect(web_, &QWebView::loadFinished, this, [this](bool isFine) {
-        isLoading_ = false;
-        showMessage(isFine ? QString() : tr("The page could not be loaded."));
-    });
+    connect(web_, &QWebView::loadStarted, this, [this] { showMessage(tr("Loading ...")); });
+    connect(web_, &QWebView::loadFinished, this,
+            [this](bool isFine) { showMessage(isFine ? QString() : tr("The page could not be loaded.")); });
     connect(web_, &QWebView::urlChanged, this, &BrowserWindow::recordVisit);
     connect(web_, &QWebView::titleChanged, this, [this](const QString& title) {
         setWindowTitle(title.isEmpty() ? tr("Kiosk") : tr("%1 - Kiosk").arg(title));
@@ -287,11 +283,6 @@ void BrowserWindow::showList(List list)
 void BrowserWindow::showMessage(const QString& text)
 {
     message_->setText(text);
-}
-
-QString BrowserWindow::message() const
-{
-    return message_->text();
 }
 
 void BrowserWindow::applyPreferences()

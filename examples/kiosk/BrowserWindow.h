@@ -32,10 +32,6 @@ public:
     /// Leaves the page, and deletes and saves what the preferences say for this occasion.
     void endUse(Tlv::Profile::Occasion occasion, const QString& text);
 
-    QWebView& web() const { return *web_; }
-    bool isLoading() const { return isLoading_; }
-    QString message() const;
-
 protected:
     void closeEvent(QCloseEvent* event) override;
 
@@ -65,7 +61,6 @@ private:
 
     Tlv::Profile& profile_;
     Network network_;
-    bool isLoading_ = false;
 
     QStackedWidget* stack_;
     QWebView* web_;

@@ -63,10 +63,24 @@ QString unless(bool isFine, const QString& problem)
 
 } // namespace
 
-Tour::Tour(BrowserWindow& window) : window_(window)
+Tour::Tour()
 {
     timer_.setInterval(POLL_MS);
     connect(&timer_, &QTimer::timeout, this, &Tour::poll);
+}
+
+void Tour::start(BrowserWindow& window)
+{
+    window_ = &window;
+    web_ = window.findChild<QWebView*>();
+    connect(web_, &QWebView::loadStarted, this, [this] { isLoading_ = true; });
+    connect(web_, &QWebView::loadFinished, this, [this] { isLoading_ = false; });
+    timer_.start();
+}
+
+QString Tour::message() const
+{
+    return window_->findChild<QLabel*>("message")->text();
 }
 
 QString Tour::read(const QString& path)
@@ -87,7 +101,7 @@ void Tour::poll()
         return;
     }
     ++polls_;
-    idlePolls_ = openDialog() || !window_.isLoading() ? idlePolls_ + 1 : 0;
+    idlePolls_ = openDialog() || !isLoading_ ? idlePolls_ + 1 : 0;
     if (idlePolls_ < SETTLED_POLLS) {
         if (polls_ > TIMEOUT_POLLS)
             fail("the step is not done after 30 seconds");
@@ -108,7 +122,7 @@ void Tour::poll()
     if (openDialog())
         fail("a dialog is open at the end");
     else
-        window_.close();
+        window_->close();
 }
 
 void Tour::fail(const QString& problem)
@@ -116,11 +130,11 @@ void Tour::fail(const QString& problem)
     timer_.stop();
     hasFailed_ = true;
     std::fprintf(stderr, "kiosk: %s:%d: %s\n", qPrintable(path_), next_, qPrintable(problem));
-    std::fprintf(stderr, "kiosk: message line: \"%s\"; to be seen: \"%s\"\n", qPrintable(window_.message()),
+    std::fprintf(stderr, "kiosk: message line: \"%s\"; to be seen: \"%s\"\n", qPrintable(message()),
                  qPrintable(visibleTexts().join(" | ").left(500)));
     if (QDialog* dialog = openDialog())
         dialog->reject();
-    window_.close();
+    window_->close();
 }
 
 QString Tour::run(const QString& verb, const QString& rest)
@@ -154,9 +168,9 @@ QString Tour::runInWindow(const QString& verb, const QString& rest)
     if (verb == "choose")
         return choose(rest);
     if (verb == "message")
-        return unless(window_.message().contains(rest), "the message line does not have it");
+        return unless(message().contains(rest), "the message line does not have it");
     if (verb == "open")
-        window_.openUrl(rest);
+        window_->openUrl(rest);
     else if (verb == "wait")
         waitPolls_ = rest.toInt() / POLL_MS;
     else
@@ -166,15 +180,15 @@ QString Tour::runInWindow(const QString& verb, const QString& rest)
 
 QString Tour::click(const QString& selector)
 {
-    QWebFrame* frame = window_.web().page()->mainFrame();
+    QWebFrame* frame = web_->page()->mainFrame();
     const QWebElement element = frame->findFirstElement(selector);
     if (element.isNull())
         return QString("there is no element \"%1\"").arg(selector);
     frame->setScrollPosition(element.geometry().topLeft() - QPoint(20, 20));
     const QPoint centre = element.geometry().center() - frame->scrollPosition();
-    sendMouse(window_.web(), QEvent::MouseMove, centre, Qt::NoButton);
-    sendMouse(window_.web(), QEvent::MouseButtonPress, centre, Qt::LeftButton);
-    sendMouse(window_.web(), QEvent::MouseButtonRelease, centre, Qt::NoButton);
+    sendMouse(*web_, QEvent::MouseMove, centre, Qt::NoButton);
+    sendMouse(*web_, QEvent::MouseButtonPress, centre, Qt::LeftButton);
+    sendMouse(*web_, QEvent::MouseButtonRelease, centre, Qt::NoButton);
     return QString();
 }
 
@@ -186,15 +200,15 @@ QString Tour::type(const QString& selector, const QString& text)
     for (const QChar c : text) {
         QKeyEvent pressed(QEvent::KeyPress, c.toUpper().unicode(), Qt::NoModifier, c);
         QKeyEvent released(QEvent::KeyRelease, c.toUpper().unicode(), Qt::NoModifier, c);
-        QApplication::sendEvent(&window_.web(), &pressed);
-        QApplication::sendEvent(&window_.web(), &released);
+        QApplication::sendEvent(web_, &pressed);
+        QApplication::sendEvent(web_, &released);
     }
     return QString();
 }
 
 QString Tour::press(const QString& keys)
 {
-    for (QAction* action : window_.findChildren<QAction*>()) {
+    for (QAction* action : window_->findChildren<QAction*>()) {
         if (action->shortcut() == QKeySequence(keys) && action->isEnabled() &&
             isAnyVisible(action->associatedWidgets())) {
             action->trigger();
@@ -206,7 +220,7 @@ QString Tour::press(const QString& keys)
 
 QString Tour::choose(const QString& text)
 {
-    for (QAbstractItemView* view : visibleChildren<QAbstractItemView>(window_)) {
+    for (QAbstractItemView* view : visibleChildren<QAbstractItemView>(*window_)) {
         const QAbstractItemModel& model = *view->model();
         for (int column = 0; column < model.columnCount(); ++column) {
             const QModelIndexList found =
@@ -260,7 +274,7 @@ QString Tour::set(const QString& name, const QString& value)
 
 QString Tour::screenshot(const QString& file)
 {
-    QPixmap picture = window_.grab();
+    QPixmap picture = window_->grab();
     if (QDialog* dialog = openDialog()) {
         QPainter painter(&picture);
         painter.fillRect(picture.rect(), QColor(0, 0, 0, 70));
@@ -282,13 +296,13 @@ QStringList Tour::visibleTexts() const
                 texts.append(view->model()->index(row, column).data().toString());
         }
     }
-    if (window_.web().isVisible())
-        texts.append(window_.web().page()->mainFrame()->toPlainText());
+    if (web_->isVisible())
+        texts.append(web_->page()->mainFrame()->toPlainText());
     return texts;
 }
 
 QWidget& Tour::top() const
 {
     QDialog* dialog = openDialog();
-    return dialog ? static_cast<QWidget&>(*dialog) : window_;
+    return dialog ? static_cast<QWidget&>(*dialog) : *window_;
 }

@@ -1,11 +1,12 @@
-#ifndef EXAMPLES_KIOSK_TOUR_H
-#define EXAMPLES_KIOSK_TOUR_H
+#ifndef TESTS_EXAMPLES_KIOSK_TOUR_H
+#define TESTS_EXAMPLES_KIOSK_TOUR_H
 
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
 class BrowserWindow;
+class QWebView;
 class QWidget;
 
 /**
@@ -35,13 +36,13 @@ class Tour : public QObject
     Q_OBJECT
 
 public:
-    explicit Tour(BrowserWindow& window);
+    Tour();
 
     /// @return why the file cannot be read; empty when it was
     QString read(const QString& path);
 
-    /// Begins; the window is to be shown by then.
-    void start() { timer_.start(); }
+    /// Begins in a window that is shown.
+    void start(BrowserWindow& window);
 
     bool hasFailed() const { return hasFailed_; }
 
@@ -60,9 +61,12 @@ private:
     QString set(const QString& name, const QString& value);
     QString screenshot(const QString& file);
     QStringList visibleTexts() const;
+    QString message() const;
     QWidget& top() const;
 
-    BrowserWindow& window_;
+    BrowserWindow* window_ = nullptr;
+    QWebView* web_ = nullptr;
+    bool isLoading_ = false;
     QString path_;
     QStringList steps_;
     int next_ = 0;
