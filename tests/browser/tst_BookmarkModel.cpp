@@ -210,8 +210,8 @@ void tst_BookmarkModel::pictureOfTwoBookmarksGoesWithTheLast()
     QVERIFY(model.add("A", "a", picture(Qt::red)));
     QCOMPARE(model.save(dir()), QString());
     QByteArray file = readFile(dir() + "bookmark.xml");
-    const int begin = file.indexOf("<bookmark ");
-    const int end = file.indexOf("</bookmark>") + 11;
+    const auto begin = file.indexOf("<bookmark ");
+    const auto end = file.indexOf("</bookmark>") + 11;
     file.insert(end, file.mid(begin, end - begin).replace(">a<", ">b<"));
     writeFile(dir() + "bookmark.xml", file);
 

@@ -7,6 +7,7 @@
 #include <QtCore/QProcess>
 #include <QtCore/QTimer>
 #include <QtGui/QIcon>
+#include <QtNetwork/QTcpServer>
 #include <QtTest/QTest>
 #include <QtWebKitWidgets/QWebView>
 #include <QtWidgets/QAbstractButton>
@@ -54,6 +55,7 @@ private slots:
     void recordsAreRemoved();
     void foundRecordIsTheOneThatIsRemoved();
     void emptyListSaysSo();
+    void windowMayGoWhileAPageIsLoaded();
 
 private:
     void press(const char* keys);
@@ -435,6 +437,18 @@ void tst_kiosk_windows::emptyListSaysSo()
     QVERIFY(!isTold());
     profile_->logins()->clear();
     QVERIFY(isTold());
+}
+
+void tst_kiosk_windows::windowMayGoWhileAPageIsLoaded()
+{
+    QTcpServer silent; // takes a request, and says nothing
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    window_->openUrl(QString("http://127.0.0.1:%1/").arg(silent.serverPort()));
+    QVERIFY(silent.waitForNewConnection(5000));
+    QCoreApplication::processEvents();
+    window_.reset();
+    QCoreApplication::processEvents();
+    QVERIFY(profile_->save());
 }
 
 int main(int argc, char** argv)
