@@ -2,8 +2,11 @@
 
 #include <tlvlib/files/TVNG_SafeSave.h>
 
-#include <QtCore/QFile>
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtCore/QUrl>
+
+#include <algorithm>
 
 namespace Tlv {
 
@@ -14,47 +17,41 @@ const int PICTURES_IN_MEMORY = 100;
 } // namespace
 
 BookmarkModel::BookmarkModel(QObject* parent)
-    : RecordModel({{"title", tr("Title")}, {"url", tr("Address")}, {"pictureUrl", QString()}}, parent)
+    : StoredModel({{"title", tr("Title")}, {"url", tr("Address")}, {"pictureUrl", QString()}}, DefaultMaximum,
+                  parent)
     , store_(*TVNC_BookmarksSetting::getInstance())
     , shown_(PICTURES_IN_MEMORY)
 {
 }
 
-void BookmarkModel::setMaximum(int maximum)
-{
-    maximum_ = qBound(1, maximum, MaximumCount);
-}
-
-void BookmarkModel::load(const QString& dir)
+void BookmarkModel::readStore(QString dir)
 {
     pictures_ = dir + QLatin1String("thumbnail/");
     orphans_.clear();
     shown_.clear();
-    QString directory = dir;
-    store_.loadBookmark(&directory, maximum_, lastNumber_);
-    storeLoaded();
+    store_.loadBookmark(&dir, maximum(), lastNumber_);
+    // The store stops counting at a bookmark without an element for its picture.
+    for (int row = 0; row < storedCount(); ++row)
+        lastNumber_ = std::max(lastNumber_, QFileInfo(picturePath(row)).completeBaseName().toInt());
 }
 
-QString BookmarkModel::save(const QString& dir)
+void BookmarkModel::writeStore(QString dir)
 {
-    QString directory = dir;
-    store_.saveBookmark(&directory, maximum_);
-    const QString error = TVNG_GetSaveError();
-    if (!error.isEmpty())
-        return error;
+    store_.saveBookmark(&dir, maximum());
+}
+
+void BookmarkModel::storeSaved()
+{
+    for (int row = 0; row < count(); ++row)
+        orphans_.removeAll(picturePath(row)); // another bookmark has it, too
     for (QString& picture : orphans_)
         store_.deleteThumbnail(&picture);
     orphans_.clear();
-    return QString();
 }
 
 int BookmarkModel::find(const QString& url) const
 {
-    for (int row = 0; row < count(); ++row) {
-        if (field(row, UrlColumn).toString() == url)
-            return row;
-    }
-    return -1;
+    return findRecord({{UrlColumn, url}});
 }
 
 bool BookmarkModel::refuse(const QString& error)
@@ -66,8 +63,8 @@ bool BookmarkModel::refuse(const QString& error)
 bool BookmarkModel::add(const QString& title, const QString& url, const QImage& picture)
 {
     const int earlier = find(url);
-    if (earlier < 0 && count() >= maximum_)
-        return refuse(tr("There are %1 bookmarks already. Remove one first.").arg(maximum_));
+    if (earlier < 0 && count() >= maximum())
+        return refuse(tr("There are %1 bookmarks already. Remove one first.").arg(maximum()));
     const auto bytes = url.toUtf8().size();
     if (bytes > UrlMaximumBytes)
         return refuse(tr("This address is too long for a bookmark: it has %1 bytes, and %2 are the most.")
@@ -138,7 +135,7 @@ QImage BookmarkModel::pictureOf(const QImage& page)
 
 Qt::ItemFlags BookmarkModel::flags(const QModelIndex& index) const
 {
-    const Qt::ItemFlags flags = RecordModel::flags(index);
+    const Qt::ItemFlags flags = StoredModel::flags(index);
     return index.isValid() && index.column() == TitleColumn ? flags | Qt::ItemIsEditable : flags;
 }
 
@@ -149,7 +146,7 @@ QVariant BookmarkModel::data(const QModelIndex& index, int role) const
         return picture(index.row());
     if (isTitle && role == Qt::ToolTipRole)
         return field(index.row(), UrlColumn).toString().toHtmlEscaped();
-    return RecordModel::data(index, role);
+    return StoredModel::data(index, role);
 }
 
 bool BookmarkModel::setData(const QModelIndex& index, const QVariant& value, int role)
@@ -174,7 +171,7 @@ QVariantList BookmarkModel::storedRecord(int row) const
 void BookmarkModel::removeStored(int row)
 {
     const QString path = picturePath(row);
-    if (!path.isEmpty())
+    if (QFileInfo(path).dir() == QDir(pictures_)) // an edited file may name any other
         orphans_.append(path);
     store_.deleteBookmark(row);
 }

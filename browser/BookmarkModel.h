@@ -1,7 +1,7 @@
 #ifndef TLVLIB_BROWSER_BOOKMARKMODEL_H
 #define TLVLIB_BROWSER_BOOKMARKMODEL_H
 
-#include <tlvlib/browser/RecordModel.h>
+#include <tlvlib/browser/StoredModel.h>
 #include <tlvlib/stores/TVNC_BookmarksSetting.h>
 
 #include <QtCore/QCache>
@@ -15,11 +15,14 @@ namespace Tlv {
  * "url", "pictureUrl"; Qt::DecorationRole is the picture itself.
  *
  * A picture is read from its file when a view asks for it; the last 100 that were asked for stay in memory.
+ * The picture of a bookmark that is gone is deleted once the bookmarks are written without it: whenever power
+ * fails, each bookmark has its picture.
  *
  * Limits, in bytes of UTF-8: a title is cut to 100, an address has at most 256. Addresses are compared to the
- * letter, and each is there once: adding it again puts it in front with its new title and picture.
+ * letter, and each is there once: adding it again puts it in front with its new title and picture. When there
+ * are maximum() of them, 100 unless it is set, no other one is added.
  */
-class TLVLIB_BROWSER_EXPORT BookmarkModel : public RecordModel
+class TLVLIB_BROWSER_EXPORT BookmarkModel : public StoredModel
 {
     Q_OBJECT
 
@@ -41,23 +44,6 @@ public:
 
     /// A model without bookmarks, up to load().
     explicit BookmarkModel(QObject* parent = nullptr);
-
-    /// How many bookmarks add() makes: 1 to 999, 100 unless it is set. A longer file keeps what it has.
-    int maximum() const { return maximum_; }
-    /// What is outside of 1 to 999 is taken for the nearer end.
-    void setMaximum(int maximum);
-
-    /// Replaces the bookmarks by those of a directory, which ends in "/". Profile does this.
-    void load(const QString& dir);
-
-    /**
-     * Writes the bookmarks, then deletes the pictures of those that are gone: whenever power fails, each
-     * bookmark has its picture. Profile does this.
-     *
-     * @return what failed, in words for a person; empty when all is written. Failures are only found out with
-     *         safe saving, which Profile switches on.
-     */
-    QString save(const QString& dir);
 
     /// The row of an address; -1 when it is not bookmarked.
     Q_INVOKABLE int find(const QString& url) const;
@@ -98,6 +84,9 @@ protected:
     int storedCount() const override;
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
+    void readStore(QString dir) override;
+    void writeStore(QString dir) override;
+    void storeSaved() override;
     /// @endcond
 
 private:
@@ -109,7 +98,6 @@ private:
     TVNC_BookmarksSetting& store_;
     QString pictures_;   ///< their directory
     int lastNumber_ = 0; ///< of the pictures
-    int maximum_ = DefaultMaximum;
     QString error_;
     QStringList orphans_; ///< pictures to be deleted once their bookmarks are gone from the file
     mutable QCache<QString, QImage> shown_;

@@ -36,18 +36,22 @@ CookieJar::CookieJar(QObject* parent) : QNetworkCookieJar(parent), store_(*TVNC_
 
 CookieJar::~CookieJar() = default;
 
-void CookieJar::load(const QString& dir)
+QString CookieJar::load(const QString& dir)
 {
     QString directory = dir;
     QByteArray document = documentIn(dir);
     // A document that was restored from a backup, alone.
-    if (!QFile::exists(dir + QLatin1String("cookie.ini")) && QFile::exists(QString::fromLatin1(document)))
+    QString error;
+    if (!QFile::exists(dir + QLatin1String("cookie.ini")) && QFile::exists(QString::fromLatin1(document))) {
         store_.convertCookieXMLToIni(document.data(), dir.toLatin1().data());
+        error = TVNG_GetSaveError();
+    }
     QList<QNetworkCookie> cookies = store_.loadCookieInfo(&directory, MaximumKept);
     // The file has expired ones, too.
     cookies.erase(std::remove_if(cookies.begin(), cookies.end(), isExpired), cookies.end());
     setAllCookies(cookies);
     emit loaded();
+    return error;
 }
 
 QString CookieJar::save(const QString& dir)

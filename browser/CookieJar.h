@@ -33,10 +33,10 @@ public:
     ~CookieJar() override;
 
     /// Replaces the cookies by those of a directory. Where there is only the document, it is converted first.
-    /// Profile does this.
-    void load(const QString& dir);
+    /// Profile does this. @return why it could not be converted, so that the jar has none of its cookies
+    QString load(const QString& dir);
 
-    /// Writes both files. Profile does this. @return what failed, as BookmarkModel::save() tells it
+    /// Writes both files. Profile does this. @return what failed, as StoredModel::save() tells it
     QString save(const QString& dir);
 
     /// All cookies, those of the session included, in the order in which they came.

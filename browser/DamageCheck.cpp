@@ -84,8 +84,10 @@ Copy keepCopy(const QString& path)
         if (earlier.readAll() == bytes)
             return {copyPath, QString()}; // it was damaged the last time, too, and nothing was saved since
     }
-    QSaveFile copy(copyPath); // makes it for its owner alone
-    if (!copy.open(QIODevice::WriteOnly) || copy.write(bytes) != bytes.size() || !copy.commit())
+    // There may be passwords in it, and others may look into a directory that was there before.
+    QSaveFile copy(copyPath);
+    if (!copy.open(QIODevice::WriteOnly) || !copy.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
+        copy.write(bytes) != bytes.size() || !copy.commit())
         return {QString(), copy.errorString()};
     return {copyPath, QString()};
 }

@@ -1,41 +1,27 @@
 #include <tlvlib/browser/HistoryModel.h>
 
-#include <tlvlib/files/TVNG_SafeSave.h>
-
 namespace Tlv {
 
 HistoryModel::HistoryModel(QObject* parent)
-    : RecordModel({{"dateTime", tr("Time")}, {"title", tr("Title")}, {"url", tr("Address")}}, parent)
+    : StoredModel({{"dateTime", tr("Time")}, {"title", tr("Title")}, {"url", tr("Address")}}, DefaultMaximum,
+                  parent)
     , store_(*TVNC_HistorySetting::getInstance())
 {
 }
 
-void HistoryModel::setMaximum(int maximum)
+void HistoryModel::readStore(QString dir)
 {
-    maximum_ = qBound(1, maximum, MaximumCount);
+    store_.loadHistory(&dir, maximum());
 }
 
-void HistoryModel::load(const QString& dir)
+void HistoryModel::writeStore(QString dir)
 {
-    QString directory = dir;
-    store_.loadHistory(&directory, maximum_);
-    storeLoaded();
-}
-
-QString HistoryModel::save(const QString& dir)
-{
-    QString directory = dir;
-    store_.saveHistory(&directory, maximum_);
-    return TVNG_GetSaveError();
+    store_.saveHistory(&dir, maximum());
 }
 
 int HistoryModel::find(const QString& url) const
 {
-    for (int row = 0; row < count(); ++row) {
-        if (field(row, UrlColumn).toString() == url)
-            return row;
-    }
-    return -1;
+    return findRecord({{UrlColumn, url}});
 }
 
 void HistoryModel::visit(const QString& url, const QString& title, const QDateTime& time)
@@ -51,8 +37,8 @@ void HistoryModel::visit(const QString& url, const QString& title, const QDateTi
         recordMovedToFront(earlier);
     } else {
         // What the store's updateHistory() does, in steps that can be told one by one.
-        if (count() >= maximum_)
-            remove(maximum_ - 1);
+        if (count() >= maximum())
+            remove(maximum() - 1);
         store_.setHistory(&visit);
         recordPrepended();
     }
@@ -62,7 +48,7 @@ void HistoryModel::visit(const QString& url, const QString& title, const QDateTi
 void HistoryModel::setTitle(const QString& url, const QString& title)
 {
     const int row = find(url);
-    if (row < 0)
+    if (row < 0 || field(row, TitleColumn) == title)
         return;
     QString text = title;
     store_.changeHistoryTitle(row, text);

@@ -1,7 +1,7 @@
 #ifndef TLVLIB_BROWSER_HISTORYMODEL_H
 #define TLVLIB_BROWSER_HISTORYMODEL_H
 
-#include <tlvlib/browser/RecordModel.h>
+#include <tlvlib/browser/StoredModel.h>
 #include <tlvlib/stores/TVNC_HistorySetting.h>
 
 #include <QtCore/QDateTime>
@@ -14,9 +14,10 @@ namespace Tlv {
  *
  * Times are local and have minutes, no seconds. Visits of one minute may change places when they are loaded.
  * Titles and addresses have no limit. Addresses are compared to the letter, and each is there once: visiting
- * a page again moves it to the front.
+ * a page again moves it to the front. When there are maximum() visits, 200 unless it is set, the oldest goes
+ * for the next.
  */
-class TLVLIB_BROWSER_EXPORT HistoryModel : public RecordModel
+class TLVLIB_BROWSER_EXPORT HistoryModel : public StoredModel
 {
     Q_OBJECT
 
@@ -31,18 +32,6 @@ public:
 
     /// A model without visits, up to load().
     explicit HistoryModel(QObject* parent = nullptr);
-
-    /// How many visits there are at most: 1 to 999, 200 unless it is set before loading. When they are as
-    /// many, the oldest goes for the next. A longer file stays as long as it is.
-    int maximum() const { return maximum_; }
-    /// What is outside of 1 to 999 is taken for the nearer end.
-    void setMaximum(int maximum);
-
-    /// Replaces the visits by those of a directory, which ends in "/". Profile does this.
-    void load(const QString& dir);
-
-    /// Writes the visits. Profile does this. @return what failed, as BookmarkModel::save() tells it
-    QString save(const QString& dir);
 
     /// The row of the newest visit of an address; -1 when there is none.
     Q_INVOKABLE int find(const QString& url) const;
@@ -60,11 +49,12 @@ protected:
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
     QVariant shown(int column, const QVariant& value) const override;
+    void readStore(QString dir) override;
+    void writeStore(QString dir) override;
     /// @endcond
 
 private:
     TVNC_HistorySetting& store_;
-    int maximum_ = DefaultMaximum;
 };
 
 } // namespace Tlv

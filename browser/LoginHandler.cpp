@@ -3,6 +3,7 @@
 #include <tlvlib/browser/ProxyFactory.h>
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 
+#include <QtCore/QPointer>
 #include <QtCore/QRegularExpression>
 #include <QtNetwork/QAuthenticator>
 #include <QtNetwork/QNetworkAccessManager>
@@ -87,6 +88,8 @@ LoginHandler::~LoginHandler() = default;
 
 void LoginHandler::attach(QNetworkAccessManager* manager)
 {
+    if (managers_.contains(manager))
+        return; // asked twice, one question would count as two
     managers_.append(manager);
     connect(manager, &QObject::destroyed, this, [this, manager] { managers_.removeAll(manager); });
     connect(manager, &QNetworkAccessManager::authenticationRequired, this, &LoginHandler::authenticate);
@@ -145,7 +148,11 @@ void LoginHandler::authenticate(QNetworkReply* reply, QAuthenticator* authentica
     if (left.isEmpty() && !attempt.isWaiting && attempt.questions < MaximumQuestions) {
         ++attempt.questions;
         attempt.request.user = QString::fromUtf8(last.user);
-        if (ask(attempt.request))
+        const QPointer<QNetworkReply> isThere(reply);
+        const bool isAnswered = ask(attempt.request);
+        if (!isThere)
+            return;
+        if (isAnswered)
             left = candidates(attempt);
     }
     attempts_[reply] = attempt;

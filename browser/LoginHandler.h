@@ -62,7 +62,7 @@ public:
     explicit LoginHandler(LoginModel& logins, QObject* parent = nullptr);
     ~LoginHandler() override;
 
-    /// Answers for a manager from now on. Profile::attach() does this.
+    /// Answers for a manager from now on. Profile::attach() does this. A second time changes nothing.
     void attach(QNetworkAccessManager* manager);
 
     /**

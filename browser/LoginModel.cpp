@@ -1,49 +1,34 @@
 #include <tlvlib/browser/LoginModel.h>
 
-#include <tlvlib/files/TVNG_SafeSave.h>
-
 namespace Tlv {
 
 LoginModel::LoginModel(QObject* parent)
-    : RecordModel({{"server", tr("Server")},
+    : StoredModel({{"server", tr("Server")},
                    {"scheme", tr("Scheme")},
                    {"user", tr("User name")},
                    {nullptr, tr("Password")},
                    {"host", QString()},
                    {"port", QString()}},
-                  parent)
+                  DefaultMaximum, parent)
     , store_(*TVNC_AuthSetting::getInstance())
 {
 }
 
-void LoginModel::setMaximum(int maximum)
+void LoginModel::readStore(QString dir)
 {
-    maximum_ = qBound(1, maximum, MaximumCount);
+    store_.loadAuthInfo(&dir, maximum());
 }
 
-void LoginModel::load(const QString& dir)
+void LoginModel::writeStore(QString dir)
 {
-    QString directory = dir;
-    store_.loadAuthInfo(&directory, maximum_);
-    storeLoaded();
-}
-
-QString LoginModel::save(const QString& dir)
-{
-    QString directory = dir;
-    store_.saveAuthInfo(&directory, maximum_);
-    return TVNG_GetSaveError();
+    store_.saveAuthInfo(&dir, maximum());
 }
 
 int LoginModel::find(const QString& host, int port, Scheme scheme) const
 {
-    for (int row = 0; row < count(); ++row) {
-        if (field(row, HostRole - FirstRole).toString() == host &&
-            field(row, PortRole - FirstRole).toString() == QString::number(port) &&
-            field(row, SchemeColumn).toInt() == scheme)
-            return row;
-    }
-    return -1;
+    return findRecord({{HostRole - FirstRole, host},
+                       {PortRole - FirstRole, QString::number(port)},
+                       {SchemeColumn, static_cast<int>(scheme)}});
 }
 
 QPair<QByteArray, QByteArray> LoginModel::credentials(int row) const
@@ -62,8 +47,8 @@ bool LoginModel::keep(const QString& host, int port, Scheme scheme, const QByteA
     recordPrepended();
     if (earlier >= 0)
         remove(earlier + 1); // the store does not look for one
-    else if (count() > maximum_)
-        remove(maximum_); // as the store's updateAuthInfo() does, but not for a login that is refused
+    else if (count() > maximum())
+        remove(maximum()); // as the store's updateAuthInfo() does, but not for a login that is refused
     emit changed();
     return true;
 }

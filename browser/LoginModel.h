@@ -1,7 +1,7 @@
 #ifndef TLVLIB_BROWSER_LOGINMODEL_H
 #define TLVLIB_BROWSER_LOGINMODEL_H
 
-#include <tlvlib/browser/RecordModel.h>
+#include <tlvlib/browser/StoredModel.h>
 #include <tlvlib/stores/TVNC_AuthSetting.h>
 
 namespace Tlv {
@@ -11,10 +11,11 @@ namespace Tlv {
  * scheme, the user name, and eight dots for whatever the password is. Roles: "server", "scheme", "user",
  * "host", "port".
  *
- * There is one login for each host, port and scheme. Limits, in bytes of UTF-8: 256 for a host, 272 each for
- * user name and password.
+ * There is one login for each host, port and scheme. When there are maximum() of them, 50 unless it is set,
+ * the oldest goes for the next. Limits, in bytes of UTF-8: 256 for a host, 272 each for user name and
+ * password.
  */
-class TLVLIB_BROWSER_EXPORT LoginModel : public RecordModel
+class TLVLIB_BROWSER_EXPORT LoginModel : public StoredModel
 {
     Q_OBJECT
 
@@ -33,18 +34,6 @@ public:
 
     /// A model without logins, up to load().
     explicit LoginModel(QObject* parent = nullptr);
-
-    /// How many logins there are at most: 1 to 999, 50 unless it is set before loading. The oldest goes for
-    /// the next.
-    int maximum() const { return maximum_; }
-    /// What is outside of 1 to 999 is taken for the nearer end.
-    void setMaximum(int maximum);
-
-    /// Replaces the logins by those of a directory, which ends in "/". Profile does this.
-    void load(const QString& dir);
-
-    /// Writes the logins. Profile does this. @return what failed, as BookmarkModel::save() tells it
-    QString save(const QString& dir);
 
     /// The row of a login; -1 when there is none.
     int find(const QString& host, int port, Scheme scheme) const;
@@ -71,13 +60,14 @@ protected:
     QVariantList storedRecord(int row) const override;
     void removeStored(int row) override;
     QVariant shown(int column, const QVariant& value) const override;
+    void readStore(QString dir) override;
+    void writeStore(QString dir) override;
     /// @endcond
 
 private:
     TVNS_AuthInfo stored(int row) const;
 
     TVNC_AuthSetting& store_;
-    int maximum_ = DefaultMaximum;
 };
 
 } // namespace Tlv

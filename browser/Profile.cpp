@@ -70,6 +70,7 @@ struct Profile::Private
     bool hold(std::optional<UsedDirectory>& held, const QString& dir);
     void makeParts();
     void lookForDamage();
+    void addDamage(Part& part, const QString& file, const QString& text);
     void load();
     void loadFonts();
     void change(Part& part);
@@ -203,14 +204,18 @@ void Profile::Private::lookForDamage()
         part->uncopied.clear();
         for (const QString& file : part->files) {
             const QString text = damageOf(file);
-            if (text.isEmpty())
-                continue;
-            const Copy copy = keepCopy(file);
-            if (copy.path.isEmpty())
-                part->uncopied.append(file);
-            damages.append({file, text, copy.path});
+            if (!text.isEmpty())
+                addDamage(*part, file, text);
         }
     }
+}
+
+void Profile::Private::addDamage(Part& part, const QString& file, const QString& text)
+{
+    const Copy copy = keepCopy(file);
+    if (copy.path.isEmpty())
+        part.uncopied.append(file);
+    damages.append({file, text, copy.path});
 }
 
 /// The preferences first: the others ask them.
@@ -226,7 +231,11 @@ void Profile::Private::load()
     bookmarks.load(userDir);
     history.load(userDir);
     logins.load(userDir);
-    cookieJar->load(userDir);
+    const QString problem = cookieJar->load(userDir);
+    if (!problem.isEmpty()) {
+        const QString document = cookiesPart.files.last();
+        addDamage(cookiesPart, document, tr("%1. The cookies of %2 are not here.").arg(problem, document));
+    }
 }
 
 void Profile::Private::loadFonts()
@@ -320,6 +329,7 @@ void Profile::close()
     if (!isOpen())
         return;
     save();
+    d->loginHandler.forget(); // the next user's are others
     d->heldUser.reset();
     d->heldDevice.reset();
     Private::opened = nullptr;

@@ -23,7 +23,7 @@ namespace Tlv {
 struct Damage
 {
     QString file; ///< its path
-    QString text; ///< what was wrong, what is kept and what is lost, in words for a person
+    QString text; ///< what is wrong, what is kept and what is lost, in words for a person
     QString copy; ///< where the damaged file is kept as it was; empty when it could not be copied yet
 };
 
@@ -108,7 +108,8 @@ public:
      */
     bool open(const QString& userDir, const QString& deviceDir);
 
-    /// Saves what is left to be saved and gives the directories free. The models keep what they show.
+    /// Saves what is left to be saved and gives the directories free. The models keep what they show; the
+    /// attached managers forget the logins that they have used.
     void close();
 
     /// Whether it is open.

@@ -1,9 +1,7 @@
 #include "BrowserWindow.h"
 
-#include "BookmarkPage.h"
-#include "HistoryPage.h"
-#include "KeptPage.h"
-#include "LoginDialog.h"
+#include "Dialogs.h"
+#include "Pages.h"
 #include "SettingsDialog.h"
 
 #include <QtGui/QCloseEvent>
@@ -11,14 +9,19 @@
 #include <QtWebKitWidgets/QWebFrame>
 #include <QtWebKitWidgets/QWebPage>
 #include <QtWebKitWidgets/QWebView>
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QAction>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QCompleter>
+#include <QtWidgets/QDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QStackedWidget>
 #include <QtWidgets/QStatusBar>
+#include <QtWidgets/QStyledItemDelegate>
+#include <QtWidgets/QTabWidget>
 #include <QtWidgets/QToolBar>
+#include <QtWidgets/QToolButton>
 
 using Tlv::BookmarkModel;
 using Tlv::HistoryModel;
@@ -41,6 +44,7 @@ BrowserWindow::BrowserWindow(Profile& profile)
     , network_(profile)
     , stack_(new QStackedWidget)
     , web_(new QWebView)
+    , lists_(new QTabWidget)
     , address_(new QLineEdit)
     , message_(new QLabel)
 {
@@ -55,37 +59,42 @@ BrowserWindow::BrowserWindow(Profile& profile)
 
 void BrowserWindow::makePages()
 {
+    web_->setAccessibleName(tr("Page"));
     web_->page()->setNetworkAccessManager(&network_);
-    auto* bookmarks = new BookmarkPage(*profile_.bookmarks());
-    auto* history = new HistoryPage(*profile_.history());
-    connect(bookmarks, &BookmarkPage::chosen, this, &BrowserWindow::openUrl);
-    connect(history, &HistoryPage::chosen, this, &BrowserWindow::openUrl);
-    bookmarkPage_ = bookmarks;
-    historyPage_ = history;
-    keptPage_ = new KeptPage(profile_);
-    for (QWidget* page : std::initializer_list<QWidget*>{web_, bookmarkPage_, historyPage_, keptPage_})
-        stack_->addWidget(page);
+    RecordPage* const pages[] = {makeBookmarkPage(*profile_.bookmarks()),
+                                 makeHistoryPage(*profile_.history()), makeLoginPage(*profile_.logins()),
+                                 makeCookiePage(*profile_.cookies())};
+    for (RecordPage* page : pages) { // in the order of List
+        lists_->addTab(page, page->accessibleName());
+        connect(page, &RecordPage::chosen, this, &BrowserWindow::openUrl);
+    }
+    auto* back = new QToolButton;
+    back->setIconSize(QSize(ICON_SIZE, ICON_SIZE));
+    back->setDefaultAction(addAction({"process-stop-symbolic", tr("Back to the page"), "Escape"}, [this] {
+        web_->stop();
+        showWeb();
+    }));
+    lists_->setCornerWidget(back);
+    stack_->addWidget(web_);
+    stack_->addWidget(lists_);
     setCentralWidget(stack_);
 }
 
-QAction* BrowserWindow::addShortcut(const char* keys, const std::function<void()>& run)
+QAction* BrowserWindow::addAction(const Command& command, const std::function<void()>& run)
 {
     auto* action = new QAction(this);
-    action->setShortcut(QKeySequence(keys));
+    dress(*action, command);
     connect(action, &QAction::triggered, this, run);
-    addAction(action);
+    QWidget::addAction(action); // its shortcut works in all of the window
     return action;
 }
 
-QAction* BrowserWindow::addButton(QToolBar& bar, const char* iconName, QStyle::StandardPixmap icon,
-                                  const QString& text, const char* keys, const std::function<void()>& run)
+void BrowserWindow::addWebAction(QToolBar& bar, QWebPage::WebAction webAction, const Command& command)
 {
-    QAction* action = addShortcut(keys, run);
-    action->setIcon(QIcon::fromTheme(iconName, style()->standardIcon(icon)));
-    action->setText(text);
-    action->setToolTip(QString("%1 (%2)").arg(text, keys));
+    QAction* action = web_->pageAction(webAction);
+    dress(*action, command);
+    connect(action, &QAction::triggered, this, &BrowserWindow::showWeb);
     bar.addAction(action);
-    return action;
 }
 
 void BrowserWindow::makeToolBar()
@@ -93,58 +102,64 @@ void BrowserWindow::makeToolBar()
     QToolBar& bar = *addToolBar(tr("Navigation"));
     bar.setMovable(false);
     bar.setContextMenuPolicy(Qt::PreventContextMenu);
-    const std::pair<QWebPage::WebAction, const char*> pageActions[] = {
-        {QWebPage::Back, "Alt+Left"}, {QWebPage::Forward, "Alt+Right"}, {QWebPage::Reload, "F5"}};
-    for (const auto& [webAction, shortcut] : pageActions) {
-        QAction* action = web_->pageAction(webAction);
-        action->setShortcut(QKeySequence(shortcut));
-        action->setToolTip(QString("%1 (%2)").arg(action->text(), shortcut));
-        connect(action, &QAction::triggered, this, [this] { showPage(web_); });
+    bar.setIconSize(QSize(ICON_SIZE, ICON_SIZE));
+    const auto addButton = [&](const Command& command, const std::function<void()>& run) {
+        QAction* action = addAction(command, run);
         bar.addAction(action);
-    }
-    addButton(bar, "go-home", QStyle::SP_DirHomeIcon, tr("Home page"), "Alt+Home", [this] {
+        return action;
+    };
+    addWebAction(bar, QWebPage::Back, {"go-previous-symbolic", tr("Back"), "Alt+Left"});
+    addWebAction(bar, QWebPage::Forward, {"go-next-symbolic", tr("Forward"), "Alt+Right"});
+    addWebAction(bar, QWebPage::Reload, {"view-refresh-symbolic", tr("Reload"), "F5"});
+    addButton({"go-home-symbolic", tr("Home page"), "Alt+Home"}, [this] {
         QString url;
         Profile::userPreferences().getHomePage(&url);
         openOrShowBookmarks(url);
     });
+    makeAddressLine();
+    bar.addWidget(address_);
+    bookmarkAction_ =
+        addButton({"bookmark-new-symbolic", tr("Bookmark this page"), "Ctrl+D"}, [this] { bookmark(); });
+    bar.addSeparator();
+    addButton({"user-bookmarks-symbolic", tr("Bookmarks"), "Ctrl+B"}, [this] { showList(Bookmarks); });
+    addButton({"document-open-recent-symbolic", tr("History"), "Ctrl+H"}, [this] { showList(History); });
+    addButton({"dialog-password-symbolic", tr("Logins and cookies"), "Ctrl+K"}, [this] { showList(Logins); });
+    addButton({"emblem-system-symbolic", tr("Settings"), "Ctrl+,"}, [this] {
+        QDialog* dialog = makeSettingsDialog(profile_, this);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->open();
+    });
+    addButton({"system-log-out-symbolic", tr("Log out"), "Ctrl+Shift+Q"},
+              [this] { endUse(Profile::LogOut, tr("Logged out.")); });
 
+    // Without a place in the toolbar.
+    addAction({"web-browser-symbolic", tr("Address"), "Ctrl+L"}, [this] {
+        address_->setFocus();
+        address_->selectAll();
+    });
+    addAction({"text-x-generic-symbolic", tr("Cookies"), "Ctrl+J"}, [this] { showList(Cookies); });
+    addAction({"zoom-in-symbolic", tr("Larger"), "Ctrl++"}, [this] { changeZoom(1); });
+    addAction({"zoom-out-symbolic", tr("Smaller"), "Ctrl+-"}, [this] { changeZoom(-1); });
+    addAction({"application-exit-symbolic", tr("Quit"), "Ctrl+Q"}, [this] { close(); });
+}
+
+void BrowserWindow::makeAddressLine()
+{
     address_->setObjectName("address");
     address_->setPlaceholderText(tr("Address"));
+    address_->setAccessibleName(tr("Address"));
     auto* completer = new QCompleter(profile_.history(), this);
     completer->setCompletionColumn(HistoryModel::UrlColumn);
     completer->setFilterMode(Qt::MatchContains);
     completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->popup()->setItemDelegate(new QStyledItemDelegate(completer)); // obeys the style sheet
     address_->setCompleter(completer);
     connect(address_, &QLineEdit::returnPressed, this, [this] { openUrl(address_->text()); });
-    bar.addWidget(address_);
-
-    bookmarkAction_ = addButton(bar, "bookmark-new", QStyle::SP_DialogSaveButton, tr("Bookmark this page"),
-                                "Ctrl+D", [this] { bookmark(); });
-    bar.addSeparator();
-    addButton(bar, "user-bookmarks", QStyle::SP_FileDialogListView, tr("Bookmarks"), "Ctrl+B",
-              [this] { showPage(bookmarkPage_); });
-    addButton(bar, "view-history", QStyle::SP_FileDialogDetailedView, tr("History"), "Ctrl+H",
-              [this] { showPage(historyPage_); });
-    addButton(bar, "dialog-password", QStyle::SP_DriveHDIcon, tr("Logins and cookies"), "Ctrl+K",
-              [this] { showPage(keptPage_); });
-    addButton(bar, "configure", QStyle::SP_FileDialogContentsView, tr("Settings"), "Ctrl+,",
-              [this] { showSettings(); });
-    addButton(bar, "system-log-out", QStyle::SP_DialogCloseButton, tr("Log out"), "Ctrl+Shift+Q",
-              [this] { logOut(); });
-
-    // Without a place in the toolbar.
-    addShortcut("Ctrl+L", [this] {
-        address_->setFocus();
-        address_->selectAll();
-    });
-    addShortcut("Escape", [this] { stack_->currentWidget() == web_ ? web_->stop() : showPage(web_); });
-    addShortcut("Ctrl++", [this] { changeZoom(1); });
-    addShortcut("Ctrl+-", [this] { changeZoom(-1); });
-    addShortcut("Ctrl+Q", [this] { close(); });
 }
 
 void BrowserWindow::makeStatusBar()
 {
+    message_->setObjectName("message");
     statusBar()->addWidget(message_, 1);
     statusBar()->setSizeGripEnabled(false);
     // What stays until it is solved has a place of its own, where nothing takes it away.
@@ -169,14 +184,9 @@ void BrowserWindow::makeStatusBar()
 
 void BrowserWindow::connectWeb()
 {
-    connect(web_, &QWebView::loadStarted, this, [this] {
-        isLoading_ = true;
-        showMessage(tr("Loading ..."));
-    });
-    connect(web_, &QWebView::loadFinished, this, [this](bool isFine) {
-        isLoading_ = false;
-        showMessage(isFine ? QString() : tr("The page could not be loaded."));
-    });
+    connect(web_, &QWebView::loadStarted, this, [this] { showMessage(tr("Loading ...")); });
+    connect(web_, &QWebView::loadFinished, this,
+            [this](bool isFine) { showMessage(isFine ? QString() : tr("The page could not be loaded.")); });
     connect(web_, &QWebView::urlChanged, this, &BrowserWindow::recordVisit);
     connect(web_, &QWebView::titleChanged, this, [this](const QString& title) {
         setWindowTitle(title.isEmpty() ? tr("Kiosk") : tr("%1 - Kiosk").arg(title));
@@ -201,7 +211,7 @@ void BrowserWindow::connectProfile()
 void BrowserWindow::openOrShowBookmarks(const QString& url)
 {
     if (url == BLANK || url.isEmpty())
-        showPage(bookmarkPage_);
+        showList(Bookmarks);
     else
         openUrl(url);
 }
@@ -213,7 +223,7 @@ void BrowserWindow::openUrl(const QString& text)
         showMessage(tr("This is no address."));
         return;
     }
-    showPage(web_);
+    showWeb();
     web_->load(url);
 }
 
@@ -242,11 +252,6 @@ void BrowserWindow::bookmark()
     showMessage(bookmarks.errorString().isEmpty() ? tr("Bookmarked.") : bookmarks.errorString());
 }
 
-void BrowserWindow::logOut()
-{
-    endUse(Profile::LogOut, tr("Logged out."));
-}
-
 void BrowserWindow::endUse(Profile::Occasion occasion, const QString& text)
 {
     web_->stop();
@@ -258,31 +263,26 @@ void BrowserWindow::endUse(Profile::Occasion occasion, const QString& text)
     QWebSettings::clearMemoryCaches();
     web_->load(QUrl(BLANK));
     web_->history()->clear();
-    showPage(bookmarkPage_);
+    showList(Bookmarks);
     showMessage(text);
 }
 
-void BrowserWindow::showPage(QWidget* page)
+void BrowserWindow::showWeb()
 {
-    stack_->setCurrentWidget(page);
-    page->setFocus();
+    stack_->setCurrentWidget(web_);
+    web_->setFocus();
 }
 
-void BrowserWindow::showSettings()
+void BrowserWindow::showList(List list)
 {
-    auto* dialog = new SettingsDialog(profile_, this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->open();
+    stack_->setCurrentWidget(lists_);
+    lists_->setCurrentIndex(list);
+    lists_->currentWidget()->setFocus();
 }
 
 void BrowserWindow::showMessage(const QString& text)
 {
     message_->setText(text);
-}
-
-QString BrowserWindow::message() const
-{
-    return message_->text();
 }
 
 void BrowserWindow::applyPreferences()
@@ -314,15 +314,13 @@ void BrowserWindow::changeZoom(int steps)
 void BrowserWindow::updateBookmarkAction()
 {
     const bool isBookmarked = profile_.bookmarks()->find(textOf(web_->url())) >= 0;
-    bookmarkAction_->setIcon(
-        style()->standardIcon(isBookmarked ? QStyle::SP_DialogApplyButton : QStyle::SP_DialogSaveButton));
+    bookmarkAction_->setIcon(QIcon::fromTheme(isBookmarked ? "starred-symbolic" : "bookmark-new-symbolic"));
 }
 
 void BrowserWindow::askForLogin(const Tlv::LoginRequest& request)
 {
-    LoginDialog dialog(request, this);
-    if (dialog.exec() == QDialog::Accepted &&
-        !profile_.loginHandler()->answer(request, dialog.user(), dialog.password()))
+    const std::optional<Login> login = ::askForLogin(request, this);
+    if (login && !profile_.loginHandler()->answer(request, login->user, login->password))
         web_->reload();
 }
 

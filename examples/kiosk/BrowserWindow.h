@@ -1,21 +1,22 @@
 #ifndef EXAMPLES_KIOSK_BROWSERWINDOW_H
 #define EXAMPLES_KIOSK_BROWSERWINDOW_H
 
+#include "Looks.h"
 #include "Network.h"
 
+#include <QtWebKitWidgets/QWebPage>
 #include <QtWidgets/QMainWindow>
-#include <QtWidgets/QStyle>
 
 #include <functional>
 
 class QLabel;
 class QLineEdit;
 class QStackedWidget;
+class QTabWidget;
 class QToolBar;
 class QWebView;
 
-/// The browser's one window: a toolbar, the page, and in its place now and then one of the browser's own
-/// pages.
+/// The browser's one window: a toolbar, the page, and in its place now and then the browser's own lists.
 class BrowserWindow : public QMainWindow
 {
     Q_OBJECT
@@ -27,15 +28,9 @@ public:
     void start() { openOrShowBookmarks(profile_.startPage()); }
 
     void openUrl(const QString& text);
-    void bookmark();
-    void logOut();
 
     /// Leaves the page, and deletes and saves what the preferences say for this occasion.
     void endUse(Tlv::Profile::Occasion occasion, const QString& text);
-
-    QWebView& web() const { return *web_; }
-    bool isLoading() const { return isLoading_; }
-    QString message() const;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -46,14 +41,17 @@ private:
     void makeStatusBar();
     void connectWeb();
     void connectProfile();
-    QAction* addShortcut(const char* keys, const std::function<void()>& run);
-    /// @param icon is shown where the desktop has none of this name
-    QAction* addButton(QToolBar& bar, const char* iconName, QStyle::StandardPixmap icon, const QString& text,
-                       const char* keys, const std::function<void()>& run);
+    void makeAddressLine();
+    /// A command of the window, in the toolbar or not.
+    QAction* addAction(const Command& command, const std::function<void()>& run);
+    void addWebAction(QToolBar& bar, QWebPage::WebAction webAction, const Command& command);
 
-    void showPage(QWidget* page);
+    /// The browser's own pages.
+    enum List { Bookmarks, History, Logins, Cookies };
+    void showList(List list);
+    void showWeb();
     void openOrShowBookmarks(const QString& url);
-    void showSettings();
+    void bookmark();
     void showMessage(const QString& text);
     void recordVisit(const QUrl& url);
     void applyPreferences();
@@ -63,13 +61,10 @@ private:
 
     Tlv::Profile& profile_;
     Network network_;
-    bool isLoading_ = false;
 
     QStackedWidget* stack_;
     QWebView* web_;
-    QWidget* bookmarkPage_ = nullptr;
-    QWidget* historyPage_ = nullptr;
-    QWidget* keptPage_ = nullptr;
+    QTabWidget* lists_;
     QLineEdit* address_;
     QAction* bookmarkAction_ = nullptr;
     QLabel* message_;

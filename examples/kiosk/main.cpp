@@ -5,119 +5,12 @@
  *     kiosk --profile DIR [URL]
  */
 
-#include "BrowserWindow.h"
-#include "Tour.h"
+#include "Kiosk.h"
 
-#include <tlvlib/browser/IdleTimer.h>
-#include <tlvlib/diag/TVNG_DebugPrint.h>
-
-#include <QtCore/QCommandLineParser>
-#include <QtCore/QFile>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyleFactory>
-
-#include <cstdio>
-#include <optional>
-
-using Tlv::Profile;
-
-namespace {
-
-const int WRONG_USAGE = 2;
-
-int complain(const QString& problem, int exitCode)
-{
-    std::fprintf(stderr, "kiosk: %s\n", qPrintable(problem));
-    return exitCode;
-}
-
-/// "800x480"; nothing for anything else.
-std::optional<QSize> sizeOf(const QString& text)
-{
-    const QStringList parts = text.split('x');
-    const QSize size(parts.value(0).toInt(), parts.value(1).toInt());
-    const bool isSize = parts.size() == 2 && size.width() >= 320 && size.height() >= 240;
-    return isSize ? std::optional<QSize>(size) : std::nullopt;
-}
-
-/// A number from 0 on; nothing for anything else.
-std::optional<int> numberOf(const QString& text)
-{
-    bool isNumber = false;
-    const int number = text.toInt(&isNumber);
-    return isNumber && number >= 0 ? std::optional<int>(number) : std::nullopt;
-}
-
-void setStyle(QApplication& application)
-{
-    application.setStyle(QStyleFactory::create("Fusion"));
-    QFile sheet(":/kiosk/style.qss");
-    if (sheet.open(QIODevice::ReadOnly))
-        application.setStyleSheet(QString::fromUtf8(sheet.readAll()));
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    QCoreApplication::setApplicationName("kiosk");
-    QCommandLineParser parser;
-    parser.setApplicationDescription("A small browser that keeps its state with tlvlib.");
-    parser.addHelpOption();
-    parser.addPositionalArgument("URL", "The page to begin with, instead of that of the preferences.",
-                                 "[URL]");
-    parser.addOptions(
-        {{"profile", "Where the state is kept; made when it is missing.", "DIR", "kiosk-profile"},
-         {"size", "Size of the window in pixels, such as 800x480.", "WxH", "1280x800"},
-         {"log-level", "What goes into the library's log file: 0 nothing, 3 everything.", "N", "0"},
-         {"idle-timeout", "Seconds without input after which the use ends; 0 for never.", "S", "0"},
-         {"tour", "Do the steps of a file, then end.", "SCRIPT"}});
-    parser.process(application);
-    const std::optional<QSize> size = sizeOf(parser.value("size"));
-    if (!size)
-        return complain("--size is such as 800x480, and at least 320x240", WRONG_USAGE);
-    const std::optional<int> logLevel = numberOf(parser.value("log-level"));
-    const std::optional<int> idleSeconds = numberOf(parser.value("idle-timeout"));
-    if (!logLevel || !idleSeconds)
-        return complain("--log-level and --idle-timeout are numbers from 0 on", WRONG_USAGE);
-    TVNG_DebugSetLogLevel(static_cast<unsigned long>(*logLevel));
-
-    Profile profile;
-    if (!profile.open(parser.value("profile"))) {
-        const char* otherwise = profile.error() == Profile::PathError ? ";" : ", or";
-        return complain(
-            QString("%1%2 name another directory with --profile").arg(profile.errorString(), otherwise),
-            EXIT_FAILURE);
-    }
-    for (const Tlv::Damage& damage : profile.damages())
-        complain(damage.text, EXIT_SUCCESS);
-
-    setStyle(application);
-    BrowserWindow window(profile);
-    window.resize(*size);
-
-    Tour tour(window);
-    if (parser.isSet("tour")) {
-        const QString tourProblem = tour.read(parser.value("tour"));
-        if (!tourProblem.isEmpty())
-            return complain(tourProblem, EXIT_FAILURE);
-        tour.start();
-    }
-    std::optional<Tlv::IdleTimer> idleTimer;
-    if (*idleSeconds > 0) {
-        idleTimer.emplace(std::chrono::seconds(*idleSeconds));
-        QObject::connect(&*idleTimer, &Tlv::IdleTimer::idle, &window, [&window] {
-            window.endUse(Profile::Timeout, QObject::tr("Nobody was here for a while."));
-        });
-    }
-    window.show();
-    if (parser.positionalArguments().isEmpty())
-        window.start();
-    else
-        window.openUrl(parser.positionalArguments().first());
-    const int exitCode = application.exec();
-    if (!profile.saveError().isEmpty())
-        return complain(profile.saveError(), EXIT_FAILURE);
-    return tour.hasFailed() ? EXIT_FAILURE : exitCode;
+    return runKiosk(application.arguments());
 }

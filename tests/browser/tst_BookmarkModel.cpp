@@ -3,6 +3,7 @@
 #include "tests/support/TestSupport.h"
 
 #include <tlvlib/browser/BookmarkModel.h>
+#include <tlvlib/files/TVNG_SafeSave.h>
 
 #include <QtCore/QSortFilterProxyModel>
 
@@ -14,6 +15,7 @@ class tst_BookmarkModel : public QObject
 
 private slots:
     void init();
+    void cleanup() { TVNG_SetSafeSave(0); }
 
     void newBookmarkStandsInFront();
     void addressIsThereOnce();
@@ -22,6 +24,10 @@ private slots:
     void picturesAreReadWhenTheyAreShown();
     void bookmarkWithoutPictureComesBackWithoutOne();
     void pictureGoesWithTheSave();
+    void pictureStaysWhileTheSaveFails();
+    void pictureOfTwoBookmarksGoesWithTheLast();
+    void newPictureTakesNoOtherPicturesPlace();
+    void fileElsewhereIsNoPicture();
     void pictureThatCannotBeWrittenIsTold();
     void rolesHaveNames();
     void proxiesSortAndSearch();
@@ -177,6 +183,80 @@ void tst_BookmarkModel::pictureGoesWithTheSave()
     QCOMPARE(pictures(), (QStringList{"000001.PNG", "000002.PNG"}));
     QCOMPARE(model.save(dir()), QString());
     QCOMPARE(pictures(), QStringList{"000002.PNG"});
+}
+
+void tst_BookmarkModel::pictureStaysWhileTheSaveFails()
+{
+    TVNG_SetSafeSave(1); // failures are only found out with it
+    BookmarkModel model;
+    model.load(dir());
+    QVERIFY(model.add("A", "a", picture(Qt::red)));
+    QCOMPARE(model.save(dir()), QString());
+    const QString obstacle = dir() + "bookmark.xml.tlvsave"; // no file can be made under this name
+    QVERIFY(QDir().mkpath(obstacle));
+    model.remove(0);
+    QVERIFY(!model.save(dir()).isEmpty());
+    QCOMPARE(pictures(), QStringList{"000001.PNG"});
+    QVERIFY(QDir().rmdir(obstacle));
+    QCOMPARE(model.save(dir()), QString());
+    QCOMPARE(pictures(), QStringList());
+}
+
+// Only files that somebody has edited have such bookmarks.
+void tst_BookmarkModel::pictureOfTwoBookmarksGoesWithTheLast()
+{
+    BookmarkModel model;
+    model.load(dir());
+    QVERIFY(model.add("A", "a", picture(Qt::red)));
+    QCOMPARE(model.save(dir()), QString());
+    QByteArray file = readFile(dir() + "bookmark.xml");
+    const auto begin = file.indexOf("<bookmark ");
+    const auto end = file.indexOf("</bookmark>") + 11;
+    file.insert(end, file.mid(begin, end - begin).replace(">a<", ">b<"));
+    writeFile(dir() + "bookmark.xml", file);
+
+    model.load(dir());
+    QCOMPARE(model.count(), 2);
+    model.remove(0);
+    QCOMPARE(model.save(dir()), QString());
+    QVERIFY(!model.picture(0).isNull());
+    QCOMPARE(pictures(), QStringList{"000001.PNG"});
+    model.remove(0);
+    QCOMPARE(model.save(dir()), QString());
+    QCOMPARE(pictures(), QStringList());
+}
+
+// The store counts the pictures up to the first bookmark that has no element for one.
+void tst_BookmarkModel::newPictureTakesNoOtherPicturesPlace()
+{
+    BookmarkModel model;
+    model.load(dir());
+    QVERIFY(model.add("A", "a", picture(Qt::red)));
+    QVERIFY(model.add("B", "b", picture(Qt::green)));
+    QCOMPARE(model.save(dir()), QString());
+    QByteArray file = readFile(dir() + "bookmark.xml");
+    file.insert(file.indexOf("<bookmark "), "<bookmark><href>c</href><title>C</title></bookmark>");
+    writeFile(dir() + "bookmark.xml", file);
+
+    model.load(dir());
+    QCOMPARE(model.count(), 3);
+    QVERIFY(model.add("D", "d", picture(Qt::blue)));
+    QCOMPARE(pictures(), (QStringList{"000001.PNG", "000002.PNG", "000003.PNG"}));
+    QCOMPARE(QImage(dir() + "thumbnail/000001.PNG").pixelColor(1, 1), QColor(Qt::red));
+    QCOMPARE(QImage(dir() + "thumbnail/000002.PNG").pixelColor(1, 1), QColor(Qt::green));
+}
+
+void tst_BookmarkModel::fileElsewhereIsNoPicture()
+{
+    writeFile(dir() + "visit.xml", "visits");
+    writeFile(dir() + "bookmark.xml", "<bookmarks><bookmark><href>a</href><title>A</title>"
+                                      "<thumbnail>../visit.xml</thumbnail></bookmark></bookmarks>");
+    BookmarkModel model;
+    model.load(dir());
+    QCOMPARE(model.count(), 1);
+    model.remove(0);
+    QCOMPARE(model.save(dir()), QString());
+    QCOMPARE(readFile(dir() + "visit.xml"), QByteArray("visits"));
 }
 
 void tst_BookmarkModel::pictureThatCannotBeWrittenIsTold()

@@ -20,6 +20,7 @@ private slots:
     void oldestGoesForTheNext();
     void longerFileStaysAsLongAsItIs();
     void lateTitle();
+    void titleThatIsThereChangesNothing();
     void skippedHourIsShown();
     void rolesHaveNames();
     void proxiesSortAndSearch();
@@ -124,6 +125,18 @@ void tst_HistoryModel::lateTitle()
     QCOMPARE(model.index(1, 1).data().toString(), QString("Late"));
     QCOMPARE(model.save(dir()), QString());
     QVERIFY(readFile(dir() + "visit.xml").contains("<title>Late</title>"));
+}
+
+void tst_HistoryModel::titleThatIsThereChangesNothing()
+{
+    HistoryModel model;
+    model.load(dir());
+    model.visit("a", "Page");
+    QSignalSpy changes(&model, &HistoryModel::changed);
+    model.setTitle("a", "Page");
+    QCOMPARE(changes.count(), 0); // nothing is written for that
+    model.setTitle("a", "page");
+    QCOMPARE(changes.count(), 1);
 }
 
 void tst_HistoryModel::skippedHourIsShown()

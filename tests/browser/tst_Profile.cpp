@@ -49,7 +49,9 @@ private slots:
     void damageIsToldAndCopied();
     void missingCookiesAreDamage();
     void soundFilesAreNoDamage();
+    void copyOfDamageIsForItsOwnerAlone();
     void damageWithoutACopyIsNotSaved();
+    void cookiesThatCannotBeConvertedAreKept();
     void copiesDoNotPileUp();
 
     void failedSaveIsToldOnceAndTriedAgain_data();
@@ -61,6 +63,8 @@ private slots:
     void endOfUseEmptiesTheCache_data();
     void endOfUseEmptiesTheCache();
     void attachedManagerUsesTheProfile();
+    void managerMayBeAttachedAgain();
+    void nextUserHasNoLoginOfTheLast();
 
 private:
     QString dir() const { return dir_->path() + "profile"; }
@@ -458,6 +462,43 @@ void tst_Profile::soundFilesAreNoDamage()
     QVERIFY(profile.damages().isEmpty());
 }
 
+void tst_Profile::copyOfDamageIsForItsOwnerAlone()
+{
+    QVERIFY(QDir().mkpath(user()));
+    QVERIFY(QFile::setPermissions(dir(), QFile::Permissions(0x7755))); // others may look into it
+    writeFile(user() + "authinfo.xml", "<authinfolist><authinfo>");
+    QVERIFY(QFile::setPermissions(user() + "authinfo.xml", QFile::ReadOwner | QFile::WriteOwner));
+    Profile profile;
+    QVERIFY(profile.open(dir()));
+    QCOMPARE(profile.damages().size(), 1);
+    QCOMPARE(modeOf(profile.damages().first().copy), 0600);
+}
+
+// There is only the document, from a backup, and no room for the file that Qt reads.
+void tst_Profile::cookiesThatCannotBeConvertedAreKept()
+{
+    Profile profile;
+    QVERIFY(profile.open(dir()));
+    fill(profile);
+    profile.close();
+    const QByteArray document = readFile(user() + "cookies.xml");
+    QVERIFY(QFile::remove(user() + "cookie.ini"));
+    const QString obstacle = user() + "cookie.ini.tlvsave";
+    QVERIFY(QDir().mkpath(obstacle));
+
+    QVERIFY(profile.open(dir()));
+    QCOMPARE(profile.cookies()->count(), 0);
+    QCOMPARE(profile.damages().size(), 1);
+    QCOMPARE(profile.damages().first().file, user() + "cookies.xml");
+    QVERIFY2(profile.damages().first().text.startsWith(user() + "cookie.ini could not be saved"),
+             qPrintable(profile.damages().first().text));
+    QCOMPARE(profile.damages().first().copy, user() + "cookies.xml.damaged");
+    QVERIFY(QDir().rmdir(obstacle));
+    fill(profile);
+    profile.close();
+    QCOMPARE(readFile(user() + "cookies.xml.damaged"), document);
+}
+
 void tst_Profile::damageWithoutACopyIsNotSaved()
 {
     QVERIFY(QDir().mkpath(user()));
@@ -685,6 +726,37 @@ static int runAsSecondProcess(const QString& what, const QString& dir)
         QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
     }
     return QCoreApplication::exec();
+}
+
+void tst_Profile::managerMayBeAttachedAgain()
+{
+    TestSite site;
+    QVERIFY(site.listen());
+    Profile profile;
+    QVERIFY(profile.open(dir()));
+    QVERIFY(profile.logins()->keep("127.0.0.1", site.port(), Tlv::LoginModel::Basic, "bob", "builder"));
+    QSignalSpy questions(profile.loginHandler(), &Tlv::LoginHandler::loginRequired);
+    QNetworkAccessManager manager;
+    profile.attach(&manager);
+    profile.attach(&manager);
+    QCOMPARE(get(manager, site.address("/basic")), 200);
+    QCOMPARE(questions.count(), 0);
+}
+
+void tst_Profile::nextUserHasNoLoginOfTheLast()
+{
+    TestSite site;
+    QVERIFY(site.listen());
+    Profile profile;
+    QNetworkAccessManager manager;
+    QVERIFY(profile.open(dir_->path() + "anna", common()));
+    profile.attach(&manager);
+    QVERIFY(profile.logins()->keep("127.0.0.1", site.port(), Tlv::LoginModel::Basic, "bob", "builder"));
+    QCOMPARE(get(manager, site.address("/cookies")), 200);
+    QCOMPARE(get(manager, site.address("/basic")), 200);
+    QVERIFY(profile.open(dir_->path() + "bert", common()));
+    QCOMPARE(get(manager, site.address("/basic")), 401);
+    QVERIFY(!site.requests.last().headers.contains("cookie"));
 }
 
 int main(int argc, char** argv)

@@ -6,7 +6,8 @@
 #include <QtGui/QImage>
 #include <QtGui/QLinearGradient>
 #include <QtGui/QPainter>
-#include <QtNetwork/QTcpSocket>
+#include <QtNetwork/QSslCertificate>
+#include <QtNetwork/QSslSocket>
 
 namespace {
 
@@ -37,6 +38,25 @@ QByteArray basicHeader(const QByteArray& user, const QByteArray& password)
 
 } // namespace
 
+void TestServer::incomingConnection(qintptr descriptor)
+{
+    if (tls.localCertificate().isNull()) {
+        QTcpServer::incomingConnection(descriptor);
+        return;
+    }
+    auto* socket = new QSslSocket(this);
+    socket->setSslConfiguration(tls);
+    socket->setSocketDescriptor(descriptor);
+    socket->startServerEncryption();
+    addPendingConnection(socket);
+}
+
+bool TestSite::listenWithTls(const QSslConfiguration& tls)
+{
+    server_.tls = tls;
+    return listen();
+}
+
 bool TestSite::listen(quint16 port)
 {
     connect(&server_, &QTcpServer::newConnection, this, [this] {
@@ -53,7 +73,8 @@ bool TestSite::listen(quint16 port)
 
 QString TestSite::address(const QString& path) const
 {
-    return QString("http://127.0.0.1:%1%2").arg(port()).arg(path);
+    const char* scheme = server_.tls.localCertificate().isNull() ? "http" : "https";
+    return QString("%1://127.0.0.1:%2%3").arg(scheme).arg(port()).arg(path);
 }
 
 QList<int> TestSite::answers(const QByteArray& target) const

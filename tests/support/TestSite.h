@@ -4,9 +4,20 @@
 #include <QtCore/QHash>
 #include <QtCore/QList>
 #include <QtCore/QObject>
+#include <QtNetwork/QSslConfiguration>
 #include <QtNetwork/QTcpServer>
 
 class QTcpSocket;
+
+/// Speaks TLS when it has a certificate.
+class TestServer : public QTcpServer
+{
+public:
+    QSslConfiguration tls;
+
+protected:
+    void incomingConnection(qintptr descriptor) override;
+};
 
 /**
  * A small web site on 127.0.0.1, for a browser to be tested with: linked pages, cookies of all kinds, areas
@@ -37,6 +48,8 @@ public:
 
     /// Begins to serve at a free port, or at this one.
     bool listen(quint16 port = 0);
+    /// The same over TLS, with a certificate and its key.
+    bool listenWithTls(const QSslConfiguration& tls);
     quint16 port() const { return server_.serverPort(); }
     QString address(const QString& path = "/") const;
 
@@ -65,7 +78,7 @@ private:
     bool isDigestFine(const Request& request) const;
 
     QHash<QTcpSocket*, QByteArray> pending_; ///< what has come of the next request
-    QTcpServer server_;                      ///< goes first, and its sockets with it
+    TestServer server_;                      ///< goes first, and its sockets with it
 };
 
 #endif

@@ -1,11 +1,13 @@
-#ifndef EXAMPLES_KIOSK_TOUR_H
-#define EXAMPLES_KIOSK_TOUR_H
+#ifndef TESTS_EXAMPLES_KIOSK_TOUR_H
+#define TESTS_EXAMPLES_KIOSK_TOUR_H
 
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
 class BrowserWindow;
+class QWebView;
+class QWidget;
 
 /**
  * Drives the browser through the steps of a text file, one a line, each beginning when the one before is done
@@ -15,14 +17,12 @@ class BrowserWindow;
  *     click SELECTOR           the first element of a CSS selector
  *     type SELECTOR TEXT       clicks it and types
  *     press KEYS               a shortcut of the window, such as Ctrl+D
- *     bookmark                 the page
  *     choose TEXT              a bookmark or a visit, by its title
- *     search TEXT              on the history page
  *     login USER PASSWORD      answers the question for a login
- *     set NAME VALUE           a field of the settings, which press Ctrl+, opens; yes and no for a switch
- *     save                     the settings
+ *     set NAME VALUE           a field of the dialog or the page, such as "search"; yes and no for a switch;
+ *                              "pages" is the page of the settings that is shown
+ *     save                     the dialog, such as the settings, which press Ctrl+, opens
  *     cancel                   any dialog
- *     log out
  *     expect TEXT              fails unless it is to be seen in the page or the dialog
  *     message TEXT             fails unless it is in the message line
  *     screenshot FILE          a PNG of the window
@@ -36,13 +36,13 @@ class Tour : public QObject
     Q_OBJECT
 
 public:
-    explicit Tour(BrowserWindow& window);
+    Tour();
 
     /// @return why the file cannot be read; empty when it was
     QString read(const QString& path);
 
-    /// Begins; the window is to be shown by then.
-    void start() { timer_.start(); }
+    /// Begins in a window that is shown.
+    void start(BrowserWindow& window);
 
     bool hasFailed() const { return hasFailed_; }
 
@@ -61,8 +61,12 @@ private:
     QString set(const QString& name, const QString& value);
     QString screenshot(const QString& file);
     QStringList visibleTexts() const;
+    QString message() const;
+    QWidget& top() const;
 
-    BrowserWindow& window_;
+    BrowserWindow* window_ = nullptr;
+    QWebView* web_ = nullptr;
+    bool isLoading_ = false;
     QString path_;
     QStringList steps_;
     int next_ = 0;
