@@ -121,10 +121,14 @@ std::vector<Piece> wholeElements(const QByteArray& bytes, const QByteArray& name
     int begin = nextStartTag(bytes, 0, name);
     while (begin >= 0) {
         const int end = behindElement(bytes, begin, name);
-        const bool isWhole = end >= 0 && readWhole(bytes.mid(begin, end - begin), name);
+        const int next = end < 0 ? -1 : nextStartTag(bytes, end, name);
+        // An end tag without a start tag is that of an element which was cut off where it begins.
+        const bool isShell = end >= 0 && bytes.at(end - 2) == '/' &&
+                             bytes.mid(end, next < 0 ? -1 : next - end).contains("</" + name + '>');
+        const bool isWhole = end >= 0 && !isShell && readWhole(bytes.mid(begin, end - begin), name);
         if (isWhole)
             pieces.push_back({begin, end});
-        begin = nextStartTag(bytes, isWhole ? end : begin + 1, name);
+        begin = isWhole ? next : nextStartTag(bytes, begin + 1, name);
     }
     return pieces;
 }
