@@ -197,7 +197,7 @@ void tst_tlvctl_damages::bytes_data()
 
 tst_tlvctl_damages::Damage tst_tlvctl_damages::damage(const QByteArray& healthy, int i)
 {
-    const int size = healthy.size();
+    const int size = static_cast<int>(healthy.size());
     const int at = i % size;
     QByteArray bytes = healthy;
     switch ((i / size + i) % 4) {
@@ -286,10 +286,10 @@ QStringList recordsIn(const QByteArray& bytes)
 }
 
 /// Where each record of a healthy document stands.
-std::vector<std::pair<int, int>> placesOf(const QByteArray& bytes, const QByteArray& record)
+std::vector<std::pair<qint64, qint64>> placesOf(const QByteArray& bytes, const QByteArray& record)
 {
-    std::vector<std::pair<int, int>> places;
-    for (int at = bytes.indexOf('<' + record + ' '); at >= 0;
+    std::vector<std::pair<qint64, qint64>> places;
+    for (auto at = bytes.indexOf('<' + record + ' '); at >= 0;
          at = bytes.indexOf('<' + record + ' ', at + 1)) {
         const QByteArray end = "</" + record + '>';
         places.push_back({at, bytes.indexOf(end, at) + end.size()});
