@@ -200,13 +200,14 @@ void tst_tlvctl_check::repairKeepsACopy()
     const Run run = check({"--repair"});
     QCOMPARE(run.code, 1); // one record is lost
     const QByteArray file = path("fontlist.xml").toUtf8();
-    QCOMPARE(run.out,
-             file +
-                 ":\n    repaired: damaged at line 4, column 31 (Opening and ending tag mismatch): what "
-                 "stands behind that place is not read, and saving loses it\n    lost: 1 records\n    what "
-                 "could not be read is in " +
-                 file + ".rejected\n    as it was, the file is in " + file +
-                 ".bak\nfiles: 1, findings: 1, remaining: 0, lost records: 1\n");
+    QCOMPARE(
+        run.out,
+        file +
+            ":\n    lost: 1 records: damaged at line 4, column 31 (Opening and ending tag mismatch): what "
+            "stands behind that place is not read, and saving loses it\n    what "
+            "could not be read is in " +
+            file + ".rejected\n    as it was, the file is in " + file +
+            ".bak\nfiles: 1, findings: 1, remaining: 0, lost records: 1\n");
     QCOMPARE(readFile(path("fontlist.xml.bak")), QByteArray(DAMAGED_LIST));
     QCOMPARE(readFile(path("fontlist.xml.rejected")), QByteArray("<font id=\"001\">Serif</fond>\n"));
     QCOMPARE(readFile(path("fontlist.xml")), fontList({"Sans", "Mono"}));

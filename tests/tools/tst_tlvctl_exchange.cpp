@@ -170,6 +170,17 @@ void tst_tlvctl_exchange::picturesComeAndGo()
     QCOMPARE(readFile(path("again.html")), readFile(path("out.html")));
 }
 
+/// In the byte order of old Windows.
+QByteArray utf16(const QString& text)
+{
+    QByteArray bytes;
+    for (const QChar c : text) {
+        bytes += static_cast<char>(c.cell());
+        bytes += static_cast<char>(c.row());
+    }
+    return bytes;
+}
+
 void tst_tlvctl_exchange::wildFilesAreRead_data()
 {
     QTest::addColumn<QByteArray>("html");
@@ -192,6 +203,28 @@ void tst_tlvctl_exchange::wildFilesAreRead_data()
                               << QStringList{utf8("\xC3\xA9\xE2\x82\xAC") + "A|http://a/?x=1&y=2&z"};
     QTest::newRow("Latin-1") << QByteArray("<DL><DT><A HREF=\"http://a/\">caf\xE9</A>")
                              << QStringList{utf8("caf\xC3\xA9|http://a/")};
+    QTest::newRow("an old Windows's quotation marks")
+        << QByteArray("<DL><DT><A HREF=\"http://a/\">\x93x\x94</A>")
+        << QStringList{utf8("\xE2\x80\x9Cx\xE2\x80\x9D|http://a/")};
+    QTest::newRow("an encoding that is named")
+        << QByteArray("<META HTTP-EQUIV=\"Content-Type\" CONTENT=\"text/html; charset=KOI8-R\"><DL><DT><A "
+                      "HREF=\"http://a/\">\xC1</A>")
+        << QStringList{utf8("\xD0\xB0|http://a/")};
+    QTest::newRow("an encoding of two bytes") << QByteArray("<META charset='Shift_JIS'><DL><DT><A HREF="
+                                                            "\"http://a/\">\x93\xFA</A>")
+                                              << QStringList{utf8("\xE6\x97\xA5|http://a/")};
+    QTest::newRow("an encoding that nobody knows")
+        << QByteArray("<META charset=../../x><DL><DT><A HREF=\"http://a/\">caf\xE9</A>")
+        << QStringList{utf8("caf\xC3\xA9|http://a/")};
+    QTest::newRow("UTF-8 that is none")
+        << QByteArray("<META charset=utf-8><DL><DT><A HREF=\"http://a/\">caf\xE9</A>")
+        << QStringList{utf8("caf\xEF\xBF\xBD|http://a/")};
+    QTest::newRow("UTF-16") << QByteArray("\xFF\xFE") +
+                                   utf16(utf8("<DL><DT><A HREF=\"http://a/\">caf\xC3\xA9</A>"))
+                            << QStringList{utf8("caf\xC3\xA9|http://a/")};
+    QTest::newRow("half a character")
+        << QByteArray("\xFF\xFE") + utf16(QString("<DL><DT><A HREF=\"http://a/\">A</A>")) + 'x'
+        << QStringList{"A|http://a/"};
     QTest::newRow("UTF-8 that says nothing") << QByteArray("<DL><DT><A HREF=\"http://a/\">caf\xC3\xA9</A>")
                                              << QStringList{utf8("caf\xC3\xA9|http://a/")};
     QTest::newRow("byte order mark") << QByteArray(

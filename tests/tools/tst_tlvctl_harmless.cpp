@@ -403,8 +403,7 @@ void tst_tlvctl_harmless::repairCanBeTried()
     writeFile(path("fontlist.xml"), DAMAGED_LIST);
     const Run run = tlvctl({"check", "--repair", "--dry-run", path()});
     QCOMPARE(run.code, 1);
-    QVERIFY(run.out.contains("    repaired: damaged at line 4"));
-    QVERIFY(run.out.contains("    lost: 1 records\n"));
+    QVERIFY(run.out.contains("    lost: 1 records: damaged at line 4"));
     QCOMPARE(readFile(path("fontlist.xml")), QByteArray(DAMAGED_LIST));
     QCOMPARE(QDir(path()).entryList(QDir::Files), QStringList{"fontlist.xml"});
 }

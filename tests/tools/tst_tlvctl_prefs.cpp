@@ -21,8 +21,8 @@ QByteArray documentWith(const QString& scope, const QByteArray& leaf, const QByt
     const QByteArray element = text.isEmpty() ? emptyElement : '<' + leaf + '>' + text + "</" + leaf + '>';
     if (xml.contains(emptyElement))
         return xml.replace(emptyElement, element);
-    const int start = xml.indexOf('<' + leaf + '>');
-    const int end = xml.indexOf("</" + leaf + '>') + leaf.size() + 3;
+    const auto start = xml.indexOf('<' + leaf + '>');
+    const auto end = xml.indexOf("</" + leaf + '>') + leaf.size() + 3;
     return xml.replace(start, end - start, element);
 }
 

@@ -89,7 +89,8 @@ public:
     {
         for (const BookmarkRecord& record : list.records())
             present_.insert(keyOf(record.bookmark));
-        room_ = static_cast<size_t>(std::max(0, NUMBERED_MAX - list.root().getXMLNodeChildren().size()));
+        const int present = static_cast<int>(list.root().getXMLNodeChildren().size());
+        room_ = static_cast<size_t>(std::max(0, NUMBERED_MAX - present));
     }
 
     /// Adds what there is room for in front, in the order of the file.

@@ -5,12 +5,15 @@
 
 #include <libxml/HTMLparser.h>
 
-#include <QtCore/QTextCodec>
-
 #include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <memory>
+
+#include <iconv.h>
 
 namespace {
 
@@ -29,7 +32,53 @@ const int CHUNK_BYTES = 64 << 10;
 const int ATTRIBUTES_MAX = 1000;
 const int DEPTH_MAX = 1000;
 
+/// Where a file names its encoding.
+const int HEAD_BYTES = 1024;
+
 const QByteArray BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+/// The encoding that a file names in its head; what browsers of old Windows wrote when it names none.
+QByteArray encodingOf(const QByteArray& bytes)
+{
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF"))
+        return "UTF-16";
+    const QByteArray key = "charset=";
+    const QByteArray head = bytes.left(HEAD_BYTES).toLower();
+    const auto at = head.indexOf(key);
+    QByteArray name;
+    for (const char c :
+         at < 0 ? QByteArray() : head.mid(at + key.size()).replace('"', "").replace('\'', "")) {
+        if (!std::isalnum(static_cast<uchar>(c)) && !std::strchr("-_.", c))
+            break;
+        name += c;
+    }
+    return name.isEmpty() ? QByteArray("windows-1252") : name;
+}
+
+/// Bytes in an encoding as UTF-8; each byte that is no character in it as U+FFFD.
+QByteArray decoded(QByteArray bytes, const QByteArray& encoding)
+{
+    const iconv_t converter = iconv_open("UTF-8", encoding.constData());
+    if (converter == iconv_t(-1))
+        return encoding == "windows-1252" ? bytes : decoded(bytes, "windows-1252");
+    QByteArray utf8;
+    char* in = bytes.data();
+    auto left = static_cast<size_t>(bytes.size());
+    std::array<char, CHUNK_BYTES> chunk;
+    while (left > 0) {
+        char* out = chunk.data();
+        size_t room = chunk.size();
+        const bool isStuck = iconv(converter, &in, &left, &out, &room) == size_t(-1) && errno != E2BIG;
+        utf8.append(chunk.data(), static_cast<int>(chunk.size() - room));
+        if (isStuck) {
+            utf8 += "\xEF\xBF\xBD";
+            ++in;
+            --left;
+        }
+    }
+    iconv_close(converter);
+    return utf8;
+}
 
 /**
  * The text of a file in UTF-8. What is UTF-8 is taken as that, whatever the file says of itself; all else by
@@ -39,9 +88,7 @@ QByteArray textOf(const QByteArray& bytes)
 {
     QByteArray utf8 = bytes.startsWith(BYTE_ORDER_MARK) ? bytes.mid(BYTE_ORDER_MARK.size()) : bytes;
     if (!utf8Text(utf8))
-        utf8 = QTextCodec::codecForHtml(bytes, QTextCodec::codecForName("windows-1252"))
-                   ->toUnicode(bytes)
-                   .toUtf8();
+        utf8 = decoded(bytes, encodingOf(bytes));
     // libxml2 does not end a <DT> where the next one begins: each entry would be nested in the one before.
     return utf8.replace('\0', "").replace("<DT>", "").replace("<dt>", "");
 }
@@ -111,7 +158,7 @@ private:
 /// The bytes of a picture that stands in an address of the form "data:image/png;base64,...".
 QByteArray pictureIn(const QByteArray& address)
 {
-    const int comma = address.indexOf(',');
+    const auto comma = address.indexOf(',');
     const QByteArray head = address.left(comma).toLower();
     return head.startsWith("data:image/") && head.endsWith(";base64")
                ? QByteArray::fromBase64(address.mid(comma + 1))
@@ -256,7 +303,7 @@ BookmarkFile readHtml(const QByteArray& bytes)
     HtmlReader reader;
     Progress progress(static_cast<size_t>(text.size() / CHUNK_BYTES + 1));
     for (int from = 0; from <= text.size(); from += CHUNK_BYTES) {
-        const int size = std::min(CHUNK_BYTES, text.size() - from);
+        const int size = std::min(CHUNK_BYTES, static_cast<int>(text.size()) - from);
         reader.read(text.constData() + from, size, from + CHUNK_BYTES > text.size());
         progress.advance();
     }

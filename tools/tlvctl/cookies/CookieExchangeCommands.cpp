@@ -181,7 +181,7 @@ Plan planImport(const std::vector<QNetworkCookie>& present, const std::vector<QN
     return plan;
 }
 
-QString summary(const Plan& plan, int unreadable)
+QString summary(const Plan& plan, qint64 unreadable)
 {
     return QString("added: %1, changed: %2, unchanged: %3, left out: %4")
         .arg(plan.added.size() - plan.removed.size())

@@ -8,6 +8,7 @@
 #include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
+#include <QtCore/QTemporaryFile>
 #include <QtCore/QtEndian>
 
 #include <algorithm>
@@ -221,11 +222,18 @@ std::optional<CookieFile> readCookieIni(const QString& dir)
     CookieFile cookies;
     if (!QFileInfo::exists(path))
         return cookies;
-    if (!QFileInfo(path).isFile() || !QFile(path).open(QIODevice::ReadOnly)) {
+    // Of a file that it has read before, QSettings does not tell again that it is damaged.
+    QFile file(path);
+    QTemporaryFile copy;
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
         complain(path, "cannot be read; make it a readable file");
         return std::nullopt;
     }
-    QSettings settings(path, QSettings::IniFormat);
+    if (!copy.open() || copy.write(file.readAll()) != file.size() || !copy.flush()) {
+        complain(path, "cannot be copied to be read; look for free space with \"df /tmp\"");
+        return std::nullopt;
+    }
+    QSettings settings(copy.fileName(), QSettings::IniFormat);
     const QStringList keys = settings.allKeys();
     if (settings.status() != QSettings::NoError)
         cookies.remarks.append("the file is no INI file throughout: what is not understood is skipped");

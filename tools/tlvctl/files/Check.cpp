@@ -44,26 +44,55 @@ const char* const FILE_NAMES[] = {"repostry.xml", "fontlist.xml", "repostry_priv
 /// Those with credentials or cookies.
 const char* const SECRET_NAMES[] = {"authinfo.xml", "cookies.xml", "cookie.ini"};
 
-/// What a repair would make of a file.
+/// What a repair makes of a file.
 struct Plan
 {
-    std::function<void()> write;
+    std::function<void(const QString& dir)> write; ///< writes the file into its directory, or another one
     int lost = 0;
     QByteArray rejected;
 };
 
-/// One file that may be in a directory.
+/// One file that may be in a directory. Directories have a "/" at their end.
 struct CheckedFile
 {
-    QString path;
-    std::function<QStringList()> check;        ///< for a file that can be read
-    std::function<std::optional<Plan>()> plan; ///< nothing when the file would stay as it is
+    QString name;
+    std::function<QStringList(const QString& dir)> check; ///< of a file that can be read
+    std::function<std::optional<Plan>(const QString& dir)>
+        plan; ///< nothing when the file would stay as it is
+};
+
+/// A directory for files that are thrown away, which need no disk.
+class TrialDir
+{
+public:
+    TrialDir() { TVNG_SetSafeSave(0); }
+    ~TrialDir() { TVNG_SetSafeSave(1); }
+
+    TrialDir(const TrialDir&) = delete;
+    TrialDir& operator=(const TrialDir&) = delete;
+
+    QString path() const { return dir_.path() + '/'; }
+
+private:
+    QTemporaryDir dir_;
 };
 
 QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList flawsOf(const std::vector<PackedPicture>& pictures)
+{
+    QStringList lines;
+    for (const PackedPicture& picture : pictures) {
+        for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
+            if (!flaws.empty())
+                lines.append(quoted(picture.name) + ' ' + explanationsOf(flaws));
+        }
+    }
+    return lines;
 }
 
 template <typename Record>
@@ -79,12 +108,15 @@ QStringList flawsOf(const std::vector<Record>& records)
 
 // --- Documents --------------------------------------------------------------------------------------------
 
-/// A document of a directory: how a store for it is made, and what is found in a loaded one.
+/// A document of a directory.
 struct DocumentKind
 {
-    std::function<std::unique_ptr<Store>(const QString& dir)> make;
-    std::function<QStringList(Store& store)> findings;
+    QString name;
+    DocumentForm form;
     std::vector<LeafPlace> leaves; ///< of preferences
+    std::function<QStringList(const QString& dir, Document document)>
+        findings;                                        ///< in what was read of the file
+    std::function<void(const QString& dir)> loadAndSave; ///< as the store does; none when there is no store
 };
 
 std::unique_ptr<TVNC_XMLNode> parse(const QByteArray& bytes)
@@ -100,9 +132,10 @@ int recordsOf(TVNC_XMLNode* root)
     return root ? static_cast<int>(root->getXMLNodeChildren().size()) : 0;
 }
 
-/// Whether some of what is in the document is of this store.
-bool hasOwnContent(TVNC_XMLNode& root, const DocumentKind& kind, const DocumentForm& form)
+/// Whether some of what is in the document is of this kind.
+bool hasOwnContent(TVNC_XMLNode& root, const DocumentKind& kind)
 {
+    const DocumentForm& form = kind.form;
     if (root.getName() == form.root || isRootOfAnother(root.getName(), form))
         return root.getName() == form.root;
     if (form.record)
@@ -112,113 +145,128 @@ bool hasOwnContent(TVNC_XMLNode& root, const DocumentKind& kind, const DocumentF
     });
 }
 
-/// The file as the store would keep it, tried in a directory of its own. Empty when that would lose records.
-QByteArray asStored(const DocumentKind& kind, TVNC_XMLNode& root, const QString& name)
+void writeDocument(TVNC_XMLNode& root, QString path)
 {
-    const QTemporaryDir dir(QDir::tempPath() + "/tlvctl-XXXXXX");
-    const std::unique_ptr<Store> store = kind.make(dir.path());
-    QString path = dir.path() + '/' + name;
-    TVNG_SetSafeSave(0); // a file that is thrown away needs no disk
     TVNC_XMLWriter().write(path, &root);
-    const QByteArray written = contentOf(path);
-    store->load();
-    const bool isLossless = !store->form().record || recordsOf(&store->root()) == recordsOf(&root);
-    store->save();
-    TVNG_SetSafeSave(1);
-    return isLossless ? contentOf(path) : written;
 }
 
-std::optional<Plan> planDocument(const DocumentKind& kind, const Store& store)
+/// The file as the store would keep it, unless that would lose records.
+QByteArray asStored(const DocumentKind& kind, TVNC_XMLNode& root)
 {
-    const QString path = store.file().path();
-    const QByteArray bytes = contentOf(path);
-    const DocumentForm& form = store.form();
-    if (hidesRecords(bytes, form))
+    const TrialDir dir;
+    const QString path = dir.path() + kind.name;
+    writeDocument(root, path);
+    const QByteArray written = contentOf(path);
+    if (!kind.loadAndSave)
+        return written;
+    kind.loadAndSave(dir.path());
+    const QByteArray stored = contentOf(path);
+    return !kind.form.record || recordsOf(parse(stored).get()) == recordsOf(&root) ? stored : written;
+}
+
+std::optional<Plan> planDocument(const DocumentKind& kind, const QString& dir)
+{
+    const QByteArray bytes = contentOf(dir + kind.name);
+    if (hidesRecords(bytes, kind.form))
         return std::nullopt;
-    Document document = readDocument(path);
+    Document document = readDocument(dir + kind.name);
     Plan plan;
     if (document.state == Document::State::DAMAGED) {
-        const Recovered recovered =
-            form.record ? recoverRecords(bytes, form) : recoverLeaves(bytes, form, kind.leaves);
+        const Recovered recovered = kind.form.record ? recoverRecords(bytes, kind.form)
+                                                     : recoverLeaves(bytes, kind.form, kind.leaves);
         if (recovered.isForeign || (recovered.kept == 0 && recovered.lost > 0))
             return std::nullopt;
         document.root = parse(recovered.document);
         plan.lost = recovered.lost;
         plan.rejected = recovered.rejected;
     }
-    if (!document.root || !hasOwnContent(*document.root, kind, form))
+    if (!document.root || !hasOwnContent(*document.root, kind))
         return std::nullopt;
-    normalise(*document.root, form);
-    const QByteArray result = asStored(kind, *document.root, QFileInfo(path).fileName());
+    normalise(*document.root, kind.form);
+    const QByteArray result = asStored(kind, *document.root);
     if (result == bytes)
         return std::nullopt;
-    plan.write = [result, path] {
-        QString copy = path;
-        const std::unique_ptr<TVNC_XMLNode> root = parse(result);
-        TVNC_XMLWriter().write(copy, root.get());
+    plan.write = [result, name = kind.name](const QString& target) {
+        writeDocument(*parse(result), target + name);
     };
     return plan;
 }
 
-QStringList checkDocument(const DocumentKind& kind, Store& store)
+QStringList checkDocument(const DocumentKind& kind, const QString& dir)
 {
-    const QString path = store.file().path();
-    const Document document = readDocument(path);
+    const QString path = dir + kind.name;
+    Document document = readDocument(path);
     QStringList lines;
     if (document.state == Document::State::DAMAGED)
         lines.append(describe(document.damage) +
                      ": what stands behind that place is not read, and saving loses it");
-    if (document.root && document.root->getName() != store.form().root)
+    if (document.root && document.root->getName() != kind.form.root)
         lines.append(QString("its root is %1 instead of \"%2\"")
-                         .arg(quoted(document.root->getName()), store.form().root));
+                         .arg(quoted(document.root->getName()), kind.form.root));
     if (document.state == Document::State::COMPLETE)
-        lines += strayContent(path, store.form());
-    if (hidesRecords(contentOf(path), store.form()))
+        lines += strayContent(path, kind.form);
+    if (hidesRecords(contentOf(path), kind.form))
         lines.append(HIDDEN_RECORDS);
-    store.load();
-    return lines + kind.findings(store);
+    return lines + kind.findings(dir, std::move(document));
 }
 
-CheckedFile checkedDocument(const DocumentKind& kind, const QString& dir)
+CheckedFile checkedDocument(const DocumentKind& kind)
 {
-    const std::shared_ptr<Store> store = kind.make(dir);
-    return {store->file().path(), [=] { return checkDocument(kind, *store); },
-            [=] { return planDocument(kind, *store); }};
+    return {kind.name, [=](const QString& dir) { return checkDocument(kind, dir); },
+            [=](const QString& dir) { return planDocument(kind, dir); }};
+}
+
+/// The kind of a store, which @a make makes for a directory. What is found in it loaded is left to @a
+/// findings.
+template <typename Make, typename Findings>
+DocumentKind storeKind(Make make, Findings findings)
+{
+    DocumentKind kind;
+    const auto store = make(QString());
+    kind.name = QFileInfo(store->file().path()).fileName();
+    kind.form = store->form();
+    kind.findings = [=](const QString& dir, Document document) {
+        const auto loaded = make(dir);
+        loaded->load(std::move(document));
+        return findings(*loaded);
+    };
+    kind.loadAndSave = [=](const QString& dir) {
+        const auto loaded = make(dir);
+        loaded->load();
+        loaded->save();
+    };
+    return kind;
 }
 
 /// A list: its records' flaws, and what else there is to say.
-template <typename List, typename... Arguments>
-DocumentKind listKind(const std::function<QStringList(List& list)>& remarks, Arguments... arguments)
+template <typename List, typename Remarks, typename... Arguments>
+CheckedFile checkedList(Remarks remarks, Arguments... arguments)
 {
-    DocumentKind kind;
-    kind.make = [=](const QString& dir) { return std::make_unique<List>(dir, arguments...); };
-    kind.findings = [=](Store& store) {
-        auto& list = static_cast<List&>(store);
-        return flawsOf(list.records()) + remarks(list);
-    };
-    return kind;
+    return checkedDocument(
+        storeKind([=](const QString& dir) { return std::make_unique<List>(dir, arguments...); },
+                  [=](List& list) { return flawsOf(list.records()) + remarks(list); }));
 }
 
-DocumentKind preferencesKind(const QString& scope)
+CheckedFile checkedPreferences(const QString& scope)
 {
-    DocumentKind kind;
-    kind.make = [=](const QString& dir) { return Preferences::open(scope, dir); };
-    kind.findings = [](Store& store) {
-        QStringList lines;
-        for (const PreferenceRecord& record : static_cast<Preferences&>(store).records()) {
-            if (!record.flaws.empty())
-                lines.append(record.preference->name + ": " + explanationsOf(record.flaws));
-        }
-        return lines;
-    };
+    DocumentKind kind =
+        storeKind([=](const QString& dir) { return Preferences::open(scope, dir); },
+                  [](Preferences& preferences) {
+                      QStringList lines;
+                      for (const PreferenceRecord& record : preferences.records()) {
+                          if (!record.flaws.empty())
+                              lines.append(record.preference->name + ": " + explanationsOf(record.flaws));
+                      }
+                      return lines;
+                  });
     for (const Preference& preference : scope == "common" ? commonPreferences() : userPreferences())
         kind.leaves.push_back({preference.group, preference.leaf});
-    return kind;
+    return checkedDocument(kind);
 }
 
 // --- Bookmarks' pictures ----------------------------------------------------------------------------------
 
-/// Pictures that no bookmark shows or that are none, and a directory that leaves their paths no room.
+/// Pictures that no bookmark shows or that are none.
 QStringList checkPictures(const BookmarkList& list)
 {
     QStringList lines;
@@ -232,18 +280,23 @@ QStringList checkPictures(const BookmarkList& list)
         if (!problem.isEmpty() && list.users(path) > 0)
             lines.append(QString("the picture %1 %2").arg(printable(path), problem));
     }
-    const qint64 left = BookmarkList::DIR_MAX_BYTES - utf8Size(list.file().dir());
+    return lines;
+}
+
+/// A directory that leaves the paths of pictures no room.
+QStringList checkRoom(const QString& dir)
+{
+    const qint64 left = BookmarkList::DIR_MAX_BYTES - utf8Size(dir);
     if (left < 0)
-        lines.append(
+        return {
             QString("the directory's path is %1 bytes too long: paths of pictures pass the store's limit of "
                     "256 bytes, and saving empties their names")
-                .arg(-left));
-    else if (left < NEAR_LIMIT_BYTES)
-        lines.append(
-            QString("the directory's path may grow by %1 bytes at most: then paths of pictures pass the "
-                    "store's limit of 256 bytes")
-                .arg(left));
-    return lines;
+                .arg(-left)};
+    if (left < NEAR_LIMIT_BYTES)
+        return {QString("the directory's path may grow by %1 bytes at most: then paths of pictures pass the "
+                        "store's limit of 256 bytes")
+                    .arg(left)};
+    return {};
 }
 
 // --- cookie.ini -------------------------------------------------------------------------------------------
@@ -261,8 +314,8 @@ std::optional<Plan> planCookieIni(const QString& dir)
     const QList<QNetworkCookie> cookies = recoverCookies(dir, plan.lost, plan.rejected);
     if (!file || file->remarks.isEmpty() || cookies.isEmpty())
         return std::nullopt;
-    plan.write = [cookies, dir] {
-        QString iniDir = dir;
+    plan.write = [cookies](const QString& target) {
+        QString iniDir = target;
         TVNC_CookieSetting::getInstance()->saveCookieInfo(cookies, &iniDir, static_cast<int>(cookies.size()));
     };
     return plan;
@@ -270,36 +323,21 @@ std::optional<Plan> planCookieIni(const QString& dir)
 
 // --- All files --------------------------------------------------------------------------------------------
 
-std::vector<CheckedFile> filesOf(const QString& dir)
+std::vector<CheckedFile> filesOf()
 {
-    std::vector<CheckedFile> files;
-    files.push_back(checkedDocument(preferencesKind("common"), dir));
-    files.push_back(checkedDocument(listKind<FontList>([](FontList& list) { return list.remarks(); }), dir));
-    files.push_back(checkedDocument(preferencesKind("user"), dir));
-    files.push_back(checkedDocument(listKind<BookmarkList>([](BookmarkList& list) {
-                                        return list.file().path().startsWith(QDir::tempPath() + "/tlvctl-")
-                                                   ? list.remarks()
-                                                   : list.remarks() + checkPictures(list);
-                                    }),
-                                    dir));
-    files.push_back(checkedDocument(
-        listKind<HistoryList>(
+    const auto remarks = [](Store& store) { return store.remarks(); };
+    return {
+        checkedPreferences("common"),
+        checkedList<FontList>(remarks),
+        checkedPreferences("user"),
+        checkedList<BookmarkList>([](BookmarkList& list) { return list.remarks() + checkPictures(list); }),
+        checkedList<HistoryList>(
             [](HistoryList& list) { return list.Store::remarks() + list.changesOfLoading(); }, NUMBERED_MAX),
-        dir));
-    files.push_back(checkedDocument(
-        listKind<AuthList>([](AuthList& list) { return list.remarks(); }, NUMBERED_MAX), dir));
-    DocumentKind cookies;
-    cookies.make = [](const QString& place) {
-        return std::make_unique<CookieDocument>(place + "/cookies.xml");
-    };
-    cookies.findings = [](Store& store) {
-        const CookieFile file = static_cast<CookieDocument&>(store).read();
-        return flawsOf(file.records) + file.remarks;
-    };
-    files.push_back(checkedDocument(cookies, dir));
-    files.push_back(
-        {dir + "cookie.ini", [dir] { return checkCookieIni(dir); }, [dir] { return planCookieIni(dir); }});
-    return files;
+        checkedList<AuthList>(remarks, NUMBERED_MAX),
+        checkedDocument(storeKind(
+            [](const QString& dir) { return std::make_unique<CookieDocument>(dir + "cookies.xml"); },
+            [](CookieDocument& document) { return flawsOf(document.records()) + document.remarks(); })),
+        {"cookie.ini", checkCookieIni, planCookieIni}};
 }
 
 bool isListed(const QString& name, const char* const* begin, const char* const* end)
@@ -331,28 +369,27 @@ bool conceal(const QString& path)
     return stat(name.constData(), &info) == 0 && chmod(name.constData(), info.st_mode & S_IRWXU) == 0;
 }
 
-/// All that is wrong with a file; nothing when there is none.
-std::optional<QStringList> findingsOf(const CheckedFile& file)
+/// What is wrong with a file, whatever it holds.
+QStringList findingsBeside(const CheckedFile& file, const QString& dir)
 {
-    const QString place = problemWithPlace(file.path);
-    if (!place.isEmpty())
-        return QStringList{
-            QString("cannot be read: %1; the store is empty then, and saving replaces the file").arg(place)};
-    QFile opened(file.path);
-    if (QFileInfo(file.path).isSymLink() && !QFileInfo::exists(file.path))
-        return QStringList{"is a symbolic link that leads nowhere"};
-    if (!QFileInfo::exists(file.path))
-        return std::nullopt;
-    if (!opened.open(QIODevice::ReadOnly))
-        return QStringList{
-            QString("cannot be read: %1; the store is empty then, and saving replaces the file")
-                .arg(printable(opened.errorString()))};
-    opened.close();
-    QStringList lines = file.check();
-    const QString exposure = exposureOf(file.path);
-    if (!exposure.isEmpty())
-        lines.append(exposure);
-    return lines;
+    QStringList lines = file.name == "bookmark.xml" ? checkRoom(dir) : QStringList();
+    const QString exposure = exposureOf(dir + file.name);
+    return exposure.isEmpty() ? lines : lines << exposure;
+}
+
+/// Why a file that is there cannot be read; empty when it can.
+QString problemWithReading(const QString& path)
+{
+    QString problem = problemWithPlace(path);
+    if (problem.isEmpty() && QFileInfo(path).isSymLink() && !QFileInfo::exists(path))
+        return "is a symbolic link that leads nowhere";
+    QFile file(path);
+    if (problem.isEmpty() && !file.open(QIODevice::ReadOnly))
+        problem = printable(file.errorString());
+    return problem.isEmpty()
+               ? QString()
+               : QString("cannot be read: %1; the store is empty then, and saving replaces the file")
+                     .arg(problem);
 }
 
 // --- Repair -----------------------------------------------------------------------------------------------
@@ -371,48 +408,65 @@ std::optional<QString> keepRejected(const QString& path, const QByteArray& rejec
     return isWritten ? std::optional<QString>(name) : std::nullopt;
 }
 
-/// Writes what the plan says, after a copy. Tells a failure in the report.
-void carryOut(const Plan& plan, FileReport& report)
+/// Writes what the plan says, after a copy. Tells in the report what was done; false when nothing was.
+bool carryOut(const Plan& plan, const StoreFile& file, FileReport& report)
 {
-    const QFileInfo info(report.path);
-    const StoreFile file(info.path(), info.fileName());
-    if (!info.isWritable()) {
-        report.problem = "is not repaired: permission denied; make the file writable";
-        return;
-    }
     const std::optional<QString> copy = file.keepCopy();
     if (!copy)
-        return; // with a complaint
-    plan.write();
+        return false; // with a complaint
+    plan.write(file.dir());
     if (!TVNG_GetSaveError().isEmpty()) {
         report.problem = "is not repaired: " + printable(TVNG_GetSaveError());
         QFile::remove(*copy); // the file is as it was
-        return;
+        return false;
     }
     report.keptAs = *copy;
-    report.lost = plan.lost;
     if (!plan.rejected.isEmpty())
         report.rejectedTo = keepRejected(report.path, plan.rejected).value_or(QString());
+    return true;
 }
 
-void repair(const CheckedFile& file, FileReport& report)
+/// What would be found in the file that the plan writes.
+QStringList checkTrial(const CheckedFile& file, const Plan& plan, const QString& dir)
 {
-    if (problemWithPlace(file.path).isEmpty() && QFile(file.path).open(QIODevice::ReadOnly)) {
-        const std::optional<Plan> plan = file.plan();
-        if (plan)
-            carryOut(*plan, report);
-        if (!exposureOf(file.path).isEmpty())
-            conceal(file.path);
-    } else
-        report.problem = "is not repaired, because it cannot be read; make it readable";
-    const QStringList left = findingsOf(file).value_or(QStringList());
-    for (Finding& finding : report.findings)
-        finding.ending = left.contains(finding.text) ? Ending::REMAINS : Ending::REPAIRED;
-    for (const QString& line : left) {
-        const auto same = [&line](const Finding& finding) { return finding.text == line; };
-        if (std::none_of(report.findings.begin(), report.findings.end(), same))
-            report.findings.push_back({line, Ending::REMAINS});
+    const TrialDir trial;
+    QFile::link(dir + "thumbnail", trial.path() + "thumbnail");
+    plan.write(trial.path());
+    return file.check(trial.path()).replaceInStrings(printable(trial.path()), printable(dir));
+}
+
+/// Says of each finding how it ends, and adds those that only the repair has made.
+void tellEndings(FileReport& report, QStringList left)
+{
+    bool isLossTold = report.lost == 0;
+    for (Finding& finding : report.findings) {
+        const bool remains = left.removeAll(finding.text) > 0;
+        finding.ending = remains ? Ending::REMAINS : isLossTold ? Ending::REPAIRED : Ending::LOST;
+        isLossTold = isLossTold || !remains; // the damage is the first that goes
     }
+    for (const QString& line : left)
+        report.findings.push_back({line, Ending::REMAINS});
+}
+
+void repair(const CheckedFile& file, const QString& dir, bool isTrial, FileReport& report)
+{
+    const QString exposure = exposureOf(report.path);
+    QStringList left;
+    for (const Finding& finding : report.findings)
+        left.append(finding.text);
+    const std::optional<Plan> plan =
+        problemWithReading(report.path).isEmpty() ? file.plan(dir) : std::nullopt;
+    if (!problemWithReading(report.path).isEmpty()) {
+        report.problem = "is not repaired, because it cannot be read; make it readable";
+    } else if (plan && !QFileInfo(report.path).isWritable()) {
+        report.problem = "is not repaired: permission denied; make the file writable";
+    } else if (plan && (isTrial || carryOut(*plan, StoreFile(dir, file.name), report))) {
+        report.lost = plan->lost;
+        left = (isTrial ? checkTrial(file, *plan, dir) : file.check(dir)) + findingsBeside(file, dir);
+    }
+    if (!exposure.isEmpty() && (isTrial || conceal(report.path)))
+        left.removeAll(exposure);
+    tellEndings(report, left);
 }
 
 // --- What else lies in the directory ----------------------------------------------------------------------
@@ -465,148 +519,87 @@ QStringList findingsOfLeftover(const QString& dir, const QString& name)
 }
 
 /// Files beside those of the browser that need a look. A leftover goes when its file is there.
-void checkOthers(const QString& dir, bool isRepairing, std::vector<FileReport>& reports)
+void checkOthers(const QString& dir, Repair repair, std::vector<FileReport>& reports)
 {
     for (const QString& name : QDir(dir).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name)) {
-        if (name.startsWith(LOCK_NAME))
-            continue;
         FileReport report;
         report.path = dir + name;
-        for (const QString& line : findingsOfLeftover(dir, name))
-            report.findings.push_back({line});
-        if (report.findings.empty())
+        QStringList left = name.startsWith(LOCK_NAME) ? QStringList() : findingsOfLeftover(dir, name);
+        if (left.isEmpty())
             continue;
-        if (isRepairing) {
+        for (const QString& line : left)
+            report.findings.push_back({line});
+        if (repair != Repair::NONE) {
+            const bool isTrial = repair == Repair::TRY;
+            const QString exposure = exposureOf(report.path);
             const QString target = report.path.left(report.path.size() - static_cast<int>(qstrlen(LEFTOVER)));
-            if (name.endsWith(LEFTOVER) && QFileInfo::exists(target))
-                QFile::remove(report.path);
-            else if (!exposureOf(report.path).isEmpty())
-                conceal(report.path);
-            const QStringList left =
-                QFileInfo::exists(report.path) ? findingsOfLeftover(dir, name) : QStringList();
-            for (Finding& finding : report.findings)
-                finding.ending = left.contains(finding.text) ? Ending::REMAINS : Ending::REPAIRED;
+            if (name.endsWith(LEFTOVER) && QFileInfo::exists(target)) {
+                if (isTrial || QFile::remove(report.path))
+                    left.clear();
+            } else if (!exposure.isEmpty() && (isTrial || conceal(report.path))) {
+                left.removeAll(exposure);
+            }
+            tellEndings(report, left);
         }
         reports.push_back(report);
     }
 }
 
 /// A list that is gone while its pictures are there.
-void checkMissing(const QString& dir, bool isRepairing, std::vector<FileReport>& reports)
+void checkMissing(const QString& dir, Repair repair, std::vector<FileReport>& reports)
 {
-    const bool hasPictures = !QDir(dir + "thumbnail").entryList({"*.png"}, QDir::Files).isEmpty();
-    if (!hasPictures || QFileInfo::exists(dir + "bookmark.xml"))
+    if (QFileInfo::exists(dir + "bookmark.xml") ||
+        QDir(dir + "thumbnail").entryList({"*.png"}, QDir::Files).isEmpty())
         return;
     FileReport report;
     report.path = dir + "bookmark.xml";
     report.findings.push_back(
-        {"is missing, but its pictures are there", isRepairing ? Ending::REMAINS : Ending::FOUND});
+        {"is missing, but its pictures are there", repair == Repair::NONE ? Ending::FOUND : Ending::REMAINS});
     reports.push_back(report);
 }
 
 /// Packs of thumbnails, whatever they are called.
 void addPacks(const QString& dir, std::vector<CheckedFile>& files)
 {
-    for (const QString& name : QDir(dir).entryList({"*.xml"}, QDir::Files, QDir::Name)) {
+    for (const QString& name : QDir(dir).entryList(QDir::Files, QDir::Name)) {
         const QString path = dir + name;
         QFile file(path);
-        if (isListed(name, std::begin(FILE_NAMES), std::end(FILE_NAMES)) || !file.open(QIODevice::ReadOnly) ||
+        if (!name.endsWith(".xml", Qt::CaseInsensitive) ||
+            isListed(name, std::begin(FILE_NAMES), std::end(FILE_NAMES)) || !file.open(QIODevice::ReadOnly) ||
             !file.read(200).contains("<thumbnail"))
             continue;
-        const DocumentForm form{"thumbnail", "image", "src"};
-        const auto check = [path, form] {
-            const Document document = readDocument(path);
-            QStringList lines;
-            if (document.state == Document::State::DAMAGED)
-                lines.append(describe(document.damage) + ": what stands behind that place is not unpacked");
-            else
-                lines += strayContent(path, form);
-            if (hidesRecords(contentOf(path), form))
-                lines.append(HIDDEN_RECORDS);
-            for (const PackedPicture& picture : picturesOf(document)) {
-                for (const std::vector<Flaw>& flaws : {picture.omissions, picture.doubts}) {
-                    if (!flaws.empty())
-                        lines.append(quoted(picture.name) + ' ' + explanationsOf(flaws));
-                }
-            }
-            return lines;
-        };
-        const auto plan = [path, form]() -> std::optional<Plan> {
-            const QByteArray bytes = contentOf(path);
-            const Recovered recovered = recoverRecords(bytes, form);
-            if (readDocument(path).state != Document::State::DAMAGED || recovered.kept == 0 ||
-                hidesRecords(bytes, form))
-                return std::nullopt;
-            Plan made;
-            made.lost = recovered.lost;
-            made.rejected = recovered.rejected;
-            made.write = [path, recovered] {
-                QString copy = path;
-                const std::unique_ptr<TVNC_XMLNode> root = parse(recovered.document);
-                TVNC_XMLWriter().write(copy, root.get());
-            };
-            return made;
-        };
-        files.push_back({path, check, plan});
+        DocumentKind kind;
+        kind.name = name;
+        kind.form = {"thumbnail", "image", "src"};
+        kind.findings = [](const QString&, Document document) { return flawsOf(picturesOf(document)); };
+        files.push_back(checkedDocument(kind));
     }
 }
 
 } // namespace
 
-std::vector<FileReport> checkDirectory(const QString& dir, bool isRepairing)
+std::vector<FileReport> checkDirectory(const QString& dir, Repair repairing)
 {
     std::vector<FileReport> reports;
-    std::vector<CheckedFile> files = filesOf(dir);
+    std::vector<CheckedFile> files = filesOf();
     addPacks(dir, files);
     for (const CheckedFile& file : files) {
-        const std::optional<QStringList> found = findingsOf(file);
-        if (!found)
-            continue;
         FileReport report;
-        report.path = file.path;
-        for (const QString& line : *found)
+        report.path = dir + file.name;
+        if (!QFileInfo::exists(report.path) && !QFileInfo(report.path).isSymLink())
+            continue;
+        const QString problem = problemWithReading(report.path);
+        const QStringList found =
+            problem.isEmpty() ? file.check(dir) + findingsBeside(file, dir) : QStringList(problem);
+        for (const QString& line : found)
             report.findings.push_back({line});
-        if (isRepairing && !found->isEmpty())
-            repair(file, report);
+        if (repairing != Repair::NONE && !found.isEmpty())
+            repair(file, dir, repairing == Repair::TRY, report);
         reports.push_back(report);
     }
-    checkMissing(dir, isRepairing, reports);
-    checkOthers(dir, isRepairing, reports);
-    std::vector<FileReport> pictures;
+    checkMissing(dir, repairing, reports);
+    checkOthers(dir, repairing, reports);
     if (QFileInfo(dir + "thumbnail").isDir())
-        checkOthers(dir + "thumbnail/", isRepairing, pictures);
-    reports.insert(reports.end(), pictures.begin(), pictures.end());
-    return reports;
-}
-
-std::vector<FileReport> tryRepair(const QString& dir)
-{
-    // Of the same length as the directory's, because paths of pictures have a limit.
-    const QTemporaryDir place(QDir::tempPath() + "/tlvtry-XXXXXX");
-    const QString copy = place.path() + '/';
-    for (const QString& folder : {QString(), QString("thumbnail/")}) {
-        QDir().mkpath(copy + folder);
-        for (const QFileInfo& info : QDir(dir + folder).entryInfoList(QDir::Files | QDir::Hidden)) {
-            QFile::copy(info.filePath(), copy + folder + info.fileName());
-        }
-    }
-    std::vector<FileReport> reports = checkDirectory(dir, false);
-    std::vector<FileReport> tried = checkDirectory(copy, true);
-    for (FileReport& report : reports) {
-        const QString path = copy + report.path.mid(dir.size());
-        const auto it = std::find_if(tried.begin(), tried.end(),
-                                     [&path](const FileReport& other) { return other.path == path; });
-        for (Finding& finding : report.findings) {
-            finding.ending = Ending::REMAINS;
-            if (it == tried.end())
-                continue;
-            for (const Finding& other : it->findings) {
-                QString text = other.text;
-                if (text.replace(printable(copy), printable(dir)) == finding.text)
-                    finding.ending = other.ending;
-            }
-        }
-        report.lost = it == tried.end() ? 0 : it->lost;
-    }
+        checkOthers(dir + "thumbnail/", repairing, reports);
     return reports;
 }

@@ -6,7 +6,7 @@
 #include <vector>
 
 /// What became of a finding.
-enum class Ending { FOUND, REPAIRED, REMAINS };
+enum class Ending { FOUND, REPAIRED, REMAINS, LOST };
 
 struct Finding
 {
@@ -25,16 +25,19 @@ struct FileReport
     QString problem;    ///< why the repair itself failed
 };
 
-/**
- * Checks all files of a settings directory.
- *
- * @param dir         with a "/" at its end
- * @param isRepairing whether what can be repaired is, after a copy. A finding is then repaired when a second
- *                    check does not find it any more.
- */
-std::vector<FileReport> checkDirectory(const QString& dir, bool isRepairing);
+/// Whether what can be repaired is.
+enum class Repair {
+    NONE,
+    TRY, ///< nothing is written, but how it would end is told
+    DO,  ///< after a copy of each file that changes
+};
 
-/// As a repair would end: it is tried on a copy of the directory, and nothing else is written.
-std::vector<FileReport> tryRepair(const QString& dir);
+/**
+ * Checks all files of a settings directory. A finding is repaired when it is not found any more in what the
+ * repair has made of the file; the damage for which records are lost ends as lost.
+ *
+ * @param dir with a "/" at its end
+ */
+std::vector<FileReport> checkDirectory(const QString& dir, Repair repairing);
 
 #endif

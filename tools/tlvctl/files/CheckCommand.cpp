@@ -23,7 +23,14 @@ struct Totals
 
 QString endingOf(const Finding& finding)
 {
-    return finding.ending == Ending::REPAIRED ? "repaired" : "remains";
+    switch (finding.ending) {
+    case Ending::REPAIRED:
+        return "repaired";
+    case Ending::LOST:
+        return "lost";
+    default:
+        return "remains";
+    }
 }
 
 void writeReport(JsonWriter& json, const FileReport& report, bool isRepairing)
@@ -48,10 +55,11 @@ void writeReport(JsonWriter& json, const FileReport& report, bool isRepairing)
 void printReport(const FileReport& report, bool isRepairing)
 {
     printLine(printable(report.path) + (report.findings.empty() ? ": clean" : ":"));
-    for (const Finding& finding : report.findings)
-        printLine("    " + (isRepairing ? endingOf(finding) + ": " : QString()) + finding.text);
-    if (report.lost > 0)
-        printLine(QString("    lost: %1 records").arg(report.lost));
+    for (const Finding& finding : report.findings) {
+        const QString lost =
+            finding.ending == Ending::LOST ? QString("%1 records: ").arg(report.lost) : QString();
+        printLine("    " + (isRepairing ? endingOf(finding) + ": " + lost : QString()) + finding.text);
+    }
     if (!report.rejectedTo.isEmpty())
         printLine("    what could not be read is in " + printable(report.rejectedTo));
     if (!report.keptAs.isEmpty())
@@ -73,13 +81,13 @@ QStringList directoriesOf(const QString& dir)
 std::optional<std::vector<FileReport>> reportsOf(const QString& dir, const QCommandLineParser& arguments)
 {
     if (!arguments.isSet(REPAIR))
-        return checkDirectory(dir, false);
+        return checkDirectory(dir, Repair::NONE);
     if (isDryRun(arguments))
-        return tryRepair(dir);
+        return checkDirectory(dir, Repair::TRY);
     DirectoryLock lock;
     if (!lock.take(dir))
         return std::nullopt;
-    return checkDirectory(dir, true);
+    return checkDirectory(dir, Repair::DO);
 }
 
 int check(const QCommandLineParser& arguments)
@@ -104,7 +112,7 @@ int check(const QCommandLineParser& arguments)
         totals.lost += report.lost;
         totals.findings += static_cast<int>(report.findings.size());
         for (const Finding& finding : report.findings)
-            totals.remaining += finding.ending == Ending::REPAIRED ? 0 : 1;
+            totals.remaining += finding.ending == Ending::FOUND || finding.ending == Ending::REMAINS ? 1 : 0;
         if (!isJson)
             printReport(report, isRepairing);
         if (!report.problem.isEmpty())
@@ -139,7 +147,7 @@ Command checkCommand()
         "credentials or cookies that others may open. DIR is a settings directory, or a profile\n"
         "with \"user\" and \"common\" below it.\n"
         "\n"
-        "With --repair every finding ends as repaired or remains. Of a damaged list every record\n"
+        "With --repair every finding ends as repaired, remains or lost. Of a damaged list every record\n"
         "in front of the damage and behind it is kept whole; records that could not be read are\n"
         "counted as lost, and written to a file beside it whose name ends in \".rejected\". A file\n"
         "is copied beside itself before it is changed, and only then. With --dry-run as well,\n"

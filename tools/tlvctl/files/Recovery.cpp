@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace {
 
@@ -23,47 +24,50 @@ const char* const ROOTS[] = {"repostry_common", "repostry", "bookmarks", "histor
 /// How much stray content is told one by one.
 const int STRAY_MAX = 5;
 
+/// A place in a file: Qt 5 counts bytes with int, Qt 6 does not.
+using Place = decltype(QByteArray().size());
+
 struct Piece
 {
-    int begin;
-    int end; ///< behind it
+    Place begin;
+    Place end; ///< behind it
 };
 
-bool startsAt(const QByteArray& bytes, int at, const char* text)
+bool startsAt(const QByteArray& bytes, Place at, const char* text)
 {
-    const int length = static_cast<int>(qstrlen(text));
-    return bytes.size() - at >= length &&
-           qstrncmp(bytes.constData() + at, text, static_cast<uint>(length)) == 0;
+    const size_t length = qstrlen(text);
+    return bytes.size() - at >= static_cast<Place>(length) &&
+           std::strncmp(bytes.constData() + at, text, length) == 0;
 }
 
 /// Whether a tag of the name begins here: "<name", and behind it what ends a name.
-bool isStartTag(const QByteArray& bytes, int at, const QByteArray& name)
+bool isStartTag(const QByteArray& bytes, Place at, const QByteArray& name)
 {
-    const int behind = at + 1 + name.size();
+    const Place behind = at + 1 + name.size();
     return startsAt(bytes, at, ('<' + name).constData()) &&
            (behind >= bytes.size() || QByteArray(" \t\r\n/>").contains(bytes.at(behind)));
 }
 
-int nextStartTag(const QByteArray& bytes, int from, const QByteArray& name)
+Place nextStartTag(const QByteArray& bytes, Place from, const QByteArray& name)
 {
-    int at = bytes.indexOf('<' + name, from);
+    Place at = bytes.indexOf('<' + name, from);
     while (at >= 0 && !isStartTag(bytes, at, name))
         at = bytes.indexOf('<' + name, at + 1);
     return at;
 }
 
 /// Behind the end of what begins with @a begin, such as a comment; -1 when it has none.
-int behind(const QByteArray& bytes, int begin, const char* end)
+Place behind(const QByteArray& bytes, Place begin, const char* end)
 {
-    const int at = bytes.indexOf(end, begin);
-    return at < 0 ? -1 : at + static_cast<int>(qstrlen(end));
+    const Place at = bytes.indexOf(end, begin);
+    return at < 0 ? -1 : at + static_cast<Place>(qstrlen(end));
 }
 
 /// Behind the tag that begins here; -1 for none. A ">" in the value of an attribute ends nothing.
-int behindTag(const QByteArray& bytes, int begin)
+Place behindTag(const QByteArray& bytes, Place begin)
 {
     char quote = 0;
-    for (int i = begin + 1; i < bytes.size(); ++i) {
+    for (Place i = begin + 1; i < bytes.size(); ++i) {
         const char c = bytes.at(i);
         if (c == '<')
             return -1;
@@ -78,10 +82,10 @@ int behindTag(const QByteArray& bytes, int begin)
 }
 
 /// Behind the element that begins here; -1 when its end is not found before another one of its name begins.
-int behindElement(const QByteArray& bytes, int begin, const QByteArray& name)
+Place behindElement(const QByteArray& bytes, Place begin, const QByteArray& name)
 {
     int depth = 0;
-    int at = begin;
+    Place at = begin;
     while (at >= 0 && at < bytes.size()) {
         if (startsAt(bytes, at, "<![CDATA[")) {
             at = behind(bytes, at, "]]>");
@@ -118,13 +122,17 @@ std::unique_ptr<TVNC_XMLNode> readWhole(const QByteArray& bytes, const QByteArra
 std::vector<Piece> wholeElements(const QByteArray& bytes, const QByteArray& name)
 {
     std::vector<Piece> pieces;
-    int begin = nextStartTag(bytes, 0, name);
+    Place begin = nextStartTag(bytes, 0, name);
     while (begin >= 0) {
-        const int end = behindElement(bytes, begin, name);
-        const bool isWhole = end >= 0 && readWhole(bytes.mid(begin, end - begin), name);
+        const Place end = behindElement(bytes, begin, name);
+        const Place next = end < 0 ? -1 : nextStartTag(bytes, end, name);
+        // An end tag without a start tag is that of an element which was cut off where it begins.
+        const bool isShell = end >= 0 && bytes.at(end - 2) == '/' &&
+                             bytes.mid(end, next < 0 ? -1 : next - end).contains("</" + name + '>');
+        const bool isWhole = end >= 0 && !isShell && readWhole(bytes.mid(begin, end - begin), name);
         if (isWhole)
             pieces.push_back({begin, end});
-        begin = nextStartTag(bytes, isWhole ? end : begin + 1, name);
+        begin = isWhole ? next : nextStartTag(bytes, begin + 1, name);
     }
     return pieces;
 }
@@ -133,8 +141,8 @@ std::vector<Piece> wholeElements(const QByteArray& bytes, const QByteArray& name
 QByteArray withoutFrame(QByteArray gap, bool isFirst, bool isLast, const QByteArray& root)
 {
     if (isFirst) {
-        const int at = nextStartTag(gap, 0, root);
-        const int end = at < 0 ? -1 : behindTag(gap, at);
+        const Place at = nextStartTag(gap, 0, root);
+        const Place end = at < 0 ? -1 : behindTag(gap, at);
         const bool isPlain = at >= 0 && end >= 0 && gap.left(at).count('<') <= 1;
         gap = isPlain ? gap.mid(end) : gap;
     }
@@ -151,14 +159,15 @@ QByteArray withoutFrame(QByteArray gap, bool isFirst, bool isLast, const QByteAr
 int countTags(const QByteArray& bytes, const DocumentForm& form)
 {
     const QByteArray name = form.record;
-    return std::max(bytes.count('<' + name + ' ' + form.attribute + '='), bytes.count("</" + name + '>'));
+    return static_cast<int>(
+        std::max(bytes.count('<' + name + ' ' + form.attribute + '='), bytes.count("</" + name + '>')));
 }
 
 /// End tags of whatever name.
 int countEndTags(const QByteArray& bytes)
 {
     int count = 0;
-    for (int at = bytes.indexOf("</"); at >= 0 && at + 2 < bytes.size(); at = bytes.indexOf("</", at + 1))
+    for (Place at = bytes.indexOf("</"); at >= 0 && at + 2 < bytes.size(); at = bytes.indexOf("</", at + 1))
         count += std::isalpha(static_cast<uchar>(bytes.at(at + 2))) != 0 ? 1 : 0;
     return count;
 }
@@ -177,7 +186,7 @@ int lostIn(const QByteArray& gap, bool isFirst, bool isLast, const DocumentForm&
 /// Whether the first element is this one.
 bool beginsWithRoot(const QByteArray& bytes, const char* root)
 {
-    int at = bytes.indexOf('<');
+    Place at = bytes.indexOf('<');
     while (at >= 0 && (startsAt(bytes, at, "<?") || startsAt(bytes, at, "<!")))
         at = bytes.indexOf('<', at + 1);
     return at >= 0 && isStartTag(bytes, at, root);
@@ -202,9 +211,9 @@ bool isBlank(const QString& text)
 bool hidesRecords(const QByteArray& bytes, const DocumentForm& form)
 {
     const QByteArray startTag = '<' + QByteArray(form.record ? form.record : form.root) + ' ';
-    int begin = bytes.indexOf("<![CDATA[");
+    Place begin = bytes.indexOf("<![CDATA[");
     while (begin >= 0) {
-        const int end = bytes.indexOf("]]>", begin);
+        const Place end = bytes.indexOf("]]>", begin);
         const QByteArray section = bytes.mid(begin, end < 0 ? -1 : end - begin);
         if (section.contains(startTag) && end >= 0)
             return true;
@@ -218,12 +227,12 @@ Recovered recoverRecords(const QByteArray& bytes, const DocumentForm& form)
     Recovered recovered;
     std::vector<Piece> pieces = wholeElements(bytes, form.record);
     // "<record/>" is what is left of a start tag.
-    const int bare = static_cast<int>(qstrlen(form.record)) + 3;
+    const Place bare = static_cast<Place>(qstrlen(form.record)) + 3;
     pieces.erase(std::remove_if(pieces.begin(), pieces.end(),
                                 [bare](const Piece& piece) { return piece.end - piece.begin == bare; }),
                  pieces.end());
     recovered.document = HEAD + ('<' + QByteArray(form.root)) + " docInfo=\"1.0\">";
-    int from = 0;
+    Place from = 0;
     for (size_t i = 0; i <= pieces.size(); ++i) {
         const bool isLast = i == pieces.size();
         const Piece next = isLast ? Piece{bytes.size(), bytes.size()} : pieces[i];

@@ -155,12 +155,11 @@ bool Store::checkRoot(const Document& document) const
                       .arg(quoted(document.root->getName()), form_.root));
 }
 
-void Store::load()
+void Store::load(Document document)
 {
-    std::unique_ptr<TVNC_XMLNode> fileRoot = readDocument(file_.path()).root;
-    renumbered_ = countRenumbered(fileRoot.get());
+    renumbered_ = countRenumbered(document.root.get());
     loadSetting();
-    compareWithFile(std::move(fileRoot));
+    compareWithFile(std::move(document.root));
 }
 
 bool Store::saveChecked()

@@ -83,7 +83,10 @@ public:
     bool refuse(const QString& problem) const;
 
     /// Has the store load the file. What becomes of it is not checked.
-    void load();
+    void load() { load(readDocument(file_.path())); }
+
+    /// The same, where the document in the file was read already.
+    void load(Document document);
 
     /// Whether the file is no other document: its root, if there is one, has the store's name.
     bool checkRoot(const Document& document) const;

@@ -225,7 +225,7 @@ QString diskUse(const QString& dir)
 QString checked(const QString& dir)
 {
     QString html;
-    for (const FileReport& file : checkDirectory(dir, false)) {
+    for (const FileReport& file : checkDirectory(dir, Repair::NONE)) {
         html += "<h3>" + htmlText(QFileInfo(file.path).fileName()) + "</h3>\n";
         for (const Finding& finding : file.findings)
             html += "<p class=\"warn\">" + finding.text.toHtmlEscaped() + "</p>\n";
