@@ -37,6 +37,7 @@ private slots:
     void callThatFails_data();
     void callThatFails();
     void directoryThatCannotBeOpenedNow();
+    void fileSystemsWithoutLocks();
     void interruptedWriteGoesOn();
     void modeThatCannotBeGivenIsKeptInPlace();
     void directorySyncThatFails();
@@ -321,6 +322,15 @@ void tst_TVNG_SafeSave_faults::directoryThatCannotBeOpenedNow()
                                       errorText(EMFILE) + utf8(")"));
     QCOMPARE(readFile(file("a.xml")), before);
     QCOMPARE(files(), QStringList() << utf8("a.xml"));
+}
+
+void tst_TVNG_SafeSave_faults::fileSystemsWithoutLocks()
+{
+    SystemCalls::fail(localPath().left(localPath().size() - 1), "flock", ENOLCK);
+    QVERIFY(saveWithWriter(path_, 1));
+    SystemCalls::mend();
+    QVERIFY(readFile(file("a.xml")).endsWith("</root>\n"));
+    QCOMPARE(TVNG_GetSaveError(), QString());
 }
 
 void tst_TVNG_SafeSave_faults::interruptedWriteGoesOn()
