@@ -23,9 +23,10 @@ void tst_TVNC_XMLInput::sameBytesInPiecesOfAnySize_data()
     QTest::newRow("whole") << whole << whole;
     QTest::newRow("long") << whole.repeated(2000) << whole.repeated(2000);
     QTest::newRow("empty") << QByteArray() << QByteArray();
-    QTest::newRow("control character") << whole + '\1' + whole << whole;
+    // The character itself goes out, for the stream reader to refuse.
+    QTest::newRow("control character") << whole + '\1' + whole << whole + '\1';
     QTest::newRow("no UTF-8") << whole + "\xFFx" << whole;
-    QTest::newRow("document type") << "<!DOCTYPE a [<!ENTITY b 'c'>]>" + whole << QByteArray();
+    QTest::newRow("document type") << "<!DOCTYPE a [<!ENTITY b 'c'>]>" + whole << QByteArray("<!DOCTYPE a ");
 }
 
 void tst_TVNC_XMLInput::sameBytesInPiecesOfAnySize()
@@ -40,10 +41,6 @@ void tst_TVNC_XMLInput::sameBytesInPiecesOfAnySize()
         QByteArray read;
         for (QByteArray piece = input.read(pi_sizes[i]); !piece.isEmpty(); piece = input.read(pi_sizes[i]))
             read += piece;
-        QVERIFY2(read.startsWith(admitted), read.left(100).constData());
-        // An end that is no end of a token may bring the stream reader its bytes up to there, and none
-        // behind.
-        QVERIFY2(document.startsWith(read), read.left(100).constData());
         QCOMPARE(read, admitted);
         QVERIFY(input.read(1).isEmpty()); // it stays at its end
     }
@@ -54,7 +51,6 @@ void tst_TVNC_XMLInput::nothingCanBeWritten()
     QBuffer source;
     QVERIFY(source.open(QIODevice::ReadWrite));
     TVNC_XMLInput input(source);
-    QTest::ignoreMessage(QtWarningMsg, "QIODevice::write (TVNC_XMLInput): ReadOnly device");
     QCOMPARE(input.write("x", 1), qint64(-1));
     QCOMPARE(source.data(), QByteArray());
 }
