@@ -56,6 +56,7 @@ private slots:
     void symbolicLinksStay_data();
     void symbolicLinksStay();
     void linkToNothingMakesItsTarget();
+    void descriptorZeroIsOneLikeAnyOther();
     void namesOfAllLengths();
     void relativePaths();
     void leftoverGoesWithTheNextSave();
@@ -628,6 +629,25 @@ void tst_TVNG_SafeSave::linkToNothingMakesItsTarget()
     QVERIFY(QFileInfo(file("a.xml")).isSymLink());
     QVERIFY(!QFileInfo(file("target.xml")).isSymLink());
     QCOMPARE(readFile(file("target.xml")), document("x"));
+}
+
+void tst_TVNG_SafeSave::descriptorZeroIsOneLikeAnyOther()
+{
+    // The first file that a save keeps open is its directory, which gets it from a program without an input.
+    writeFile(file("a.xml"), "before");
+    struct stat before;
+    QCOMPARE(stat(localFile("a.xml").constData(), &before), 0);
+    const int si_input = dup(0);
+    QVERIFY(si_input > 0);
+    close(0);
+    const bool b_written = write(file("a.xml"), "after");
+    dup2(si_input, 0);
+    close(si_input);
+    QVERIFY(b_written);
+    struct stat after;
+    QCOMPARE(stat(localFile("a.xml").constData(), &after), 0);
+    QVERIFY(after.st_ino != before.st_ino); // replaced whole
+    QCOMPARE(readFile(file("a.xml")), document("after"));
 }
 
 void tst_TVNG_SafeSave::namesOfAllLengths()
