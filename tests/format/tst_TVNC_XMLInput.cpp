@@ -25,6 +25,9 @@ void tst_TVNC_XMLInput::sameBytesInPiecesOfAnySize_data()
     QTest::newRow("empty") << QByteArray() << QByteArray();
     // The character itself goes out, for the stream reader to refuse.
     QTest::newRow("control character") << whole + '\1' + whole << whole + '\1';
+    QTest::newRow("control character, much behind it") << whole + '\1' + whole.repeated(2000) << whole + '\1';
+    QTest::newRow("document type, much behind it")
+        << "<!DOCTYPE a [<!ENTITY b 'c'>]>" + whole.repeated(2000) << QByteArray("<!DOCTYPE a ");
     QTest::newRow("no UTF-8") << whole + "\xFFx" << whole;
     QTest::newRow("document type") << "<!DOCTYPE a [<!ENTITY b 'c'>]>" + whole << QByteArray("<!DOCTYPE a ");
 }
