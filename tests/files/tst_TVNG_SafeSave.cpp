@@ -56,6 +56,7 @@ private slots:
     void symbolicLinksStay_data();
     void symbolicLinksStay();
     void linkToNothingMakesItsTarget();
+    void descriptorZeroIsOneLikeAnyOther();
     void namesOfAllLengths();
     void relativePaths();
     void leftoverGoesWithTheNextSave();
@@ -334,8 +335,11 @@ void tst_TVNG_SafeSave::cookieIniIsTheSame()
             value = QByteArray(1, static_cast<char>(i)) + "0fFx;" + static_cast<char>(i); // digits behind it
         for (quint32 j = random.next(40); j > 0; --j)
             value += static_cast<char>(random.next(256));
+        if (i >= 296)
+            value = ",";
         QNetworkCookie cookie("n", value);
-        cookie.setDomain(utf8("\xC3\xA9.example.com"));
+        if (i < 296) // else there is no ";" in the file
+            cookie.setDomain(utf8("\xC3\xA9.example.com"));
         QList<QNetworkCookie> cookies;
         for (int j = 0; j < i % 4; ++j)
             cookies << cookie;
@@ -474,6 +478,12 @@ void tst_TVNG_SafeSave::ownerAndGroupAreKept()
     QCOMPARE(static_cast<int>(status.st_gid), 65533);
     QCOMPARE(static_cast<int>(status.st_mode & 07777), 06664);
     QCOMPARE(readFile(file("a.xml")), document("after"));
+    // The group alone.
+    QCOMPARE(chown(localFile("a.xml").constData(), geteuid(), 65533), 0);
+    QVERIFY(write(file("a.xml"), "last"));
+    QCOMPARE(stat(localFile("a.xml").constData(), &status), 0);
+    QCOMPARE(status.st_uid, geteuid());
+    QCOMPARE(static_cast<int>(status.st_gid), 65533);
 }
 
 void tst_TVNG_SafeSave::fileThatCannotBeGivenToItsOwnerIsWrittenInPlace()
@@ -619,6 +629,25 @@ void tst_TVNG_SafeSave::linkToNothingMakesItsTarget()
     QVERIFY(QFileInfo(file("a.xml")).isSymLink());
     QVERIFY(!QFileInfo(file("target.xml")).isSymLink());
     QCOMPARE(readFile(file("target.xml")), document("x"));
+}
+
+void tst_TVNG_SafeSave::descriptorZeroIsOneLikeAnyOther()
+{
+    // The first file that a save keeps open is its directory, which gets it from a program without an input.
+    writeFile(file("a.xml"), "before");
+    struct stat before;
+    QCOMPARE(stat(localFile("a.xml").constData(), &before), 0);
+    const int si_input = dup(0);
+    QVERIFY(si_input > 0);
+    close(0);
+    const bool b_written = write(file("a.xml"), "after");
+    dup2(si_input, 0);
+    close(si_input);
+    QVERIFY(b_written);
+    struct stat after;
+    QCOMPARE(stat(localFile("a.xml").constData(), &after), 0);
+    QVERIFY(after.st_ino != before.st_ino); // replaced whole
+    QCOMPARE(readFile(file("a.xml")), document("after"));
 }
 
 void tst_TVNG_SafeSave::namesOfAllLengths()

@@ -36,6 +36,10 @@ private slots:
     void smallDisk();
     void callThatFails_data();
     void callThatFails();
+    void directoryThatCannotBeOpenedNow();
+    void fileSystemsWithoutLocks();
+    void interruptedWriteGoesOn();
+    void modeThatCannotBeGivenIsKeptInPlace();
     void directorySyncThatFails();
     void fileSystemsWithoutSync();
     void memoryKeepsTheChange();
@@ -303,6 +307,57 @@ void tst_TVNG_SafeSave_faults::callThatFails()
     QVERIFY(used.pc_save(path_, 1));
     QVERIFY(readFile(file(used.pc_file)) != before);
     QCOMPARE(TVNG_GetSaveError(), QString());
+}
+
+void tst_TVNG_SafeSave_faults::directoryThatCannotBeOpenedNow()
+{
+    QVERIFY(saveWithWriter(path_, 0));
+    const QByteArray before = readFile(file("a.xml"));
+    SystemCalls::fail(localPath().left(localPath().size() - 1), "open", EMFILE,
+                      1); // the first is the old file
+    QVERIFY(!saveWithWriter(path_, 1));
+    SystemCalls::mend();
+    QCOMPARE(TVNG_GetSaveError(), file("a.xml") +
+                                      utf8(" could not be saved: its directory could not be opened (") +
+                                      errorText(EMFILE) + utf8(")"));
+    QCOMPARE(readFile(file("a.xml")), before);
+    QCOMPARE(files(), QStringList() << utf8("a.xml"));
+}
+
+void tst_TVNG_SafeSave_faults::fileSystemsWithoutLocks()
+{
+    SystemCalls::fail(localPath().left(localPath().size() - 1), "flock", ENOLCK);
+    QVERIFY(saveWithWriter(path_, 1));
+    SystemCalls::mend();
+    QVERIFY(readFile(file("a.xml")).endsWith("</root>\n"));
+    QCOMPARE(TVNG_GetSaveError(), QString());
+}
+
+void tst_TVNG_SafeSave_faults::interruptedWriteGoesOn()
+{
+    SystemCalls::fail(localPath(), "write", EINTR, 0, true);
+    QVERIFY(saveWithWriter(path_, 1));
+    SystemCalls::mend();
+    QCOMPARE(TVNG_GetSaveError(), QString());
+    QVERIFY(readFile(file("a.xml")).endsWith("</root>\n"));
+}
+
+void tst_TVNG_SafeSave_faults::modeThatCannotBeGivenIsKeptInPlace()
+{
+    QVERIFY(saveWithWriter(path_, 0));
+    QCOMPARE(chmod(localFile("a.xml").constData(), 0640), 0);
+    struct stat before;
+    QCOMPARE(stat(localFile("a.xml").constData(), &before), 0);
+    SystemCalls::fail(localPath(), "chmod", EPERM);
+    const bool b_saved = saveWithWriter(path_, 1);
+    SystemCalls::mend();
+    QVERIFY(b_saved);
+    struct stat after;
+    QCOMPARE(stat(localFile("a.xml").constData(), &after), 0);
+    QCOMPARE(after.st_ino, before.st_ino);
+    QCOMPARE(after.st_mode, before.st_mode);
+    QVERIFY(readFile(file("a.xml")).contains("and after it"));
+    QCOMPARE(files(), QStringList() << utf8("a.xml"));
 }
 
 // The new file is there, and whole. Whether it still is after a power cut, nobody knows.

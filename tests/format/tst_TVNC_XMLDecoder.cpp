@@ -45,6 +45,7 @@ void tst_TVNC_XMLDecoder::headsAreDecoded_data()
     // First bytes that begin as those of another encoding do.
     same("almost a mark of UTF-32BE", QByteArray("\0\0\xFE.", 4));
     same("almost UTF-32BE", QByteArray("\0\0\0.", 4));
+    same("a character of one byte in front", QByteArray("\0x\0<", 4));
     same("two zero bytes", QByteArray("\0\0..", 4));
     same("half a mark of UTF-16BE", "\xFE...");
     same("half a mark of UTF-16LE", "\xFF...");

@@ -543,6 +543,8 @@ void tst_TVNC_CookieSetting_ini::expiryIsReadAsLocalTime_data()
                           << QByteArray("; expires=Tue, 06-May-2031 12:08:09 GMT");
     QTest::newRow("summer") << cet << QByteArray("2031/07/01 12:00:00")
                             << QByteArray("; expires=Tue, 01-Jul-2031 10:00:00 GMT");
+    QTest::newRow("hours after a change of the clock")
+        << cet << QByteArray("2031/03/30 12:00:00") << QByteArray("; expires=Sun, 30-Mar-2031 10:00:00 GMT");
     QTest::newRow("skipped by daylight saving")
         << cet << QByteArray("2031/03/30 02:30:00") << QByteArray("; expires=Sun, 30-Mar-2031 01:30:00 GMT");
     QTest::newRow("empty") << QByteArray("UTC0") << QByteArray() << none;

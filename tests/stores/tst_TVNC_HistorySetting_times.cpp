@@ -68,6 +68,9 @@ void tst_TVNC_HistorySetting_times::laterVisitIsLess()
         visit(QString(), QString(), QDateTime(QDate(2011, 4, 12), QTime(8, 16), Qt::UTC));
     QVERIFY(utc < local);
     QVERIFY(!(local < utc));
+    const TVNS_History same =
+        visit(QString(), QString(), QDateTime(QDate(2011, 4, 12), QTime(8, 15), Qt::UTC));
+    QVERIFY(!(same < local) && !(local < same));
     // No time at all is earlier than any.
     const TVNS_History never;
     const TVNS_History longAgo = visit(QString(), QString(), at(1901, 1, 1, 0, 0));

@@ -11,9 +11,9 @@ class LogRecorder
 {
 public:
     /**
-     * The messages since the last call as a block of lines, each its level, a space, its text and a line feed,
-     * such as "3 [TVNC_XMLSetting::save] start\n". Hexadecimal addresses stand as "0x*", but the null address
-     * as "0x0".
+     * The messages since the last call as a block of lines, each its level, a space, its text and a line
+     * feed, such as "3 [TVNC_XMLSetting::save] start\n". Hexadecimal addresses stand as "0x*", but the null
+     * address as "0x0".
      */
     static QString take();
 

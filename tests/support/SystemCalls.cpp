@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/uio.h>
@@ -465,6 +466,14 @@ int fchmod(int si_file, mode_t mode) noexcept
     const int si_result = REAL(fchmod)(si_file, mode);
     changed("fchmod", path);
     return si_result;
+}
+
+int flock(int si_file, int si_operation) noexcept
+{
+    if (!isWatched())
+        return REAL(flock)(si_file, si_operation);
+    const Inside inside;
+    return fails("flock", pathOfDescriptor(si_file)) ? -1 : REAL(flock)(si_file, si_operation);
 }
 
 int fchown(int si_file, uid_t owner, gid_t group) noexcept

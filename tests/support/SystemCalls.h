@@ -52,7 +52,7 @@ public:
     /**
      * Below the directory, or another one: the calls of this name fail with an error, after so many of them
      * succeeded; or only the next one then. The name is one of "open", "write", "fsync", "fsync directory",
-     * "rename", "chmod", "chown" and "close", which fails after it has closed.
+     * "rename", "chmod", "chown", "flock" and "close", which fails after it has closed.
      */
     static void fail(const QByteArray& directory, const QByteArray& name, int si_error, int si_after = 0,
                      bool b_once = false);

@@ -4,6 +4,7 @@
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
 
+#include <tlvlib/files/TVNG_SafeSave.h>
 #include <tlvlib/thumbs/TVNC_ThumbnailConverter.h>
 
 #include <QtGui/QImage>
@@ -52,6 +53,7 @@ private slots:
     void imagesInCharacterDataAreNotUnpacked();
     void otherElementsAreSkipped();
     void oneFailureDoesNotStopTheOthers();
+    void firstFailureTellsOfAWholeUnpacking();
     void sourceMayHoldDirectories();
     void anyRootIsUnpacked();
     void damagedPackIsUnpackedUpToTheDamage();
@@ -495,6 +497,21 @@ void tst_TVNC_ThumbnailConverter::oneFailureDoesNotStopTheOthers()
                                        "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
                                        "1 [TVNC_ThumbnailConverter] Couldn't open thumbnail for writing.\n"
                                        "3 [TVNC_XMLSetting::deleteAllXMLNode] 0x*\n"));
+}
+
+void tst_TVNC_ThumbnailConverter::firstFailureTellsOfAWholeUnpacking()
+{
+    TVNG_SetSafeSave(1);
+    unpack("<thumbnail><image src='no/such'><![CDATA[eA==]]></image><image "
+           "src='no/other'><![CDATA[eA==]]></image>"
+           "<image src='c'><![CDATA[eA==]]></image><image src='d'><![CDATA[]]></image></thumbnail>");
+    const QString error = TVNG_GetSaveError();
+    unpack("<thumbnail><image src='c'><![CDATA[eA==]]></image></thumbnail>");
+    const QString none = TVNG_GetSaveError();
+    TVNG_SetSafeSave(0);
+    QVERIFY2(error.startsWith(outDir() + utf8("no/such could not be saved: ")), qPrintable(error));
+    QCOMPARE(none, QString());
+    QCOMPARE(unpacked(), QStringList() << utf8("c"));
 }
 
 void tst_TVNC_ThumbnailConverter::sourceMayHoldDirectories()

@@ -79,6 +79,9 @@ void tst_TVNC_CanonicalReader::sameTreeAsTheReaders_data()
         "<a><b id=\"998\"/><b id=\"999\"/><b id=\"00\"/><b id=\"0x1\"/><b id=\"001\" x=\"2\"/>"
         "<b x=\"2\" id=\"001\"/></a>",
         "a(b{id=998},b{id=999},b{id=00},b{id=0x1},b{id=001 x=2},b{x=2 id=001})");
+    row("names that are none", "<a><b>x</b><`/></a>", "a(b'x')");
+    row("names with what no name has", "<a><b>x</b><c{/></a>", "a(b'x')");
+    row("name that begins with a digit", "<a><b>x</b><9/></a>", "a(b'x')");
     row("entities", "<a>&lt;&gt;&amp;&quot;&apos;x&amp;amp;</a>", "a'<>&\"'x&amp;'");
     row("entity first in a blank", "<a>  &lt;  </a>", "a'  <  '");
     row("numeric entity", "<a>&#65;&#x42;</a>", "a'AB'");

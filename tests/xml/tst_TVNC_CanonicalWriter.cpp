@@ -19,6 +19,7 @@ private slots:
 
     void sameBytesAsTheWriter_data();
     void sameBytesAsTheWriter();
+    void sameBytesOfUnusualAttributes();
     void sameBytesOfDeepTrees();
     void sameBytesOfLongTexts_data();
     void sameBytesOfLongTexts();
@@ -95,6 +96,7 @@ void tst_TVNC_CanonicalWriter::sameBytesAsTheWriter_data()
                                << "<" + longest.toLatin1() + " b=\"x\">x</" + longest.toLatin1() + '>';
     QTest::newRow("longer name") << longest + utf8("a") << utf8("x")
                                  << "<a" + longest.toLatin1() + " b=\"x\">x</a" + longest.toLatin1() + '>';
+    QTest::newRow("no name") << QString() << utf8("x") << QByteArray("< b=\"x\">x</>");
     QTest::newRow("name with a character that no name has")
         << utf8("a b") << utf8("x") << QByteArray("<a b b=\"x\">x</a b>");
     QTest::newRow("name that begins like no name")
@@ -125,6 +127,20 @@ void tst_TVNC_CanonicalWriter::sameBytesAsTheWriter()
         makeNode(root()->getXMLNodeChildren().at(1), "e")->setText(text);
         QCOMPARE(saved(), written());
     }
+}
+
+void tst_TVNC_CanonicalWriter::sameBytesOfUnusualAttributes()
+{
+    const QByteArray declaration("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    QString name = utf8("a");
+    root()->setName(name);
+    addAttribute(root(), "b c", utf8("x"));
+    QCOMPARE(saved(), declaration + "<a b c=\"x\"/>\n");
+    QCOMPARE(written(), saved());
+    root()->getAttribute().clear();
+    root()->getAttribute().append(QXmlStreamAttribute(utf8("urn:u"), utf8("b"), utf8("x")));
+    QCOMPARE(saved(), written());
+    QVERIFY(saved().contains("urn:u"));
 }
 
 void tst_TVNC_CanonicalWriter::sameBytesOfDeepTrees()

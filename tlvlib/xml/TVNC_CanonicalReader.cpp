@@ -44,7 +44,11 @@ struct Span
             return size() < other.size();
         return std::memcmp(pc_begin, other.pc_begin, static_cast<size_t>(size())) < 0;
     }
-    bool operator==(const Span& other) const { return !(*this < other) && !(other < *this); }
+    bool operator==(const Span& other) const
+    {
+        return size() == other.size() &&
+               std::memcmp(pc_begin, other.pc_begin, static_cast<size_t>(size())) == 0;
+    }
 
     const char* pc_begin;
     const char* pc_end;

@@ -165,7 +165,7 @@ TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
             const TokenType token = readNext();
             if (token == EndElement)
                 break;
-            if (token == StartElement && !root) {
+            if (token == StartElement) { // of the root: Qt's reader ends at a second one
                 root.reset(readXMLNode(nullptr));
                 if (!root)
                     break;
