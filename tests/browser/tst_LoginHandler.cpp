@@ -217,28 +217,21 @@ void tst_LoginHandler::unansweredRequestFails()
     QCOMPARE(questions.count(), 1);
 }
 
+// As a page does that is left behind the dialog. The next reply may lie where the last one was, and is asked
+// for all the same.
 void tst_LoginHandler::requestMayEndWhileItsLoginIsAskedFor()
 {
     LoginModel logins;
-    logins.load(dir_->path());
+    logins.load(dir());
     Browser browser(logins);
-    const auto connection =
-        connect(&browser.handler, &LoginHandler::loginRequired, &browser.handler, [&browser] {
-            for (QNetworkReply* reply : browser.manager.findChildren<QNetworkReply*>())
-                delete reply; // as a page does that is left behind the dialog
-        });
-    QNetworkReply* reply = browser.manager.get(QNetworkRequest(QUrl(site_->address("/basic"))));
-    QSignalSpy ends(reply, &QObject::destroyed);
-    QVERIFY(ends.wait());
-    QCOMPARE(browser.questions.size(), 1);
-    disconnect(connection);
-
-    // The next request, whose reply may lie where that one was, begins from the beginning.
-    browser.answers = {{"bob", "wrong"}, {"bob", "wrong again"}, {"bob", "builder"}};
-    QCOMPARE(get(browser.manager, site_->address("/basic")), 200);
-    QCOMPARE(browser.questions.size(), 4);
-    QVERIFY(!browser.questions.at(1).wasRefused);
-    QCOMPARE(logins.count(), 1);
+    connect(&browser.handler, &LoginHandler::loginRequired, &browser.handler,
+            [&browser] { qDeleteAll(browser.manager.findChildren<QNetworkReply*>()); });
+    for (int i = 0; i < 10; ++i) {
+        const QNetworkReply* reply = browser.manager.get(QNetworkRequest(QUrl(site_->address("/basic"))));
+        QSignalSpy ends(reply, &QObject::destroyed);
+        QVERIFY(ends.wait());
+    }
+    QCOMPARE(browser.questions.size(), 10);
 }
 
 void tst_LoginHandler::answerMayComeLater_data()
