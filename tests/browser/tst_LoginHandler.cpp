@@ -65,7 +65,6 @@ private slots:
     void nobodyIsAskedForEver_data();
     void nobodyIsAskedForEver();
     void unansweredRequestFails();
-    void requestMayEndWhileItsLoginIsAskedFor();
     void answerMayComeLater_data();
     void answerMayComeLater();
     void keptLoginThatIsWrongIsReplaced();
@@ -215,23 +214,6 @@ void tst_LoginHandler::unansweredRequestFails()
     QSignalSpy questions(&handler, &LoginHandler::loginRequired);
     QCOMPARE(get(manager, site_->address("/basic")), 401);
     QCOMPARE(questions.count(), 1);
-}
-
-// As a page does that is left behind the dialog. The next reply may lie where the last one was, and is asked
-// for all the same.
-void tst_LoginHandler::requestMayEndWhileItsLoginIsAskedFor()
-{
-    LoginModel logins;
-    logins.load(dir());
-    Browser browser(logins);
-    connect(&browser.handler, &LoginHandler::loginRequired, &browser.handler,
-            [&browser] { qDeleteAll(browser.manager.findChildren<QNetworkReply*>()); });
-    for (int i = 0; i < 10; ++i) {
-        const QNetworkReply* reply = browser.manager.get(QNetworkRequest(QUrl(site_->address("/basic"))));
-        QSignalSpy ends(reply, &QObject::destroyed);
-        QVERIFY(ends.wait());
-    }
-    QCOMPARE(browser.questions.size(), 10);
 }
 
 void tst_LoginHandler::answerMayComeLater_data()
