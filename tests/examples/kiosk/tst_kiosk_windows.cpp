@@ -179,8 +179,7 @@ void tst_kiosk_windows::withDialog(const std::function<void(QDialog&)>& run)
     });
 }
 
-// --- Looks
-// ---------------------------------------------------------------------------------------------------
+// --- Looks -------------------------------------------------------------------------------------------------
 
 void tst_kiosk_windows::everyActionIsTold()
 {
@@ -332,8 +331,7 @@ void tst_kiosk_windows::withoutIconsButtonsShowTheirNames()
     QCOMPARE(process.exitCode(), 0);
 }
 
-// --- Lists
-// ---------------------------------------------------------------------------------------------------
+// --- Lists -------------------------------------------------------------------------------------------------
 
 void tst_kiosk_windows::buttonsNeedAChosenRecord()
 {
