@@ -3,7 +3,6 @@
 #include <tlvlib/browser/ProxyFactory.h>
 #include <tlvlib/prefs/TVNC_BrowserCommonSetting.h>
 
-#include <QtCore/QPointer>
 #include <QtCore/QRegularExpression>
 #include <QtNetwork/QAuthenticator>
 #include <QtNetwork/QNetworkAccessManager>
@@ -148,11 +147,7 @@ void LoginHandler::authenticate(QNetworkReply* reply, QAuthenticator* authentica
     if (left.isEmpty() && !attempt.isWaiting && attempt.questions < MaximumQuestions) {
         ++attempt.questions;
         attempt.request.user = QString::fromUtf8(last.user);
-        const QPointer<QNetworkReply> isThere(reply);
-        const bool isAnswered = ask(attempt.request);
-        if (!isThere)
-            return;
-        if (isAnswered)
+        if (ask(attempt.request))
             left = candidates(attempt);
     }
     attempts_[reply] = attempt;

@@ -76,7 +76,8 @@ public:
     void forget();
 
 Q_SIGNALS:
-    /// No login is left to be tried: see above. The answer may be given in the slot.
+    /// No login is left to be tried: see above. The answer may be given in the slot. The request must not be
+    /// deleted there: Qt goes on with it.
     void loginRequired(const Tlv::LoginRequest& request);
 
     /// A request has failed whose login is kept: loading it again uses it. Never twice for the same login.

@@ -8,18 +8,31 @@
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QProxyStyle>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QStyleFactory>
 
 namespace {
 
 const char ICON_THEME[] = "Adwaita";
 
+/// Fusion, with a button for what a toolbar has no room for that can be touched.
+class Style : public QProxyStyle
+{
+public:
+    Style() : QProxyStyle("Fusion") {}
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        return metric == PM_ToolBarExtensionExtent ? TOUCH_SIZE
+                                                   : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
+
 } // namespace
 
 QString setLooks()
 {
-    qApp->setStyle(QStyleFactory::create("Fusion"));
+    qApp->setStyle(new Style);
     QFile sheet(":/kiosk/style.qss");
     if (sheet.open(QIODevice::ReadOnly))
         qApp->setStyleSheet(

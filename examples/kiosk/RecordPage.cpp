@@ -30,6 +30,7 @@ RecordPage::RecordPage(const QString& title, const QString& emptyText, Tlv::Reco
     connect(search, &QLineEdit::textChanged, filter, &QSortFilterProxyModel::setFilterFixedString);
 
     auto* hint = new QLabel(emptyText);
+    hint->setWordWrap(true);
     const auto showHint = [hint, &model] { hint->setVisible(model.count() == 0); };
     connect(&model, &Tlv::RecordModel::countChanged, hint, showHint);
     showHint();

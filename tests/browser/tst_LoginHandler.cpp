@@ -65,7 +65,6 @@ private slots:
     void nobodyIsAskedForEver_data();
     void nobodyIsAskedForEver();
     void unansweredRequestFails();
-    void requestMayEndWhileItsLoginIsAskedFor();
     void answerMayComeLater_data();
     void answerMayComeLater();
     void keptLoginThatIsWrongIsReplaced();
@@ -215,30 +214,6 @@ void tst_LoginHandler::unansweredRequestFails()
     QSignalSpy questions(&handler, &LoginHandler::loginRequired);
     QCOMPARE(get(manager, site_->address("/basic")), 401);
     QCOMPARE(questions.count(), 1);
-}
-
-void tst_LoginHandler::requestMayEndWhileItsLoginIsAskedFor()
-{
-    LoginModel logins;
-    logins.load(dir_->path());
-    Browser browser(logins);
-    const auto connection =
-        connect(&browser.handler, &LoginHandler::loginRequired, &browser.handler, [&browser] {
-            for (QNetworkReply* reply : browser.manager.findChildren<QNetworkReply*>())
-                delete reply; // as a page does that is left behind the dialog
-        });
-    QNetworkReply* reply = browser.manager.get(QNetworkRequest(QUrl(site_->address("/basic"))));
-    QSignalSpy ends(reply, &QObject::destroyed);
-    QVERIFY(ends.wait());
-    QCOMPARE(browser.questions.size(), 1);
-    disconnect(connection);
-
-    // The next request, whose reply may lie where that one was, begins from the beginning.
-    browser.answers = {{"bob", "wrong"}, {"bob", "wrong again"}, {"bob", "builder"}};
-    QCOMPARE(get(browser.manager, site_->address("/basic")), 200);
-    QCOMPARE(browser.questions.size(), 4);
-    QVERIFY(!browser.questions.at(1).wasRefused);
-    QCOMPARE(logins.count(), 1);
 }
 
 void tst_LoginHandler::answerMayComeLater_data()

@@ -487,8 +487,7 @@ void tst_kiosk::failedSaveIsToldAndTriedAgain()
     QCOMPARE(tlvctl({"bookmarks", "list", "--json", user()})["count"].toInt(), 1);
 }
 
-// --- History and bookmarks
-// ----------------------------------------------------------------------------------
+// --- History and bookmarks ---------------------------------------------------------------------------------
 
 void tst_kiosk::revisitedPageMovesToTheFront()
 {
@@ -573,8 +572,7 @@ void tst_kiosk::bookmarkAgainReplacesTheFirst()
              (QStringList{"000002.PNG", "000003.PNG"}));
 }
 
-// --- Cookies
-// --------------------------------------------------------------------------------------------------
+// --- Cookies -----------------------------------------------------------------------------------------------
 
 void tst_kiosk::cookiesAreKeptWithAllTheyHave()
 {
@@ -614,8 +612,7 @@ void tst_kiosk::cookieDocumentAloneIsTaken()
     QVERIFY(QFile::exists(user() + "cookie.ini"));
 }
 
-// --- Logins
-// ---------------------------------------------------------------------------------------------------
+// --- Logins ------------------------------------------------------------------------------------------------
 
 void tst_kiosk::refusedLoginIsReplaced()
 {
@@ -650,8 +647,7 @@ void tst_kiosk::oldestLoginGoesWhenTheStoreIsFull()
     QCOMPARE(logins.last().toObject()["host"].toString(), QString("host1")); // host0 was the oldest
 }
 
-// --- Preferences
-// ----------------------------------------------------------------------------------------------
+// --- Preferences -------------------------------------------------------------------------------------------
 
 void tst_kiosk::preferencesTakeEffect()
 {
@@ -699,8 +695,7 @@ void tst_kiosk::proxyIsUsedButNotForTheDevice()
         QVERIFY(!request.target.contains("inner.test"));
 }
 
-// --- The command line
-// -----------------------------------------------------------------------------------------
+// --- The command line --------------------------------------------------------------------------------------
 
 void tst_kiosk::wrongUsage_data()
 {
