@@ -297,6 +297,35 @@ std::vector<std::pair<qint64, qint64>> placesOf(const QByteArray& bytes, const Q
     return places;
 }
 
+/// The leaves of preferences that the damage did not touch, as they stand in the file.
+QList<QByteArray> leavesBeside(int begin, int end, const QByteArray& healthy)
+{
+    QList<QByteArray> leaves;
+    int at = 0;
+    for (const QByteArray& line : healthy.split('\n')) {
+        const bool isTouched = at <= end && at + line.size() >= begin;
+        if (!isTouched && (line.contains("</") || line.contains("/>")) && line.trimmed().count('<') > 0 &&
+            line.startsWith("        "))
+            leaves.append(line);
+        at += static_cast<int>(line.size()) + 1;
+    }
+    return leaves;
+}
+
+/// The cookies "nameN=..." of a cookie.ini that the damage did not touch.
+QList<QByteArray> cookiesBeside(int begin, int end, const QByteArray& healthy)
+{
+    const int lengthBytes = 16; // in front of each cookie, escaped
+    QList<QByteArray> cookies;
+    for (auto at = healthy.indexOf("name"); at >= 0;) {
+        const auto next = healthy.indexOf("name", at + 1);
+        if (begin > (next < 0 ? healthy.size() : next) || end < at - lengthBytes)
+            cookies.append(healthy.mid(at, 5));
+        at = next;
+    }
+    return cookies;
+}
+
 QStringList cookiesIn(const QString& dir)
 {
     QString iniDir = dir;
@@ -338,6 +367,13 @@ void tst_tlvctl_damages::tryDamage(const QString& dir, const QString& name, cons
     }
     QCOMPARE(textsOf(checkDirectory(dir, Repair::NONE), false), textsOf(repaired, true));
     QCOMPARE(readFile(report->keptAs), damage.bytes);
+    for (const QByteArray& leaf :
+         name.startsWith("repostry") ? leavesBeside(damage.begin, damage.end, healthy) : QList<QByteArray>())
+        QVERIFY2(after.contains(leaf), (before + "\nlost: " + leaf).constData());
+    const QString cookies = name == "cookie.ini" ? cookiesIn(dir).join('\n') : QString();
+    for (const QByteArray& cookie :
+         name == "cookie.ini" ? cookiesBeside(damage.begin, damage.end, healthy) : QList<QByteArray>())
+        QVERIFY2(cookies.contains(cookie + "=value"), (before + "\nlost: " + cookie).constData());
     const char* const record = recordOf(name);
     if (!record)
         return;
