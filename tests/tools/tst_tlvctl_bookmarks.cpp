@@ -471,11 +471,12 @@ void tst_tlvctl_bookmarks::renamedBookmarkKeepsTheRest()
 
 void tst_tlvctl_bookmarks::renameToTheSameChangesNothing()
 {
-    writeFile(filePath(), "<b><bookmark><title>t</title></bookmark></b>");
+    writeFile(filePath(), "<bookmarks><bookmark><title>t</title></bookmark></bookmarks>");
     const Run run = tlvctl({"bookmarks", "rename", path(), "0", "t"});
     QCOMPARE(run.code, 0);
     QCOMPARE(run.out, QByteArray("as is    000  t  \n"));
-    QCOMPARE(readFile(filePath()), QByteArray("<b><bookmark><title>t</title></bookmark></b>"));
+    QCOMPARE(readFile(filePath()),
+             QByteArray("<bookmarks><bookmark><title>t</title></bookmark></bookmarks>"));
 }
 
 void tst_tlvctl_bookmarks::renameRefusesALongTitle()
@@ -565,7 +566,7 @@ void tst_tlvctl_bookmarks::thumbnailReplacesThePicture()
 
 void tst_tlvctl_bookmarks::thumbnailNeedsItsElement()
 {
-    const QByteArray file = "<b><bookmark><title>t</title></bookmark></b>";
+    const QByteArray file = "<bookmarks><bookmark><title>t</title></bookmark></bookmarks>";
     writePicture("../page.png");
     writeFile(filePath(), file);
     const Run run = tlvctl({"bookmarks", "thumbnail", path(), "0", path() + "page.png"});

@@ -38,6 +38,8 @@ private slots:
     void otherThingsInItsPlace_data() { bytes_data(); }
     void otherThingsInItsPlace();
     void modes();
+    void owners();
+    void cleanupTestCase() { QDir(dir_).removeRecursively(); }
 
 private:
     /// What was done to a file's bytes: those from begin to end were replaced.
@@ -297,6 +299,35 @@ std::vector<std::pair<qint64, qint64>> placesOf(const QByteArray& bytes, const Q
     return places;
 }
 
+/// The leaves of preferences that the damage did not touch, as they stand in the file.
+QList<QByteArray> leavesBeside(int begin, int end, const QByteArray& healthy)
+{
+    QList<QByteArray> leaves;
+    int at = 0;
+    for (const QByteArray& line : healthy.split('\n')) {
+        const bool isTouched = at <= end && at + line.size() >= begin;
+        if (!isTouched && (line.contains("</") || line.contains("/>")) && line.trimmed().count('<') > 0 &&
+            line.startsWith("        "))
+            leaves.append(line);
+        at += static_cast<int>(line.size()) + 1;
+    }
+    return leaves;
+}
+
+/// The cookies "nameN=..." of a cookie.ini that the damage did not touch.
+QList<QByteArray> cookiesBeside(int begin, int end, const QByteArray& healthy)
+{
+    const int lengthBytes = 16; // in front of each cookie, escaped
+    QList<QByteArray> cookies;
+    for (auto at = healthy.indexOf("name"); at >= 0;) {
+        const auto next = healthy.indexOf("name", at + 1);
+        if (begin > (next < 0 ? healthy.size() : next) || end < at - lengthBytes)
+            cookies.append(healthy.mid(at, 5));
+        at = next;
+    }
+    return cookies;
+}
+
 QStringList cookiesIn(const QString& dir)
 {
     QString iniDir = dir;
@@ -338,6 +369,13 @@ void tst_tlvctl_damages::tryDamage(const QString& dir, const QString& name, cons
     }
     QCOMPARE(textsOf(checkDirectory(dir, Repair::NONE), false), textsOf(repaired, true));
     QCOMPARE(readFile(report->keptAs), damage.bytes);
+    for (const QByteArray& leaf :
+         name.startsWith("repostry") ? leavesBeside(damage.begin, damage.end, healthy) : QList<QByteArray>())
+        QVERIFY2(after.contains(leaf), (before + "\nlost: " + leaf).constData());
+    const QString cookies = name == "cookie.ini" ? cookiesIn(dir).join('\n') : QString();
+    for (const QByteArray& cookie :
+         name == "cookie.ini" ? cookiesBeside(damage.begin, damage.end, healthy) : QList<QByteArray>())
+        QVERIFY2(cookies.contains(cookie + "=value"), (before + "\nlost: " + cookie).constData());
     const char* const record = recordOf(name);
     if (!record)
         return;
@@ -466,7 +504,33 @@ void tst_tlvctl_damages::modes()
         }
         QCOMPARE(QDir(dir).entryList(QDir::Files), QStringList{name}); // no copy for that
     }
-    QDir(dir_).removeRecursively();
+}
+
+/// What the owner of the directory may not read is found in every file, and left to a person.
+void tst_tlvctl_damages::owners()
+{
+    for (const File& file : FILES) {
+        const QString name = file.name;
+        if (recordOf(name) == nullptr && name.endsWith(".PNG"))
+            continue;
+        const QString dir = dir_ + '/' + name + '/';
+        const QByteArray path = (dir + name).toUtf8();
+        const auto tellsBoth = [&] {
+            const QStringList found = textsOf(checkDirectory(dir, Repair::NONE), false);
+            return found.size() == 1 && textsOf(checkDirectory(dir, Repair::DO), true) == found;
+        };
+        const QByteArray healthy = readFile(dir + name);
+        QVERIFY(chmod(path.constData(), 0) == 0);
+        QVERIFY2(tellsBoth(), file.name);
+        QVERIFY(chmod(path.constData(), 0600) == 0);
+        if (geteuid() == 0) {
+            QVERIFY(chown(path.constData(), 1234, 4321) == 0);
+            QVERIFY2(tellsBoth(), file.name);
+            QVERIFY(chown(path.constData(), 0, 0) == 0);
+        }
+        QVERIFY(textsOf(checkDirectory(dir, Repair::NONE), false).isEmpty());
+        QCOMPARE(readFile(dir + name), healthy);
+    }
 }
 
 QTEST_APPLESS_MAIN(tst_tlvctl_damages)

@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,6 +28,11 @@ private slots:
     void heldDirectoryIsRefused();
     void staleLockStopsNobody();
     void eightCommandsChangeOneAfterTheOther();
+    void otherDocumentsAreRefused_data();
+    void otherDocumentsAreRefused();
+    void largeFilesTakeLittleMemory();
+    void largeFilesShowABar_data();
+    void largeFilesShowABar();
     void conversionsRefuseOtherDocuments();
     void conversionsRefuseDamagedSources();
     void packOfNothingReplacesNothing();
@@ -44,6 +51,7 @@ private slots:
     void profilesAreLookedThrough();
     void missingListsAreTold();
     void strangeContentIsTold();
+    void lockedOutOwnersAreTold();
     void repairCanBeTried();
     void needlessRepairLeavesNoCopy();
 
@@ -137,6 +145,116 @@ void tst_tlvctl_harmless::eightCommandsChangeOneAfterTheOther()
         QCOMPARE(run->exitCode(), 0);
     }
     QCOMPARE(jsonOf(tlvctl({"fonts", "list", "--json", path()}).out)["count"].toInt(), 8);
+}
+
+void tst_tlvctl_harmless::otherDocumentsAreRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("command");
+    const auto row = [](const char* name, const QStringList& command) {
+        QTest::newRow(qPrintable(command.mid(0, 2).join(' '))) << QString(name) << command;
+    };
+    row("bookmark.xml", {"bookmarks", "add", "DIR", "h"});
+    row("bookmark.xml", {"bookmarks", "rename", "DIR", "0", "t"});
+    row("bookmark.xml", {"bookmarks", "remove", "DIR", "0"});
+    row("bookmark.xml", {"bookmarks", "import", "DIR", "DIR/in.html"});
+    row("visit.xml", {"history", "add", "DIR", "h"});
+    row("visit.xml", {"history", "remove", "DIR", "0"});
+    row("authinfo.xml", {"auth", "add", "DIR", "h", "80", "--type", "basic", "--user", "u"});
+    row("authinfo.xml", {"auth", "remove", "DIR", "0"});
+    row("fontlist.xml", {"fonts", "add", "DIR", "f"});
+    row("repostry.xml", {"prefs", "set", "common", "DIR", "proxy.host", "h"});
+    row("repostry_private.xml", {"prefs", "import", "user", "DIR", "DIR/in.json"});
+    row("cookies.xml", {"cookies", "import", "DIR", "DIR/in.txt", "--document", "DIR/cookies.xml"});
+}
+
+void tst_tlvctl_harmless::otherDocumentsAreRefused()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, command);
+    command.replaceInStrings("DIR", path().left(path().size() - 1));
+    writeFile(path("in.html"), "<DL><DT><A HREF=\"h\">t</A></DL>");
+    writeFile(path("in.json"), "{\"user\": {\"page.zoom\": \"1.0\"}}");
+    writeFile(path("in.txt"), "a\tFALSE\t/\tFALSE\t0\tn\tv\n");
+    const QByteArray other = "<thumbnail docInfo=\"1.0\">\n    <image src=\"1.png\"/>\n</thumbnail>\n";
+    writeFile(path(name), other);
+    const Run run = tlvctlReading("secret", command);
+    QCOMPARE(run.code, 1);
+    QVERIFY(complains(run, path(name), {"another document: its root is \"thumbnail\"", "--force"}));
+    QCOMPARE(readFile(path(name)), other);
+    QVERIFY(!QFile::exists(path(name + ".bak")));
+    if (command.contains("remove") || command.contains("rename"))
+        return; // there is nothing that these could change
+    QCOMPARE(tlvctlReading("secret", command + QStringList{"--force"}).code, 0);
+    QCOMPARE(readFile(path(name + ".bak")), other);
+}
+
+/// Many bookmarks, of about as many bytes.
+QByteArray bookmarksOf(int bytes)
+{
+    QByteArray xml = "<bookmarks docInfo=\"1.0\">";
+    for (int i = 0; xml.size() < bytes; ++i)
+        xml +=
+            "<bookmark id=\"" + QByteArray::number(i).rightJustified(3, '0') +
+            "\"><href>http://example.com/</href><title>A title of some length</title><thumbnail/></bookmark>";
+    return xml + "</bookmarks>";
+}
+
+void tst_tlvctl_harmless::largeFilesTakeLittleMemory()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("the sanitizer takes memory of its own");
+#endif
+    const int size = 10000000;
+    writeFile(path("bookmark.xml"), bookmarksOf(size));
+    for (const QStringList& command :
+         {QStringList{"show", path("bookmark.xml")}, QStringList{"bookmarks", "show", path(), "0"},
+          QStringList{"check", path()}}) {
+        QVERIFY(tlvctl(command).code != 2);
+        // The tree that the library loads takes about nine bytes for each of the file; two of them never are.
+        rusage usage;
+        QCOMPARE(getrusage(RUSAGE_CHILDREN, &usage), 0);
+        QVERIFY2(usage.ru_maxrss * 1024 < 16LL * size,
+                 qPrintable(command.join(' ') + QString(": %1 KiB").arg(usage.ru_maxrss)));
+    }
+}
+
+void tst_tlvctl_harmless::largeFilesShowABar_data()
+{
+    QTest::addColumn<QStringList>("command");
+    QTest::addColumn<bool>("isShown");
+    QTest::newRow("show") << QStringList{"show", "DIR/bookmark.xml"} << true;
+    QTest::newRow("check") << QStringList{"check", "DIR"} << true;
+    QTest::newRow("list") << QStringList{"bookmarks", "list", "DIR"} << true;
+    QTest::newRow("XBEL") << QStringList{"bookmarks", "import", "DIR", "DIR/in.xbel"} << true;
+    QTest::newRow("HTML") << QStringList{"bookmarks", "import", "DIR", "DIR/in.html"} << true;
+    QTest::newRow("report") << QStringList{"report", "DIR", "DIR/out.html"} << true;
+    QTest::newRow("small") << QStringList{"show", "DIR/fontlist.xml"} << false;
+}
+
+void tst_tlvctl_harmless::largeFilesShowABar()
+{
+    QFETCH(QStringList, command);
+    QFETCH(bool, isShown);
+    command.replaceInStrings("DIR", path().left(path().size() - 1));
+    writeFile(path("fontlist.xml"), fontList({"Sans"}));
+    writeFile(path("bookmark.xml"), bookmarksOf(3000000));
+    writeFile(path("in.xbel"), "<xbel>" + QByteArray(3000000, ' ') + "</xbel>");
+    writeFile(path("in.html"), "<DL>" + QByteArray(3000000, ' ') + "</DL>");
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    QVERIFY(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    QProcess process;
+    process.setStandardErrorFile(ptsname(terminal));
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.start(TLVCTL, command);
+    QVERIFY(process.waitForFinished(120000));
+    std::vector<char> bytes(65536);
+    const ssize_t count = read(terminal, bytes.data(), bytes.size());
+    const QByteArray shown(bytes.data(), static_cast<int>(std::max<ssize_t>(0, count)));
+    close(terminal);
+    QCOMPARE(shown.startsWith("\r[" + QByteArray(40, ' ') + "]   0 %"), isShown);
+    QCOMPARE(shown.contains('#'), isShown);
+    QVERIFY(!isShown || shown.contains("\r\033[K")); // the line is empty behind it
 }
 
 void tst_tlvctl_harmless::conversionsRefuseOtherDocuments()
@@ -311,6 +429,17 @@ void tst_tlvctl_harmless::changesSpeakJson()
     QCOMPARE(json["file"].toString(), path("fontlist.xml"));
     QCOMPARE(json["dryRun"].toBool(), false);
     QCOMPARE(json["changes"].toArray(), QJsonArray{"000  Sans"});
+
+    writeFile(path("cookie.ini"), COOKIES);
+    const QJsonObject from =
+        jsonOf(tlvctl({"cookies", "from-ini", path(), path("cookies.xml"), "--json"}).out);
+    QCOMPARE(from["file"].toString(), path("cookies.xml"));
+    QCOMPARE(from["changes"].toArray(), (QJsonArray{"added    000  a    ", "unchanged: 0"}));
+    const QJsonObject to =
+        jsonOf(tlvctl({"cookies", "to-ini", path("cookies.xml"), path(), "--json", "--dry-run"}).out);
+    QCOMPARE(to["file"].toString(), path("cookie.ini"));
+    QCOMPARE(to["dryRun"].toBool(), true);
+    QCOMPARE(to["changes"].toArray(), QJsonArray{"unchanged: 1"});
 }
 
 void tst_tlvctl_harmless::notesAreBounded()
@@ -396,6 +525,40 @@ void tst_tlvctl_harmless::strangeContentIsTold()
     QVERIFY(findingsOf("<history/>").contains("its root is \"history\" instead of \"fontlist\""));
     QVERIFY(findingsOf("<fontlist><font id=\"000\">S</font><font id=\"000\">T</font></fontlist>")
                 .contains("numbers that stand otherwise"));
+    writeFile(path("authinfo.xml"),
+              "<authentication docInfo=\"1.0\"><authInfo id=\"000\"><user>a</user><user>b</user></authInfo>"
+              "</authentication>");
+    QVERIFY(tlvctl({"check", path()}).out.contains("    a second element \"user\" at line 1, column "));
+    writeFile(path("repostry.xml"), "<repostry_common docInfo=\"1.0\"><proxy/><proxy/></repostry_common>");
+    QVERIFY(tlvctl({"check", path()}).out.contains("    a second element \"proxy\" at line 1, column "));
+    QVERIFY(tlvctl({"check", "--repair", path()}).out.contains("    remains: a second element \"proxy\""));
+}
+
+void tst_tlvctl_harmless::lockedOutOwnersAreTold()
+{
+    if (geteuid() != 0)
+        QSKIP("only the superuser gives files away");
+    writeFile(path("fontlist.xml"), fontList({"Sans"}));
+    const QByteArray file = path("fontlist.xml").toUtf8();
+    const auto tellsMode = [&](mode_t mode, const char* told) {
+        return chmod(file.constData(), mode) == 0 &&
+               tlvctl({"check", path()})
+                   .out.contains(
+                       QByteArray("may not be read by the owner of its directory (the file's owner is "
+                                  "1234, its mode ") +
+                       told + ')');
+    };
+    QCOMPARE(chown(file.constData(), 1234, 4321), 0);
+    QVERIFY(!tellsMode(0644, "0644"));
+    QVERIFY(!tellsMode(0604, "0604"));
+    QCOMPARE(chmod(file.constData(), 0640), 0);
+    QCOMPARE(tlvctl({"check", path()}).code, 1); // of another group, too
+    QCOMPARE(chown(file.constData(), 1234, 0), 0);
+    QCOMPARE(tlvctl({"check", path()}).code, 0);
+    QVERIFY(chmod(file.constData(), 0) == 0 && chown(file.constData(), 0, 0) == 0);
+    const Run run = tlvctl({"check", path()});
+    QCOMPARE(run.code, 1);
+    QVERIFY(run.out.contains("cannot be read: Permission denied"));
 }
 
 void tst_tlvctl_harmless::repairCanBeTried()

@@ -104,6 +104,7 @@ private slots:
     void everythingIsWrittenWhereTheTerminalHasNoWidth();
     void wideCharactersKeepTheColumnsStraight();
     void hugeCellIsCutAtOnce();
+    void firstColumnIsKeptWhereItIsNeeded();
 };
 
 void tst_tlvctl_table::widthIsThatOfATerminal_data()
@@ -245,6 +246,18 @@ void tst_tlvctl_table::hugeCellIsCutAtOnce()
     table.addRow({QString(10000000, 'x'), QString(9000000, 'y')});
     QCOMPARE(onTerminal(table, 40), utf8("a                    b\n") + QString(18, 'x') + utf8("\u2026  ") +
                                         QString(18, 'y') + utf8("\u2026\n"));
+}
+
+/// "prefs set" needs the names that "prefs show" prints.
+void tst_tlvctl_table::firstColumnIsKeptWhereItIsNeeded()
+{
+    Table table({"name", "value", "meaning"}, true);
+    table.addRow({QString("page.name-of-twenty-5"), QString(30, 'v'), QString(30, 'm')});
+    QCOMPARE(onTerminal(table, 40), utf8("name                   value     meaning\n"
+                                         "page.name-of-twenty-5  vvvvvvv\u2026  mmmmmmm\u2026\n"));
+    Table cut({"name", "value", "meaning"});
+    cut.addRow({QString("page.name-of-twenty-5"), QString(30, 'v'), QString(30, 'm')});
+    QVERIFY(!onTerminal(cut, 40).contains("page.name-of-twenty-5"));
 }
 
 TLVLIB_TEST_MAIN(tst_tlvctl_table)

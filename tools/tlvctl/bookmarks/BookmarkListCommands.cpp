@@ -84,19 +84,15 @@ int showBookmark(const QCommandLineParser& arguments)
     if (!number)
         return WRONG_USAGE;
     BookmarkList list(pathArgument(arguments));
-    if (!list.file().checkDirectory())
+    const std::optional<Document> document = loadToRead(list);
+    if (!document)
         return FAILED;
-    const QString path = list.file().path();
-    const Document document = readDocument(path);
-    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
-        return FAILED;
-    list.load();
     if (!hasRecord(list, *number)) {
-        complain(path, noSuchRecord(*number));
+        complain(list.file().path(), noSuchRecord(*number));
         return FAILED;
     }
-    return listStore(
-        list, arguments, [&] { printBookmark(list.record(*number)); },
+    return showLoaded(
+        list, *document, arguments, [&] { printBookmark(list.record(*number)); },
         [&](JsonWriter& json) { writeBookmark(json, list.record(*number)); });
 }
 

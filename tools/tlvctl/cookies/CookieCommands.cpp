@@ -298,9 +298,9 @@ int convert(const Conversion& conversion, bool isToIni, const QCommandLineParser
     const StoreFile& source = isToIni ? conversion.document() : conversion.ini();
     const StoreFile& target = isToIni ? conversion.ini() : conversion.document();
     const bool isForced = arguments.isSet("force");
-    const CookieDocument root(conversion.document().path());
-    if (!isForced && (!conversion.document().checkReplaceable(false) ||
-                      !root.checkRoot(readDocument(conversion.document().path()))))
+    const CookieDocument store(conversion.document().path());
+    const Document read = isForced ? Document() : readDocument(conversion.document().path());
+    if (!isForced && (!store.file().checkReplaceable(read) || !store.checkRoot(read)))
         return FAILED;
     if (!target.checkWritable() || !conversion.begin())
         return FAILED;
@@ -328,7 +328,10 @@ int convert(const Conversion& conversion, bool isToIni, const QCommandLineParser
                          .arg(lost));
     if (!isDryRun(arguments) && !write(conversion, isToIni, lines))
         return FAILED;
-    printResult(conversion, target, isDryRun(arguments), lines, *ini, document);
+    if (arguments.isSet("json"))
+        tellChanges(target, arguments, lines);
+    else
+        printResult(conversion, target, isDryRun(arguments), lines, *ini, document);
     return DONE;
 }
 

@@ -263,7 +263,7 @@ int importIntoIni(const std::vector<QNetworkCookie>& wanted, const QStringList& 
     }
     if (isSaving && !saveIni(ini, after(plan, present)))
         return FAILED;
-    tellChanges(ini, arguments, changes);
+    tellChanges(ini, arguments, changes, !plan.added.empty());
     return DONE;
 }
 

@@ -269,6 +269,23 @@ namespace {
 
 const int LENGTH_BYTES = 4;
 
+/// The bytes of an INI file without quotation marks inside of a value, where QSettings would end it: those of
+/// a browser are escaped.
+QByteArray withOuterQuotes(const QByteArray& ini)
+{
+    QByteArray mended;
+    const auto first = ini.indexOf('"');
+    const auto last = ini.lastIndexOf('"');
+    bool isEscaped = false;
+    for (decltype(ini.size()) i = 0; i < ini.size(); ++i) {
+        const char c = ini.at(i);
+        if (c != '"' || isEscaped || i <= first || i >= last)
+            mended += c;
+        isEscaped = c == '\\' && !isEscaped;
+    }
+    return mended;
+}
+
 /// The cookie whose length and form begin here; nothing when it is not one whole cookie.
 std::optional<QNetworkCookie> cookieAt(const QByteArray& stored, int at, int& behind)
 {
@@ -291,7 +308,12 @@ std::optional<QNetworkCookie> cookieAt(const QByteArray& stored, int at, int& be
 
 QList<QNetworkCookie> recoverCookies(const QString& dir, int& lost, QByteArray& rejected)
 {
-    QSettings settings(dir + INI_NAME, QSettings::IniFormat);
+    QFile file(dir + INI_NAME);
+    QTemporaryFile copy;
+    if (!file.open(QIODevice::ReadOnly) || !copy.open() || copy.write(withOuterQuotes(file.readAll())) < 0 ||
+        !copy.flush())
+        return {};
+    QSettings settings(copy.fileName(), QSettings::IniFormat);
     QByteArray stored = settings.value("Cookie/cookies").toByteArray();
     for (const QString& key : settings.allKeys()) {
         if (stored.isEmpty())

@@ -109,11 +109,11 @@ int exportStore(Store& store, const QString& path, const QCommandLineParser& arg
     if (!store.file().checkDirectory())
         return FAILED;
     const QString source = store.file().path();
-    const Document document = readDocument(source);
+    Document document = readDocument(source);
     const bool isDefault = document.state == Document::State::MISSING && store.hasDefaults();
     if (!isDefault && !checkReadable(source, document, "name the directory of a file that can be"))
         return FAILED;
-    store.load();
+    store.load(std::move(document.root));
     const Export made = make();
     if (!writeExport(path, made.bytes, made.readers, arguments))
         return FAILED;

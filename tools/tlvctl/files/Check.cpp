@@ -195,6 +195,7 @@ std::optional<Plan> planDocument(const DocumentKind& kind, const QString& dir)
 QStringList checkDocument(const DocumentKind& kind, const QString& dir)
 {
     const QString path = dir + kind.name;
+    const bool isHiding = hidesRecords(contentOf(path), kind.form);
     Document document = readDocument(path);
     QStringList lines;
     if (document.state == Document::State::DAMAGED)
@@ -205,7 +206,7 @@ QStringList checkDocument(const DocumentKind& kind, const QString& dir)
                          .arg(quoted(document.root->getName()), kind.form.root));
     if (document.state == Document::State::COMPLETE)
         lines += strayContent(path, kind.form);
-    if (hidesRecords(contentOf(path), kind.form))
+    if (isHiding)
         lines.append(HIDDEN_RECORDS);
     return lines + kind.findings(dir, std::move(document));
 }
@@ -227,7 +228,7 @@ DocumentKind storeKind(Make make, Findings findings)
     kind.form = store->form();
     kind.findings = [=](const QString& dir, Document document) {
         const auto loaded = make(dir);
-        loaded->load(std::move(document));
+        loaded->load(std::move(document.root));
         return findings(*loaded);
     };
     kind.loadAndSave = [=](const QString& dir) {
@@ -362,6 +363,22 @@ QString exposureOf(const QString& path)
         .arg(info.st_mode & 07777, 4, 8, QLatin1Char('0'));
 }
 
+/// Whether the owner of the directory, who runs the browser, may not even read the file; empty when he may.
+QString lockOutOf(const QString& path)
+{
+    struct stat info;
+    struct stat dir;
+    if (stat(QFile::encodeName(path).constData(), &info) != 0 ||
+        stat(QFile::encodeName(QFileInfo(path).path()).constData(), &dir) != 0)
+        return QString();
+    const mode_t group = info.st_gid == dir.st_gid ? S_IRGRP | S_IROTH : S_IROTH;
+    if ((info.st_mode & (info.st_uid == dir.st_uid ? mode_t(S_IRUSR) : group)) != 0)
+        return QString();
+    return QString("may not be read by the owner of its directory (the file's owner is %1, its mode %2)")
+        .arg(info.st_uid)
+        .arg(info.st_mode & 07777, 4, 8, QLatin1Char('0'));
+}
+
 bool conceal(const QString& path)
 {
     struct stat info;
@@ -373,8 +390,11 @@ bool conceal(const QString& path)
 QStringList findingsBeside(const CheckedFile& file, const QString& dir)
 {
     QStringList lines = file.name == "bookmark.xml" ? checkRoom(dir) : QStringList();
-    const QString exposure = exposureOf(dir + file.name);
-    return exposure.isEmpty() ? lines : lines << exposure;
+    for (const QString& line : {exposureOf(dir + file.name), lockOutOf(dir + file.name)}) {
+        if (!line.isEmpty())
+            lines.append(line);
+    }
+    return lines;
 }
 
 /// Why a file that is there cannot be read; empty when it can.

@@ -7,6 +7,7 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
+#include <QtCore/QSet>
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
@@ -307,6 +308,7 @@ QStringList strayContent(const QString& path, const DocumentForm& form)
     {
         bool hasChildren;
         bool hasText;
+        QSet<QString> children; ///< the names of those that may stand there once
     };
     std::vector<Open> open;
     while (!xml.atEnd()) {
@@ -322,6 +324,12 @@ QStringList strayContent(const QString& path, const DocumentForm& form)
             break;
         case QXmlStreamReader::StartElement: {
             if (!open.empty()) {
+                const bool isList = open.size() == 1 && form.record;
+                const QString name = xml.name().toString();
+                if (!isList && open.back().children.contains(name))
+                    add(QString("a second element %1").arg(quoted(name)));
+                else if (!isList)
+                    open.back().children.insert(name);
                 if (open.back().hasText && !open.back().hasChildren)
                     add("text between elements");
                 open.back().hasChildren = true;
@@ -337,7 +345,7 @@ QStringList strayContent(const QString& path, const DocumentForm& form)
             }
             if (!xml.namespaceDeclarations().isEmpty())
                 add("a namespace");
-            open.push_back({false, false});
+            open.push_back({false, false, {}});
             break;
         }
         case QXmlStreamReader::EndElement:

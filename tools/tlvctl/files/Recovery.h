@@ -48,10 +48,11 @@ bool hidesRecords(const QByteArray& bytes, const DocumentForm& form);
 bool isRootOfAnother(const QString& name, const DocumentForm& form);
 
 /// What a healthy document of this form has nowhere: comments, attributes and texts that the next change
-/// drops.
+/// drops, and a second element of a name in one record, of which the library reads the first.
 QStringList strayContent(const QString& path, const DocumentForm& form);
 
-/// Takes from a document all that strayContent() tells, and numbers its records.
+/// Takes from a document what strayContent() tells, and numbers its records. Second elements stay: a person
+/// has to say which one was meant.
 void normalise(TVNC_XMLNode& root, const DocumentForm& form);
 
 #endif

@@ -128,19 +128,17 @@ int importFonts(const QCommandLineParser& arguments)
         }
         plan = planImport(list, families);
         addAll(list, plan.added, changes);
+        changes.append(QString("%1 found: %2 added, %3 already listed, %4 skipped (name too long or "
+                               "unusable), %5 skipped (no number left)")
+                           .arg(families.size())
+                           .arg(plan.added.size())
+                           .arg(plan.listed)
+                           .arg(plan.unusable)
+                           .arg(plan.unnumbered));
         return plan.added.isEmpty() ? Outcome::UNCHANGED : Outcome::CHANGED;
     });
-    if (exitCode != DONE)
+    if (exitCode != DONE || plan.unnumbered == 0)
         return exitCode;
-    printLine(QString("%1 found: %2 added, %3 already listed, %4 skipped (name too long or unusable), "
-                      "%5 skipped (no number left)")
-                  .arg(families.size())
-                  .arg(plan.added.size())
-                  .arg(plan.listed)
-                  .arg(plan.unusable)
-                  .arg(plan.unnumbered));
-    if (plan.unnumbered == 0)
-        return DONE;
     complainAboutNumbers(list, QString("%1 skipped").arg(plan.unnumbered));
     return FAILED;
 }

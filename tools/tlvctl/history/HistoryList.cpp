@@ -108,6 +108,7 @@ void HistoryList::loadSetting()
 {
     QString dir = file().dir();
     store_.loadHistory(&dir, maximum_);
+    compareWithFile(std::move(fileRoot_));
 }
 
 void HistoryList::save()

@@ -69,9 +69,13 @@ public:
 
 protected:
     void loadSetting() override;
-    void compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override;
+    void takeFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override { fileRoot_ = std::move(fileRoot); }
 
 private:
+    /// Puts what was loaded beside the document in the file, of which there may be none.
+    void compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot);
+
+    std::unique_ptr<TVNC_XMLNode> fileRoot_; ///< between takeFile() and the end of loading
     int maximum_;
     std::vector<VisitRecord> loaded_;
     bool isSorted_ = true; ///< whether loading left the order as it is in the file

@@ -73,7 +73,7 @@ int getPreference(const QCommandLineParser& arguments)
     if (!preferences)
         return WRONG_USAGE;
     const Preference* const preference = findPreference(*preferences, arguments.positionalArguments().at(2));
-    if (!preference || !preferences->file().checkDirectory())
+    if (!preference)
         return FAILED;
     const bool withPasswords = arguments.isSet(SHOW_PASSWORDS);
     if (preference->isSecret && !withPasswords) {
@@ -81,11 +81,9 @@ int getPreference(const QCommandLineParser& arguments)
                  QString("%1 is only shown with --show-passwords").arg(preference->name));
         return FAILED;
     }
-    const QString path = preferences->file().path();
-    const Document document = readDocument(path);
-    if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
+    const std::optional<Document> document = loadToRead(*preferences);
+    if (!document)
         return FAILED;
-    preferences->load();
     const PreferenceRecord record = preferences->record(*preference);
     if (arguments.isSet("json")) {
         JsonWriter json;
@@ -95,7 +93,7 @@ int getPreference(const QCommandLineParser& arguments)
     } else {
         printLine(printableBytes(record.value));
     }
-    return exitCodeOfReading(path, document);
+    return exitCodeOfReading(preferences->file().path(), *document);
 }
 
 // --- set --------------------------------------------------------------------------------------------------

@@ -85,7 +85,7 @@ public:
 protected:
     Preferences(const QString& dir, const QString& name, const char* root, std::vector<Preference> table);
 
-    void compareWithFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override { fileRoot_ = std::move(fileRoot); }
+    void takeFile(std::unique_ptr<TVNC_XMLNode> fileRoot) override { fileRoot_ = std::move(fileRoot); }
 
 private:
     std::vector<Preference> table_;

@@ -9,6 +9,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <algorithm>
 #include <utility>
 
 #include <sys/stat.h>
@@ -52,6 +53,33 @@ Damage damageFoundBy(const TVNC_XMLReader& reader, QFile& file)
     return damage;
 }
 
+/// A file that shows how much of it was read. One of less than a step has no bar.
+class ShownFile : public QFile
+{
+public:
+    explicit ShownFile(const QString& path)
+        : QFile(path), steps_(size() / STEP_BYTES), progress_(static_cast<size_t>(steps_))
+    {
+    }
+
+protected:
+    qint64 readData(char* data, qint64 maximum) override
+    {
+        const qint64 bytes = QFile::readData(data, maximum);
+        for (read_ += bytes; done_ < std::min(steps_, read_ / STEP_BYTES); ++done_)
+            progress_.advance();
+        return bytes;
+    }
+
+private:
+    static const qint64 STEP_BYTES = 1 << 20;
+
+    qint64 steps_;
+    Progress progress_;
+    qint64 read_ = 0;
+    qint64 done_ = 0;
+};
+
 /// The same in all but their children.
 bool sameElement(TVNC_XMLNode& left, TVNC_XMLNode& right)
 {
@@ -78,7 +106,7 @@ QString problemWithPlace(const QString& path)
 Document readDocument(const QString& path)
 {
     Document document;
-    QFile file(path);
+    ShownFile file(path);
     document.problem = problemWithPlace(path);
     if (!document.problem.isEmpty()) {
         document.state = Document::State::UNREADABLE;
@@ -93,6 +121,7 @@ Document readDocument(const QString& path)
     }
     TVNC_XMLReader reader;
     document.root.reset(reader.read(file));
+    document.hasRoot = document.root != nullptr;
     if (file.error() != QFileDevice::NoError) { // the reader takes a failing disk for the end of the file
         document.state = Document::State::UNREADABLE;
         document.problem = file.errorString();
@@ -125,7 +154,7 @@ int exitCodeOfReading(const QString& path, const Document& document)
     if (document.state != Document::State::DAMAGED)
         return DONE;
     const QString damage = describe(document.damage);
-    if (document.root)
+    if (document.hasRoot)
         complain(path, damage + "; everything behind that place is not read. Correct the file there, or "
                                 "restore it from a copy");
     else

@@ -31,12 +31,14 @@ struct Document
     State state = State::MISSING;
     Damage damage;
     QString problem; ///< why a file that is missing or unreadable could not be read
-    std::unique_ptr<TVNC_XMLNode> root;
+    bool hasRoot = false;
+    std::unique_ptr<TVNC_XMLNode> root; ///< may have been taken
 };
 
 /// "Is a directory", "Is a FIFO" and so on; empty for a file, and where there is nothing.
 QString problemWithPlace(const QString& path);
 
+/// Reads a file, with a progress bar where it is large.
 Document readDocument(const QString& path);
 
 /// "damaged at line 3, column 17 (what the parser says)", fit for a terminal.

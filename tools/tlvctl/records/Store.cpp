@@ -61,11 +61,8 @@ bool StoreFile::checkDirectory() const
     return false;
 }
 
-bool StoreFile::checkReplaceable(bool isForced) const
+bool StoreFile::checkReplaceable(const Document& document) const
 {
-    if (isForced)
-        return true;
-    const Document document = readDocument(path());
     if (document.state == Document::State::DAMAGED) {
         complain(path(), describe(document.damage) +
                              "; nothing was changed, because saving would lose everything from "
@@ -147,19 +144,24 @@ bool Store::refuse(const QString& problem) const
     return false;
 }
 
+bool Store::hasOwnRoot(const Document& document) const
+{
+    return !document.root || document.root->getName() == form_.root;
+}
+
 bool Store::checkRoot(const Document& document) const
 {
-    return !document.root || document.root->getName() == form_.root ||
+    return hasOwnRoot(document) ||
            refuse(QString("another document: its root is %1 instead of \"%2\". Name the right file, or go on "
                           "with --force")
                       .arg(quoted(document.root->getName()), form_.root));
 }
 
-void Store::load(Document document)
+void Store::load(std::unique_ptr<TVNC_XMLNode> fileRoot)
 {
-    renumbered_ = countRenumbered(document.root.get());
+    renumbered_ = countRenumbered(fileRoot.get());
+    takeFile(std::move(fileRoot));
     loadSetting();
-    compareWithFile(std::move(document.root));
 }
 
 bool Store::saveChecked()

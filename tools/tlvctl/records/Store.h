@@ -31,8 +31,8 @@ public:
     /// Whether the directory exists.
     bool checkDirectory() const;
 
-    /// Whether the file may be replaced: no if that would lose what could not be read, unless forced.
-    bool checkReplaceable(bool isForced) const;
+    /// Whether the file may be replaced: no if that would lose what could not be read of this document.
+    bool checkReplaceable(const Document& document) const;
 
     /// Whether there is no file, or one that may be written.
     bool checkWritable() const;
@@ -83,12 +83,15 @@ public:
     bool refuse(const QString& problem) const;
 
     /// Has the store load the file. What becomes of it is not checked.
-    void load() { load(readDocument(file_.path())); }
+    void load() { load(readDocument(file_.path()).root); }
 
-    /// The same, where the document in the file was read already.
-    void load(Document document);
+    /// The same, where the file's document was read already. It goes before the store loads its own.
+    void load(std::unique_ptr<TVNC_XMLNode> fileRoot);
 
     /// Whether the file is no other document: its root, if there is one, has the store's name.
+    bool hasOwnRoot(const Document& document) const;
+
+    /// The same, with a complaint.
     bool checkRoot(const Document& document) const;
 
     /// Has the store save the file. What becomes of it is not checked.
@@ -124,8 +127,8 @@ public:
 protected:
     virtual void loadSetting() = 0;
 
-    /// Puts what was loaded beside the document in the file, of which there may be none.
-    virtual void compareWithFile(std::unique_ptr<TVNC_XMLNode> /*fileRoot*/) {}
+    /// Takes the document in the file, of which there may be none, before loading.
+    virtual void takeFile(std::unique_ptr<TVNC_XMLNode> /*fileRoot*/) {}
 
 private:
     StoreFile file_;

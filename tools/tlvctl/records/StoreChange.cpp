@@ -24,10 +24,10 @@ void writeChanges(const StoreFile& file, bool isDryRun, const QStringList& chang
     json.endObject();
 }
 
-void printChanges(const StoreFile& file, bool isDryRun, const QStringList& changes)
+void printChanges(const StoreFile& file, bool isDryRun, const QStringList& changes, bool isChanged)
 {
     const QString path = printable(file.path());
-    if (isDryRun && changes.isEmpty())
+    if (isDryRun && !isChanged)
         printLine(QString("dry run: nothing would change in %1").arg(path));
     else if (isDryRun)
         printLine(QString("dry run: nothing is written to %1, where this would change:").arg(path));
@@ -65,9 +65,9 @@ bool readNumbers(const QString& argument, std::set<int>& numbers)
 }
 
 /// Saves the store. Keeps a copy of what only --force replaces.
-bool save(Store& store, bool isForced, QStringList& changes)
+bool save(Store& store, bool isReplacing, QStringList& changes)
 {
-    if (isForced && readDocument(store.file().path()).state != Document::State::COMPLETE) {
+    if (isReplacing) {
         const std::optional<QString> copy = store.file().keepCopy();
         if (!copy)
             return false;
@@ -92,7 +92,9 @@ QList<QCommandLineOption> changeOptions(const QString& fileName, const QList<QCo
                jsonOption(),
                {DRY_RUN, "Write nothing, but say what would change."},
                {FORCE,
-                QString("Go on when %1 cannot be read to its end. A copy of it is kept.").arg(fileName)}};
+                QString("Go on when %1 cannot be read to its end, or is another document. A copy of it is "
+                        "kept.")
+                    .arg(fileName)}};
 }
 
 int changeStore(Store& store, const QCommandLineParser& arguments,
@@ -103,31 +105,35 @@ int changeStore(Store& store, const QCommandLineParser& arguments,
     DirectoryLock lock;
     if (!file.checkDirectory() || (!isDryRun(arguments) && !lock.take(file.dir())))
         return FAILED;
+    Document document = readDocument(file.path());
+    const bool isWhole = document.state == Document::State::COMPLETE && store.hasOwnRoot(document);
     const bool isForced = arguments.isSet(FORCE);
-    if (!file.checkReplaceable(isForced) || !file.checkWritable())
+    if ((!isForced && (!file.checkReplaceable(document) || !store.checkRoot(document))) ||
+        !file.checkWritable())
         return FAILED;
-    store.load();
+    store.load(std::move(document.root));
     QStringList changes;
     const Outcome outcome = change(changes);
     if (outcome == Outcome::REFUSED)
         return FAILED;
     if (outcome == Outcome::CHANGED) {
-        if (!isDryRun(arguments) && !save(store, isForced, changes))
+        if (!isDryRun(arguments) && !save(store, isForced && !isWhole, changes))
             return FAILED;
         if (finish)
             finish(changes);
         changes = store.changesOfLoading() + changes;
     }
-    tellChanges(file, arguments, changes);
+    tellChanges(file, arguments, changes, outcome == Outcome::CHANGED);
     return DONE;
 }
 
-void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes)
+void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes,
+                 bool isChanged)
 {
     if (arguments.isSet("json"))
         writeChanges(file, isDryRun(arguments), changes);
     else
-        printChanges(file, isDryRun(arguments), changes);
+        printChanges(file, isDryRun(arguments), changes, isChanged);
 }
 
 std::optional<int> parseNumber(const QString& text)

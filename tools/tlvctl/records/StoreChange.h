@@ -44,8 +44,10 @@ int changeStore(Store& store, const QCommandLineParser& arguments,
                 const std::function<Outcome(QStringList& changes)>& change,
                 const std::function<void(QStringList& changes)>& finish = nullptr);
 
-/// Prints what has changed in a file, or what would with "--dry-run", as text or JSON.
-void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes);
+/// Prints what has changed in a file, or what would with "--dry-run", as text or JSON. Where nothing does,
+/// lines may still tell why.
+void tellChanges(const StoreFile& file, const QCommandLineParser& arguments, const QStringList& changes,
+                 bool isChanged = true);
 
 /// The argument "NUMBER...", which removeRecords() takes.
 Argument numbersArgument();

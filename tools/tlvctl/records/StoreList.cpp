@@ -34,21 +34,33 @@ void printList(const Store& store, const Document& document, const std::function
 
 } // namespace
 
-int listStore(Store& store, const QCommandLineParser& arguments, const std::function<void()>& printText,
-              const std::function<void(JsonWriter&)>& writeMembers)
+std::optional<Document> loadToRead(Store& store)
 {
     if (!store.file().checkDirectory())
-        return FAILED;
+        return std::nullopt;
     const QString path = store.file().path();
-    const Document document = readDocument(path);
+    Document document = readDocument(path);
     if (document.state != Document::State::MISSING && !checkReadable(path, document, "make it readable"))
-        return FAILED;
-    store.load();
+        return std::nullopt;
+    store.load(std::move(document.root));
+    return document;
+}
+
+int showLoaded(const Store& store, const Document& document, const QCommandLineParser& arguments,
+               const std::function<void()>& printText, const std::function<void(JsonWriter&)>& writeMembers)
+{
     if (arguments.isSet("json"))
         writeList(store, document, writeMembers);
     else
         printList(store, document, printText);
-    return exitCodeOfReading(path, document);
+    return exitCodeOfReading(store.file().path(), document);
+}
+
+int listStore(Store& store, const QCommandLineParser& arguments, const std::function<void()>& printText,
+              const std::function<void(JsonWriter&)>& writeMembers)
+{
+    const std::optional<Document> document = loadToRead(store);
+    return document ? showLoaded(store, *document, arguments, printText, writeMembers) : FAILED;
 }
 
 void printRecords(int counted, const QStringList& header, const std::vector<ListedRecord>& records,

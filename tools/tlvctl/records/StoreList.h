@@ -17,6 +17,15 @@
  * the users of the store do not get to see.
  */
 
+/// Reads the file and loads the store. Complains and returns nothing when the file cannot be read; the
+/// document has no root any more.
+std::optional<Document> loadToRead(Store& store);
+
+/// Shows a store that was loaded so, as listStore() does.
+int showLoaded(const Store& store, const Document& document, const QCommandLineParser& arguments,
+               const std::function<void()>& printText,
+               const std::function<void(JsonWriter& json)>& writeMembers);
+
 /**
  * Reads the file, loads the store and shows it as text or, with "--json", as an object with the members
  * "file", "exists", "complete", "error", "count" and those that @a writeMembers adds. A damaged file is shown

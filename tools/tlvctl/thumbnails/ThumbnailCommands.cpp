@@ -198,10 +198,12 @@ int unpack(const QCommandLineParser& arguments)
 /// Whether the pack may be written: not over what is none, unless forced.
 bool checkReplaceable(const StoreFile& file, bool isForced)
 {
-    if (!file.checkReplaceable(isForced))
-        return false;
+    if (isForced)
+        return true;
     const Document document = readDocument(file.path());
-    if (isForced || document.state == Document::State::MISSING || isPack(document))
+    if (!file.checkReplaceable(document))
+        return false;
+    if (document.state == Document::State::MISSING || isPack(document))
         return true;
     complain(file.path(),
              "is there and is no pack of thumbnails; nothing was written. Name another file, or go on "
