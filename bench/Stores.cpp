@@ -33,6 +33,9 @@ TVNC_FontListSetting& fonts()
 void release()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Takes what was delivered out of Qt's list, as an event loop does. The call above leaves it there, and
+    // goes through all of it the next time.
+    QCoreApplication::sendPostedEvents();
 }
 
 void fillStore(const Format& format, QString dir, const Records& records)
