@@ -3,7 +3,7 @@
 
 #include "tlvlib/format/TVNG_documentForm.h"
 
-#include <QtCore/QtGlobal>
+#include <QtCore/QChar>
 
 /**
  * Where a byte may stand in a document without a second look. A zero may stand nowhere: behind the last byte
@@ -41,8 +41,11 @@ public:
 
     bool is(char c_byte, Kind kind) const { return (kinds_[static_cast<uchar>(c_byte)] & kind) != 0; }
 
-    /// The same for a unit of a QString. Only ASCII is of any kind.
-    bool is(ushort us_unit, Kind kind) const { return us_unit < 0x80 && (kinds_[us_unit] & kind) != 0; }
+    /// The same for a character. Only ASCII is of any kind.
+    bool is(QChar character, Kind kind) const
+    {
+        return character.unicode() < 0x80 && (kinds_[character.unicode()] & kind) != 0;
+    }
 
     /// The first byte that is not of a kind.
     const char* skip(const char* pc_bytes, Kind kind) const

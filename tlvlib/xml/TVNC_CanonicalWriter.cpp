@@ -52,11 +52,10 @@ private:
     {
         const QChar* const pc_name = name.data();
         const int si_size = static_cast<int>(name.size());
-        if (si_size == 0 || si_size > RUN_SIZE ||
-            !kinds_.is(pc_name[0].unicode(), TVNC_ByteKinds::NAME_START))
+        if (si_size == 0 || si_size > RUN_SIZE || !kinds_.is(pc_name[0], TVNC_ByteKinds::NAME_START))
             return false;
         int i = 1;
-        while (i < si_size && kinds_.is(pc_name[i].unicode(), TVNC_ByteKinds::IN_NAME))
+        while (i < si_size && kinds_.is(pc_name[i], TVNC_ByteKinds::IN_NAME))
             ++i;
         return i == si_size;
     }
@@ -182,10 +181,9 @@ private:
         char* const pc_to = room(si_most);
         int i = 0;
         for (; i < si_most; ++i) {
-            const ushort us_unit = pc_text[i].unicode();
-            if (!kinds_.is(us_unit, TVNC_ByteKinds::UNESCAPED))
+            if (!kinds_.is(pc_text[i], TVNC_ByteKinds::UNESCAPED))
                 break;
-            pc_to[i] = static_cast<char>(us_unit);
+            pc_to[i] = static_cast<char>(pc_text[i].unicode());
         }
         si_size_ += i;
         return pc_text + i;
