@@ -20,6 +20,14 @@ static int failingNode = 0;
 /// again.
 static int failingObject = 0;
 
+/// Whether the program ends with a report of leaks. A tree stays when memory does not suffice for its
+/// release.
+#ifdef __SANITIZE_ADDRESS__
+static const bool LEAKS_ARE_TOLD = true;
+#else
+static const bool LEAKS_ARE_TOLD = false;
+#endif
+
 __attribute__((noinline)) void* operator new(std::size_t size)
 {
     if (failingNode > 0 && size == sizeof(TVNC_XMLNode) && --failingNode == 0)
