@@ -110,6 +110,7 @@ Records recordsOfStore(const Format& format)
     Records records;
     if (&format == &BOOKMARKS) {
         const int count = bookmarks().getBookmarkCnt();
+        records.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i) {
             TVNS_Bookmark bookmark;
             bookmarks().getBookmark(i, &bookmark);
@@ -117,6 +118,7 @@ Records recordsOfStore(const Format& format)
         }
     } else if (&format == &HISTORY) {
         const int count = history().getHistoryCnt();
+        records.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i) {
             TVNS_History visit;
             history().getHistory(i, &visit);
@@ -124,6 +126,7 @@ Records recordsOfStore(const Format& format)
         }
     } else {
         const int count = fonts().getCount();
+        records.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i)
             records.push_back({fonts().getFont(i)});
     }
