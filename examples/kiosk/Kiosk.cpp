@@ -29,7 +29,7 @@ std::optional<QSize> sizeOf(const QString& text)
 {
     const QStringList parts = text.split('x');
     const QSize size(parts.value(0).toInt(), parts.value(1).toInt());
-    const bool isSize = parts.size() == 2 && size.width() >= 640 && size.height() >= 400;
+    const bool isSize = parts.size() == 2 && size.width() >= 320 && size.height() >= 240;
     return isSize ? std::optional<QSize>(size) : std::nullopt;
 }
 
@@ -59,7 +59,7 @@ int runKiosk(const QStringList& arguments, const std::function<void(BrowserWindo
     parser.process(arguments);
     const std::optional<QSize> size = sizeOf(parser.value("size"));
     if (!size)
-        return complain("--size is such as 800x480, and at least 640x400", WRONG_USAGE);
+        return complain("--size is such as 800x480, and at least 320x240", WRONG_USAGE);
     const std::optional<int> logLevel = numberOf(parser.value("log-level"));
     const std::optional<int> idleSeconds = numberOf(parser.value("idle-timeout"));
     if (!logLevel || !idleSeconds)

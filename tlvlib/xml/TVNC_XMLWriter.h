@@ -49,7 +49,8 @@ public:
      */
     bool write(QString& path, TVNC_XMLNode* pc_root);
 
-    /// Writes a document into an open device. The result is as above.
+    /// Writes a document into an open device. The result is as above; when memory has run out, it is false
+    /// and the writer has no device any more.
     bool write(QIODevice& device, TVNC_XMLNode* pc_root);
 
     /**

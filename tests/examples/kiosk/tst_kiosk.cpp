@@ -72,6 +72,7 @@ private slots:
     void settingsTellWhatIsRefused();
     void proxyIsUsedButNotForTheDevice();
 
+    void tourWithoutAFileIsRefused();
     void wrongUsage_data();
     void wrongUsage();
 
@@ -703,9 +704,9 @@ void tst_kiosk::wrongUsage_data()
     QTest::addColumn<int>("code");
     QTest::addColumn<QByteArray>("message");
     QTest::newRow("size") << QStringList{"--size", "big"} << 2
-                          << QByteArray("kiosk: --size is such as 800x480, and at least 640x400\n");
-    QTest::newRow("small") << QStringList{"--size", "639x400"} << 2
-                           << QByteArray("kiosk: --size is such as 800x480, and at least 640x400\n");
+                          << QByteArray("kiosk: --size is such as 800x480, and at least 320x240\n");
+    QTest::newRow("small") << QStringList{"--size", "319x240"} << 2
+                           << QByteArray("kiosk: --size is such as 800x480, and at least 320x240\n");
     QTest::newRow("level") << QStringList{"--log-level", "x"} << 2
                            << QByteArray("kiosk: --log-level and --idle-timeout are numbers from 0 on\n");
     QTest::newRow("profile") << QStringList{"--profile", "/proc/x"} << 1
@@ -718,6 +719,14 @@ void tst_kiosk::wrongUsage_data()
         << "kiosk: " + longDir.toLatin1() +
                ": a profile's path has at most 225 characters, all of them ASCII; name "
                "another directory with --profile\n";
+}
+
+void tst_kiosk::tourWithoutAFileIsRefused()
+{
+    const Run done = run(KIOSK_TOUR, {"/none", "--profile", profile()});
+    QCOMPARE(done.code, 1);
+    QCOMPARE(done.err, QByteArray("kiosk_tour: /none: cannot be read: No such file or directory; name a file "
+                                  "with the steps of a tour\n"));
 }
 
 void tst_kiosk::wrongUsage()
