@@ -251,7 +251,7 @@ void tst_TVNG_SafeSave::oneWriteTwoSyncsOneRename()
 
 void tst_TVNG_SafeSave::everyValueButZeroSwitchesOn()
 {
-    const char pc_values[] = {1, 2, -1, 127, -128};
+    const char pc_values[] = {1, 2, static_cast<char>(-1), 127, static_cast<char>(-128)};
     for (size_t i = 0; i < sizeof pc_values; ++i) {
         TVNG_SetSafeSave(pc_values[i]);
         SystemCalls::record(localPath());
