@@ -9,7 +9,7 @@
 #include <tlvlib/stores/TVNC_HistorySetting.h>
 
 #include <QtCore/QDataStream>
-#include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QSettings>
 #include <QtCore/QUrl>
 
@@ -18,7 +18,6 @@
 namespace {
 
 const int MAX = 999;
-const Record VISIT{"The news of today", "http://www.example.com/new/page?id=1", "2011/05/06 07:08"};
 const char ABSENT[] = "http://www.example.com/absent/page?id=12&from=list";
 
 const Format COOKIES{"cookies.xml", "cookie", "webSiteInfo", {"website", "name", "contents"}};
@@ -26,31 +25,18 @@ const Format COOKIES{"cookies.xml", "cookie", "webSiteInfo", {"website", "name",
 /// Everybody with the same 999 records.
 struct Contest
 {
-    Contest(const Format& format_, const QString& dir_)
-        : format(format_)
-        , dir(dir_ + "change" + format_.root + '/')
-        , path((QDir().mkpath(dir), dir + format_.file))
-        , dom(format, path)
-        , pugi(format, path)
-        , sqlite(format, path)
+    Contest(const Format& format, const QString& dir)
+        : path(dir + format.file), dom(format, path), pugi(format, path), sqlite(format, path)
     {
         const Records records = sampleRecords(format, MAX);
         fillStore(format, dir, records);
+        loadStore(format, dir);
         dom.load();
         pugi.load();
         sqlite.open();
         sqlite.replaceAll(records);
     }
 
-    /// Has the library's store hold these records: it is one for all rows.
-    void hold() const
-    {
-        holdStore(format, dir);
-        release();
-    }
-
-    const Format& format;
-    QString dir;
     QString path;
     DomStore dom;
     PugiStore pugi;
@@ -59,113 +45,102 @@ struct Contest
 
 using SharedContest = std::shared_ptr<Contest>;
 
-void addBare(const std::string& row, const SharedContest& c)
+Work bareLoad(const SharedContest& c)
 {
-    addWork(row, "bare", {[c] { bareTokenLoop(c->path); }, {}});
+    return {[c] { bareTokenLoop(c->path); }, {}};
 }
 
-void addVisit(const SharedContest& c)
+/// A record more in front, which the 999th makes room for.
+Works additions(const SharedContest& c, const Record& record, const Work& own)
 {
-    const std::string row = "record a visit in 999";
-    addBare(row, c);
-    addWork(row, "tlvlib",
-            {[] {
-                 TVNS_History visit;
-                 visit.title = VISIT[0];
-                 visit.url = VISIT[1];
-                 visit.dateTime = QDateTime(QDate(2011, 5, 6), QTime(7, 8));
-                 TVNC_HistorySetting::getInstance()->updateHistory(&visit);
-             },
-             [c] { c->hold(); }});
-    addWork(row, "QDom", {[c] { c->dom.prepend(VISIT, MAX); }, {}});
-    addWork(row, "pugixml", {[c] { c->pugi.prepend(VISIT, MAX); }, {}});
-    addWork(row, "SQLite", {[c] { c->sqlite.prepend(VISIT, MAX); }, {}});
-    addTarget(row, 1.0 / 60);
+    return {{"bare", bareLoad(c)},
+            {"tlvlib", own},
+            {"QDom", {[c, record] { c->dom.prepend(record, MAX); }, {}}},
+            {"pugixml", {[c, record] { c->pugi.prepend(record, MAX); }, {}}},
+            {"SQLite", {[c, record] { c->sqlite.prepend(record, MAX); }, {}}}};
 }
 
-void addSearch(const SharedContest& c)
+Works visits(const QString& dir)
 {
-    const std::string row = "look up an absent address in 999 visits";
-    addBare(row, c);
-    addWork(row, "tlvlib",
-            {[] {
-                 QString url = ABSENT;
-                 TVNC_HistorySetting::getInstance()->getHistoryIndex(url);
-             },
-             [c] { c->hold(); }});
-    addWork(row, "QDom", {[c] { c->dom.find(1, ABSENT); }, {}});
-    addWork(row, "pugixml", {[c] { c->pugi.find(1, ABSENT); }, {}});
-    addWork(row, "SQLite", {[c] { c->sqlite.find(1, ABSENT); }, {}});
-    addTarget(row, 1.0 / 6);
+    const Record visit{"The news of today", "http://www.example.com/new/page?id=1", "2011/05/06 07:08"};
+    const auto record = [visit] {
+        TVNS_History own;
+        own.title = visit[0];
+        own.url = visit[1];
+        own.dateTime = QDateTime(QDate(2011, 5, 6), QTime(7, 8));
+        TVNC_HistorySetting::getInstance()->updateHistory(&own);
+    };
+    return additions(std::make_shared<Contest>(HISTORY, dir), visit, {record, release});
 }
 
-void addBookmark(const SharedContest& c)
+Works bookmarks(const QString& dir)
 {
     const Record bookmark{"http://www.example.com/new", "A new page", "001000.PNG"};
-    const std::string row = "add a bookmark to 998";
-    addBare(row, c);
-    addWork(row, "tlvlib",
-            {[bookmark] {
-                 TVNS_Bookmark added{bookmark[1], bookmark[0], "/data/thumbnail/" + bookmark[2]};
-                 TVNC_BookmarksSetting::getInstance()->setBookmark(&added);
-             },
-             [c] {
-                 c->hold();
-                 TVNC_BookmarksSetting::getInstance()->deleteBookmark(MAX - 1);
-                 release();
-             }});
-    addWork(row, "QDom", {[c, bookmark] { c->dom.prepend(bookmark, MAX); }, {}});
-    addWork(row, "pugixml", {[c, bookmark] { c->pugi.prepend(bookmark, MAX); }, {}});
-    addWork(row, "SQLite", {[c, bookmark] { c->sqlite.prepend(bookmark, MAX); }, {}});
-}
-
-void addReading(const SharedContest& c)
-{
-    // A hundred times in one, so that the clock does not count.
-    const std::string row = "read bookmark 998 of 999, 100 times";
-    const auto hundred = [](auto read) {
-        for (int i = 0; i < 100; ++i)
-            read();
+    const auto add = [bookmark] {
+        TVNS_Bookmark own{bookmark[1], bookmark[0], "/data/thumbnail/" + bookmark[2]};
+        TVNC_BookmarksSetting::getInstance()->setBookmark(&own);
     };
-    addBare(row, c);
-    addWork(row, "tlvlib",
-            {[hundred] {
-                 hundred([] {
-                     TVNS_Bookmark bookmark;
-                     TVNC_BookmarksSetting::getInstance()->getBookmark(MAX - 1, &bookmark);
-                 });
-             },
-             [c] { c->hold(); }});
-    addWork(row, "QDom", {[hundred, c] { hundred([c] { c->dom.at(MAX - 1); }); }, {}});
-    addWork(row, "pugixml", {[hundred, c] { hundred([c] { c->pugi.at(MAX - 1); }); }, {}});
-    addWork(row, "SQLite", {[hundred, c] { hundred([c] { c->sqlite.at(MAX - 1); }); }, {}});
-    addTarget(row, 100.0 / 500);
+    const auto makeRoom = [] {
+        TVNC_BookmarksSetting::getInstance()->deleteBookmark(MAX - 1);
+        release();
+    };
+    return additions(std::make_shared<Contest>(BOOKMARKS, dir), bookmark, {add, makeRoom});
 }
 
-void addLogin(const SharedContest& c)
+Works logins(QString dir)
 {
-    const Record login{"www.example.com", "alice", "secret"};
-    const std::string row = "add a login to 998";
-    QString dir = c->dir;
     auto* auth = TVNC_AuthSetting::getInstance();
     auth->loadAuthInfo(&dir, MAX);
-    for (int i = 0; i < MAX - 1; ++i) {
+    for (int i = 0; i < MAX; ++i) {
         TVNS_AuthInfo info{QString("host%1").arg(i), "80", 0, "user", "password"};
         auth->setAuthInfo(&info);
     }
-    addBare(row, c);
-    addWork(row, "tlvlib",
-            {[login, auth] {
-                 TVNS_AuthInfo info{login[0], "80", 1, login[1].toUtf8(), login[2].toUtf8()};
-                 auth->setAuthInfo(&info);
-             },
-             [auth] {
-                 auth->deleteAuthInfo(MAX - 1);
-                 release();
-             }});
-    addWork(row, "QDom", {[c, login] { c->dom.prepend(login, MAX); }, {}});
-    addWork(row, "pugixml", {[c, login] { c->pugi.prepend(login, MAX); }, {}});
-    addWork(row, "SQLite", {[c, login] { c->sqlite.prepend(login, MAX); }, {}});
+    const Record login{"www.example.com", "alice", "secret"};
+    const auto add = [login, auth] {
+        TVNS_AuthInfo info{login[0], "80", 1, login[1].toUtf8(), login[2].toUtf8()};
+        auth->setAuthInfo(&info);
+    };
+    const auto makeRoom = [auth] {
+        auth->deleteAuthInfo(MAX - 1);
+        release();
+    };
+    return additions(std::make_shared<Contest>(BOOKMARKS, dir), login, {add, makeRoom});
+}
+
+Works searches(const QString& dir)
+{
+    const auto c = std::make_shared<Contest>(HISTORY, dir);
+    const auto search = [] {
+        QString url = ABSENT;
+        TVNC_HistorySetting::getInstance()->getHistoryIndex(url);
+    };
+    return {{"bare", bareLoad(c)},
+            {"tlvlib", {search, {}}},
+            {"QDom", {[c] { c->dom.find(1, ABSENT); }, {}}},
+            {"pugixml", {[c] { c->pugi.find(1, ABSENT); }, {}}},
+            {"SQLite", {[c] { c->sqlite.find(1, ABSENT); }, {}}}};
+}
+
+/// A hundred readings in one, so that the clock does not count.
+Works readings(const QString& dir)
+{
+    const auto c = std::make_shared<Contest>(BOOKMARKS, dir);
+    const auto hundred = [](auto read) {
+        return Work{[read] {
+                        for (int i = 0; i < 100; ++i)
+                            read();
+                    },
+                    {}};
+    };
+    const auto own = [] {
+        TVNS_Bookmark bookmark;
+        TVNC_BookmarksSetting::getInstance()->getBookmark(MAX - 1, &bookmark);
+    };
+    return {{"bare", bareLoad(c)},
+            {"tlvlib", hundred(own)},
+            {"QDom", hundred([c] { c->dom.at(MAX - 1); })},
+            {"pugixml", hundred([c] { c->pugi.at(MAX - 1); })},
+            {"SQLite", hundred([c] { c->sqlite.at(MAX - 1); })}};
 }
 
 /// The cookies of cookie.ini as records.
@@ -187,11 +162,8 @@ Records readCookies(const QString& dir)
     return records;
 }
 
-void addCookies(const QString& parent)
+Works conversions(QString dir)
 {
-    const std::string row = "convert 20 cookies to a document";
-    QString dir = parent + "cookies/";
-    QDir().mkpath(dir);
     QList<QNetworkCookie> cookies;
     for (int i = 0; i < 20; ++i) {
         QNetworkCookie cookie("name" + QByteArray::number(i), QByteArray(40, 'v'));
@@ -204,57 +176,49 @@ void addCookies(const QString& parent)
 
     const QString path = dir + COOKIES.file;
     const auto begin = [path] { QFile::remove(path); };
-    addWork(row, "bare", {[dir, path] { bareWriterCalls(path, COOKIES, readCookies(dir)); }, begin});
-    addWork(row, "tlvlib",
-            {[dir, path] {
-                 QByteArray source = dir.toLatin1();
-                 QByteArray target = path.toLatin1();
-                 TVNC_CookieSetting::getInstance()->convertCookieIniToXML(source.data(), target.data());
-             },
-             [begin] {
-                 begin();
-                 release();
-             }});
-    const auto document = [path, dir](auto& store) {
-        for (const Record& record : readCookies(dir))
-            store.prepend(record, 20);
-        store.save();
+    const auto convert = [dir, path] {
+        QByteArray source = dir.toLatin1();
+        QByteArray target = path.toLatin1();
+        TVNC_CookieSetting::getInstance()->convertCookieIniToXML(source.data(), target.data());
     };
-    const auto empty = [path] { bareWriterCalls(path, COOKIES, {}); };
-    auto dom = std::make_shared<DomStore>(COOKIES, path);
-    auto pugi = std::make_shared<PugiStore>(COOKIES, path);
-    addWork(row, "QDom",
-            {[dom, document] { document(*dom); },
-             [dom, empty] {
-                 empty();
-                 dom->load();
-             }});
-    addWork(row, "pugixml",
-            {[pugi, document] { document(*pugi); },
-             [pugi, empty] {
-                 empty();
-                 pugi->load();
-             }});
-    auto sqlite = std::make_shared<SqliteStore>(COOKIES, path);
-    addWork(row, "SQLite",
-            {[sqlite, dir] {
-                 sqlite->open();
-                 sqlite->replaceAll(readCookies(dir));
-                 sqlite->close();
-             },
-             {}});
+    const auto document = [dir, path](auto store) {
+        const auto fill = [dir, store] {
+            for (const Record& record : readCookies(dir))
+                store->prepend(record, 20);
+            store->save();
+        };
+        const auto empty = [path, store] {
+            bareWriterCalls(path, COOKIES, {});
+            store->load();
+        };
+        return Work{fill, empty};
+    };
+    const auto sqlite = std::make_shared<SqliteStore>(COOKIES, path);
+    const auto insert = [sqlite, dir] {
+        sqlite->open();
+        sqlite->replaceAll(readCookies(dir));
+        sqlite->close();
+    };
+    return {{"bare", {[dir, path] { bareWriterCalls(path, COOKIES, readCookies(dir)); }, begin}},
+            {"tlvlib",
+             {convert,
+              [begin] {
+                  begin();
+                  release();
+              }}},
+            {"QDom", document(std::make_shared<DomStore>(COOKIES, path))},
+            {"pugixml", document(std::make_shared<PugiStore>(COOKIES, path))},
+            {"SQLite", {insert, {}}}};
 }
 
 } // namespace
 
 void addChanges(const QString& dir)
 {
-    const auto history = std::make_shared<Contest>(HISTORY, dir);
-    addVisit(history);
-    addSearch(history);
-    const auto bookmarks = std::make_shared<Contest>(BOOKMARKS, dir);
-    addBookmark(bookmarks);
-    addReading(bookmarks);
-    addLogin(bookmarks);
-    addCookies(dir);
+    addRow("record a visit in 999", 1.0 / 60, [dir] { return visits(dir); });
+    addRow("look up an absent address in 999 visits", 1.0 / 6, [dir] { return searches(dir); });
+    addRow("add a bookmark to 998", NO_TARGET, [dir] { return bookmarks(dir); });
+    addRow("read bookmark 998 of 999, 100 times", 100.0 / 500, [dir] { return readings(dir); });
+    addRow("add a login to 998", NO_TARGET, [dir] { return logins(dir); });
+    addRow("convert 20 cookies to a document", NO_TARGET, [dir] { return conversions(dir); });
 }

@@ -1,3 +1,4 @@
+#include "bench/Measurement.h"
 #include "bench/Rows.h"
 #include "bench/Stores.h"
 #include "bench/Table.h"
@@ -11,14 +12,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <functional>
 #include <vector>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace {
+
+const double MOST_GROWTH = 1.5;
 
 /// Seconds of a call.
 template <typename Call>
@@ -27,12 +26,6 @@ double timeOf(Call call)
     const auto start = std::chrono::steady_clock::now();
     call();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double medianOf(std::vector<double> times)
-{
-    std::nth_element(times.begin(), times.begin() + static_cast<long>(times.size()) / 2, times.end());
-    return times[times.size() / 2];
 }
 
 /// A tree of so many nodes: all under the root, or each under the one before.
@@ -53,94 +46,78 @@ TVNC_XMLNode* makeTree(int nodes, bool isNested)
     return root;
 }
 
-/// Seconds for a node, by what is done with its tree.
-struct Costs
-{
-    double write;
-    double read;
-    double destroy;
-};
+const char* const COSTS[] = {"write", "read", "destroy"};
 
-/// Does the work in a process of its own: what earlier work has left of the heap does not count.
-Costs inFreshProcess(const std::function<Costs()>& work)
+/// Seconds for a node, in the order of COSTS.
+std::vector<double> costsOfTree(const QString& dir, int nodes, bool isNested)
 {
-    int ends[2];
-    if (pipe(ends) != 0)
-        return {};
-    const pid_t child = fork();
-    if (child == 0) {
-        const Costs costs = work();
-        _exit(write(ends[1], &costs, sizeof costs) == sizeof costs ? 0 : 1);
-    }
-    close(ends[1]);
-    Costs costs{};
-    if (read(ends[0], &costs, sizeof costs) != sizeof costs)
-        std::fprintf(stderr, "a measurement ended early\n");
-    close(ends[0]);
-    waitpid(child, nullptr, 0);
-    return costs;
+    return inFreshProcess([&] {
+        QString path = dir + "tree.xml";
+        TVNC_XMLNode* const made = makeTree(nodes, isNested);
+        const double write = timeOf([&] { TVNC_XMLWriter().write(path, made); });
+        TVNC_XMLNode* root = nullptr;
+        const double read = timeOf([&] { root = TVNC_XMLReader().read(path); });
+        const double destroy = timeOf([&] { delete root; });
+        return std::vector<double>{write / nodes, read / nodes, destroy / nodes};
+    });
 }
 
-Costs costsOfOne(const QString& dir, int nodes, bool isNested)
+void makeFonts(const QString& dir, int count)
 {
-    QString path = dir + "tree.xml";
-    TVNC_XMLNode* const made = makeTree(nodes, isNested);
-    Costs costs{};
-    costs.write = timeOf([&] { TVNC_XMLWriter().write(path, made); }) / nodes;
-    TVNC_XMLNode* root = nullptr;
-    costs.read = timeOf([&] { root = TVNC_XMLReader().read(path); }) / nodes;
-    costs.destroy = timeOf([&] { delete root; }) / nodes;
-    return costs;
-}
-
-Costs costsOf(const QString& dir, int nodes, bool isNested)
-{
-    std::vector<double> write;
-    std::vector<double> read;
-    std::vector<double> destroy;
-    for (int i = std::max(11, 50000 / nodes); i > 0; --i) {
-        const Costs costs = inFreshProcess([&] { return costsOfOne(dir, nodes, isNested); });
-        write.push_back(costs.write);
-        read.push_back(costs.read);
-        destroy.push_back(costs.destroy);
-    }
-    return {medianOf(write), medianOf(read), medianOf(destroy)};
-}
-
-void addTrees(const QString& dir, bool isNested)
-{
-    const std::string shape = isNested ? "nested" : "flat";
-    const Costs small = costsOf(dir, 1000, isNested);
-    for (const int nodes : {10000, 100000, 1000000}) {
-        const Costs costs = costsOf(dir, nodes, isNested);
-        const std::string behind = ' ' + std::to_string(nodes) + ' ' + shape + " nodes, per node of 1000";
-        addRatio("write" + behind, "tlvlib", costs.write / small.write);
-        addRatio("read" + behind, "tlvlib", costs.read / small.read);
-        addRatio("destroy" + behind, "tlvlib", costs.destroy / small.destroy);
-        for (const char* what : {"write", "read", "destroy"})
-            addTarget(what + behind, 1.5);
-    }
-}
-
-double fontCost(const QString& parent, int count)
-{
-    const QString dir = parent + "fonts" + QString::number(count) + '/';
     QDir().mkpath(dir);
     QFile file(dir + "fontlist.xml");
     if (!file.open(QIODevice::WriteOnly))
-        return 0;
+        return;
     file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<fontlist docInfo=\"1.0\">\n");
     for (int i = 0; i < count; ++i)
         file.write(
             QString("    <font id=\"%1\">Family number %2 Sans</font>\n").arg(numberOf(i)).arg(i).toUtf8());
     file.write("</fontlist>\n");
-    file.close();
-    std::vector<double> times;
-    for (int i = 0; i < 11; ++i)
-        times.push_back(inFreshProcess([&] {
-                            return Costs{0, timeOf([&] { loadStore(FONTS, dir); }), 0};
-                        }).read);
-    return medianOf(times) / count;
+}
+
+/// Seconds for a font.
+std::vector<double> costOfFonts(const QString& parent, int count)
+{
+    const QString dir = parent + "fonts" + QString::number(count) + '/';
+    if (!QDir(dir).exists())
+        makeFonts(dir, count);
+    return inFreshProcess(
+        [&] { return std::vector<double>{timeOf([&] { loadStore(FONTS, dir); }) / count}; });
+}
+
+/**
+ * How much more one of many costs than one of 1000. The sizes take turns: a machine is not equally fast all
+ * the time.
+ *
+ * @param costs the costs of one, of so many
+ * @return for each size the ratio of each cost
+ */
+std::vector<double> growthOf(const std::vector<int>& sizes,
+                             const std::function<std::vector<double>(int)>& costs)
+{
+    return mediansOf(11, [&] {
+        const std::vector<double> small = mediansOf(5, [&] { return costs(1000); });
+        std::vector<double> ratios;
+        for (const int size : sizes) {
+            const std::vector<double> large = costs(size);
+            for (size_t i = 0; i < large.size(); ++i)
+                ratios.push_back(large[i] / small[i]);
+        }
+        return ratios;
+    });
+}
+
+void addTrees(const QString& dir, bool isNested)
+{
+    const std::vector<int> sizes{10000, 100000, 1000000};
+    std::vector<std::string> rows;
+    for (const int nodes : sizes) {
+        for (const char* cost : COSTS)
+            rows.push_back(std::string(cost) + ' ' + std::to_string(nodes) +
+                           (isNested ? " nested" : " flat") + " nodes, per node of 1000");
+    }
+    addRatios(rows, MOST_GROWTH,
+              [=] { return growthOf(sizes, [&](int nodes) { return costsOfTree(dir, nodes, isNested); }); });
 }
 
 } // namespace
@@ -149,10 +126,10 @@ void addGrowth(const QString& dir)
 {
     addTrees(dir, false);
     addTrees(dir, true);
-    const double small = fontCost(dir, 1000);
-    for (const int count : {10000, 100000}) {
-        const std::string row = "load " + std::to_string(count) + " fonts, per font of 1000";
-        addRatio(row, "tlvlib", fontCost(dir, count) / small);
-        addTarget(row, 1.5);
-    }
+    const std::vector<int> sizes{10000, 100000};
+    std::vector<std::string> rows;
+    for (const int count : sizes)
+        rows.push_back("load " + std::to_string(count) + " fonts, per font of 1000");
+    addRatios(rows, MOST_GROWTH,
+              [=] { return growthOf(sizes, [&](int count) { return costOfFonts(dir, count); }); });
 }

@@ -4,19 +4,18 @@
 #include "bench/Table.h"
 
 #include <QtCore/QDateTime>
-#include <QtCore/QDir>
 
 #include <memory>
 
 namespace {
 
-/// The file of so many records in a directory of its own, and those who keep them.
+/// The file of so many records, and those who keep them.
 struct Contest
 {
     Contest(const Format& format_, const QString& dir_, int count)
         : format(format_)
-        , dir(dir_ + format_.root + QString::number(count) + '/')
-        , path((QDir().mkpath(dir), dir + format_.file))
+        , dir(dir_)
+        , path(dir + format.file)
         , records(sampleRecords(format, count))
         , dom(format, path)
         , pugi(format, path)
@@ -37,6 +36,28 @@ struct Contest
     SqliteStore sqlite;
 };
 
+using SharedContest = std::shared_ptr<Contest>;
+
+Work bareLoad(const SharedContest& c)
+{
+    return {[c] { bareTokenLoop(c->path); }, {}};
+}
+
+/// What each needs before it can answer.
+Works loads(const SharedContest& c)
+{
+    return {{"bare", bareLoad(c)},
+            {"tlvlib", {[c] { loadStore(c->format, c->dir); }, [c] { emptyStore(c->format); }}},
+            {"QDom", {[c] { c->dom.load(); }, [c] { c->dom.clear(); }}},
+            {"pugixml", {[c] { c->pugi.load(); }, [c] { c->pugi.clear(); }}}};
+}
+
+/// Once more, over the same records: these are let go.
+Works loadsIntoFull(const SharedContest& c)
+{
+    return {{"bare", bareLoad(c)}, {"tlvlib", {[c] { loadStore(c->format, c->dir); }, release}}};
+}
+
 /// What the library does for the caller, too: the times of visits are no texts.
 void handOut(const Format& format, const Records& records)
 {
@@ -46,116 +67,88 @@ void handOut(const Format& format, const Records& records)
         QDateTime::fromString(record[2], "yyyy/MM/dd hh:mm");
 }
 
-/// What is to be reached; 0 for no target.
+Works loadsWithHandingOut(const SharedContest& c)
+{
+    return {{"bare", bareLoad(c)},
+            {"tlvlib",
+             {[c] {
+                  loadStore(c->format, c->dir);
+                  recordsOfStore(c->format);
+              },
+              [c] { emptyStore(c->format); }}},
+            {"QDom",
+             {[c] {
+                  c->dom.load();
+                  handOut(c->format, c->dom.records());
+              },
+              [c] { c->dom.clear(); }}},
+            {"pugixml",
+             {[c] {
+                  c->pugi.load();
+                  handOut(c->format, c->pugi.records());
+              },
+              [c] { c->pugi.clear(); }}},
+            {"SQLite",
+             {[c] {
+                  c->sqlite.open();
+                  handOut(c->format, c->sqlite.records());
+                  c->sqlite.close();
+              },
+              {}}}};
+}
+
+/// A browser saves once what it has loaded, so that the library's records are new each time.
+Works saves(const SharedContest& c)
+{
+    c->dom.load();
+    c->pugi.load();
+    return {{"bare", {[c] { bareWriterCalls(c->path, c->format, c->records); }, {}}},
+            {"tlvlib",
+             {[c] { saveStore(c->format, c->dir); },
+              [c] {
+                  loadStore(c->format, c->dir);
+                  release();
+              }}},
+            {"QDom", {[c] { c->dom.save(); }, {}}},
+            {"pugixml", {[c] { c->pugi.save(); }, {}}},
+            {"SQLite",
+             {[c] {
+                  c->sqlite.open();
+                  c->sqlite.replaceAll(c->records);
+                  c->sqlite.close();
+              },
+              {}}}};
+}
+
 struct Targets
 {
     double load;
+    double loadIntoFull;
     double handOut;
-    double loadFull;
     double save;
 };
 
-void addRows(const std::shared_ptr<Contest>& contest, const char* what, int count, const Targets& targets)
+void addRows(const Format& format, const char* what, const QString& dir, int count, const Targets& targets)
 {
-    Contest* const c = contest.get();
     const std::string records = std::to_string(count) + ' ' + what;
-
-    const auto target = [](const std::string& reached, double ratio) {
-        if (ratio > 0)
-            addTarget(reached, ratio);
+    const auto with = [=, &format](Works (*works)(const SharedContest&)) {
+        return [=, &format] { return works(std::make_shared<Contest>(format, dir, count)); };
     };
-    const auto empty = [c] { emptyStore(c->format); };
-
-    // What each needs before it can answer.
-    std::string row = "load " + records;
-    addWork(row, "bare", {[contest] { bareTokenLoop(contest->path); }, {}});
-    addWork(row, "tlvlib", {[c] { loadStore(c->format, c->dir); }, empty});
-    addWork(row, "QDom", {[c] { c->dom.load(); }, [c] { c->dom.clear(); }});
-    addWork(row, "pugixml", {[c] { c->pugi.load(); }, [c] { c->pugi.clear(); }});
-    target(row, targets.load);
-
-    // Once more, over the same records: these are let go.
-    row = "load " + records + " into a full store";
-    addWork(row, "bare", {[c] { bareTokenLoop(c->path); }, {}});
-    addWork(row, "tlvlib",
-            {[c] { loadStore(c->format, c->dir); },
-             [c] {
-                 holdStore(c->format, c->dir);
-                 release();
-             }});
-    target(row, targets.loadFull);
-
-    row = "load and hand out " + records;
-    addWork(row, "bare", {[c] { bareTokenLoop(c->path); }, {}});
-    addWork(row, "tlvlib",
-            {[c] {
-                 loadStore(c->format, c->dir);
-                 recordsOfStore(c->format);
-             },
-             empty});
-    addWork(row, "QDom",
-            {[c] {
-                 c->dom.load();
-                 handOut(c->format, c->dom.records());
-             },
-             [c] { c->dom.clear(); }});
-    addWork(row, "pugixml",
-            {[c] {
-                 c->pugi.load();
-                 handOut(c->format, c->pugi.records());
-             },
-             [c] { c->pugi.clear(); }});
-    addWork(row, "SQLite",
-            {[c] {
-                 c->sqlite.open();
-                 handOut(c->format, c->sqlite.records());
-                 c->sqlite.close();
-             },
-             {}});
-    target(row, targets.handOut);
-
-    row = "save " + records;
-    const QString copy = c->dir + "copy.xml";
-    const QString copyDir = c->dir + "copy/";
-    QDir().mkpath(copyDir);
-    auto dom = std::make_shared<DomStore>(c->format, copy);
-    auto pugi = std::make_shared<PugiStore>(c->format, copy);
-    const auto loadOnce = [c, copy](auto& store) {
-        QFile::remove(copy);
-        QFile::copy(c->path, copy);
-        store.load();
-    };
-    loadOnce(*dom);
-    loadOnce(*pugi);
-    addWork(row, "bare", {[c, copy] { bareWriterCalls(copy, c->format, c->records); }, {}});
-    // Loaded again each time, because the store is one for all rows.
-    addWork(row, "tlvlib",
-            {[c, copyDir] { saveStore(c->format, copyDir); },
-             [c] {
-                 loadStore(c->format, c->dir);
-                 release();
-             }});
-    addWork(row, "QDom", {[dom] { dom->save(); }, {}});
-    addWork(row, "pugixml", {[pugi] { pugi->save(); }, {}});
-    addWork(row, "SQLite",
-            {[c] {
-                 c->sqlite.open();
-                 c->sqlite.replaceAll(c->records);
-                 c->sqlite.close();
-             },
-             {}});
-    target(row, targets.save);
+    addRow("load " + records, targets.load, with(loads));
+    addRow("load " + records + " into a full store", targets.loadIntoFull, with(loadsIntoFull));
+    addRow("load and hand out " + records, targets.handOut, with(loadsWithHandingOut));
+    addRow("save " + records, targets.save, with(saves));
 }
 
 } // namespace
 
 void addLoadAndSave(const QString& dir)
 {
-    const Targets none{0, 0, 0, 0};
-    addRows(std::make_shared<Contest>(BOOKMARKS, dir, 50), "bookmarks", 50, none);
-    addRows(std::make_shared<Contest>(BOOKMARKS, dir, 999), "bookmarks", 999, {1.6, 0.6, 1, 0.6});
-    addRows(std::make_shared<Contest>(HISTORY, dir, 50), "visits", 50, none);
-    addRows(std::make_shared<Contest>(HISTORY, dir, 999), "visits", 999, {2, 0, 1, 0.6});
-    addRows(std::make_shared<Contest>(FONTS, dir, 50), "fonts", 50, none);
-    addRows(std::make_shared<Contest>(FONTS, dir, 999), "fonts", 999, none);
+    const Targets none{NO_TARGET, NO_TARGET, NO_TARGET, NO_TARGET};
+    addRows(BOOKMARKS, "bookmarks", dir, 50, none);
+    addRows(BOOKMARKS, "bookmarks", dir, 999, {1.6, 1, 0.6, 0.6});
+    addRows(HISTORY, "visits", dir, 50, none);
+    addRows(HISTORY, "visits", dir, 999, {2, 1, NO_TARGET, 0.6});
+    addRows(FONTS, "fonts", dir, 50, none);
+    addRows(FONTS, "fonts", dir, 999, none);
 }

@@ -26,23 +26,19 @@ double bytesLeftBy(Call call)
     return static_cast<double>(heap()) - static_cast<double>(before);
 }
 
-void addHeap(const Format& format, const char* what, const QString& parent)
+void addHeap(const Format& format, const char* what, const QString& dir)
 {
-    const QString dir = parent + "heap" + format.root + '/';
-    QDir().mkpath(dir);
-    fillStore(format, dir, sampleRecords(format, 999));
-    const QString nowhere = parent + "none/"; // an empty store of the same kind
-    loadStore(format, nowhere);
-    release();
-    const double own = bytesLeftBy([&] {
-        loadStore(format, dir);
-        release();
+    addRatios({std::string("heap held by 999 ") + what + ", of QDom's"}, 0.5, [=, &format] {
+        fillStore(format, dir, sampleRecords(format, 999));
+        emptyStore(format);
+        const double own = bytesLeftBy([&] {
+            loadStore(format, dir);
+            release();
+        });
+        DomStore dom(format, dir + format.file);
+        const double others = bytesLeftBy([&] { dom.load(); });
+        return std::vector<double>{own / others};
     });
-    DomStore dom(format, dir + format.file);
-    const double others = bytesLeftBy([&] { dom.load(); });
-    const std::string row = std::string("heap held by 999 ") + what + ", of QDom's";
-    addRatio(row, "tlvlib", own / others);
-    addTarget(row, 0.5);
 }
 
 /// Sets both sinks for one row's work.
@@ -71,11 +67,10 @@ void addMemory(const QString& dir)
 void addLogging()
 {
     // "bare" is a message that goes nowhere.
-    const auto addRow = [](const std::string& row, const Work& work) {
-        addWork(row, "bare", logging(0, 0, 100));
-        addWork(row, "tlvlib", work);
+    const auto addSink = [](const std::string& row, const Work& work) {
+        addRow(row, NO_TARGET, [work] { return Works{{"bare", logging(0, 0, 100)}, {"tlvlib", work}}; });
     };
-    addRow("log 100 messages, to the system log alone", logging(1, 0, 100));
+    addSink("log 100 messages, to the system log alone", logging(1, 0, 100));
     if (QDir("/ata07/Talvenor/tmp").exists())
-        addRow("log 100 messages, to the file alone", logging(0, 3, 100));
+        addSink("log 100 messages, to the file alone", logging(0, 3, 100));
 }

@@ -5,8 +5,8 @@
 
 /**
  * @file
- * The rows of the table, by what they measure. Each function prepares its files in a directory, which ends in
- * "/", and adds its rows.
+ * The rows of the table, by what they measure. Each function adds its rows, which have their files in a
+ * directory that ends in "/".
  */
 
 void addLoadAndSave(const QString& dir);

@@ -11,8 +11,6 @@ namespace {
 
 const int MAX = 999;
 
-QString held; ///< the directory of what was loaded last
-
 TVNC_BookmarksSetting& bookmarks()
 {
     return *TVNC_BookmarksSetting::getInstance();
@@ -65,15 +63,8 @@ void fillStore(const Format& format, QString dir, const Records& records)
     release();
 }
 
-void holdStore(const Format& format, const QString& dir)
-{
-    if (held != dir)
-        loadStore(format, dir);
-}
-
 void loadStore(const Format& format, QString dir)
 {
-    held = dir;
     int lastNumber = 0;
     if (&format == &BOOKMARKS)
         bookmarks().loadBookmark(&dir, MAX, lastNumber);
@@ -85,7 +76,6 @@ void loadStore(const Format& format, QString dir)
 
 void emptyStore(const Format& format)
 {
-    held.clear();
     if (&format == &BOOKMARKS)
         bookmarks().deleteAllSetting();
     else if (&format == &HISTORY)

@@ -21,9 +21,6 @@ void loadStore(const Format& format, QString dir);
 /// Lets go of all records of a store, as at the start of a program, and has them released.
 void emptyStore(const Format& format);
 
-/// Loads a store unless it was last loaded or filled from this directory.
-void holdStore(const Format& format, const QString& dir);
-
 void saveStore(const Format& format, QString dir);
 
 /// All records, one by one, as the store hands them out.

@@ -1,5 +1,7 @@
 #include "bench/Table.h"
 
+#include "bench/Measurement.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -8,113 +10,59 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
-#include <map>
-#include <vector>
+#include <regex>
 
 namespace {
 
 const std::vector<std::string> COLUMNS{"bare", "tlvlib", "QDom", "pugixml", "SQLite"};
-const char MEDIAN[] = "median";
+enum { BARE, TLVLIB };
 
-struct Row
+const double NOBODY = std::nan(""); ///< does a row's work
+
+/// A row's ratios are those of the columns.
+using Ratios = std::vector<double>;
+
+/// Rows that are measured together.
+struct Rows
 {
-    std::map<std::string, double> figures; ///< seconds, or ratios where "bare" is 1
-    double target = 0;                     ///< none
+    std::vector<std::string> names;
+    double target;
+    std::function<std::vector<Ratios>()> measure;
+    std::vector<Ratios> ratios; ///< none of rows that are not wanted
 };
 
-std::vector<std::string> rowOrder;
-std::map<std::string, Row> rows;
-
-Row& rowOf(const std::string& name)
-{
-    if (rows.find(name) == rows.end())
-        rowOrder.push_back(name);
-    return rows[name];
-}
+std::vector<Rows> table;
 
 /// Collects the medians instead of printing every figure.
 class MedianReporter : public benchmark::BenchmarkReporter
 {
 public:
+    explicit MedianReporter(std::vector<double>& medians) : medians_(medians) {}
+
     bool ReportContext(const Context&) override { return true; }
 
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const Run& run : runs) {
-            if (run.error_occurred)
-                std::fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
-            if (run.aggregate_name != MEDIAN)
-                continue;
-            // ROW/COLUMN/manual_time, or with what a repetition adds
-            const std::string& name = run.run_name.function_name;
-            const size_t slash = name.rfind('/');
-            rows[name.substr(0, slash)].figures[name.substr(slash + 1)] = run.GetAdjustedRealTime();
-            std::fprintf(stderr, ".");
+            if (run.aggregate_name == "median")
+                medians_[columnOf(run.run_name.function_name)] = run.GetAdjustedRealTime();
         }
     }
+
+private:
+    static size_t columnOf(const std::string& name)
+    {
+        return static_cast<size_t>(std::find(COLUMNS.begin(), COLUMNS.end(), name) - COLUMNS.begin());
+    }
+
+    std::vector<double>& medians_;
 };
 
-/// A row's ratio; negative when it has none.
-double ratioOf(const Row& row, const std::string& column)
+void addBenchmark(const char* column, const Work& work)
 {
-    const auto bare = row.figures.find("bare");
-    const auto figure = row.figures.find(column);
-    return bare == row.figures.end() || figure == row.figures.end() ? -1 : figure->second / bare->second;
-}
-
-bool printTable()
-{
-    std::printf("\n%-44s", "");
-    for (const std::string& column : COLUMNS)
-        std::printf("%9s", column.c_str());
-    std::printf("%9s\n", "target");
-    bool isReached = true;
-    for (const std::string& name : rowOrder) {
-        const Row& row = rows[name];
-        std::printf("%-44s", name.c_str());
-        for (const std::string& column : COLUMNS) {
-            const double ratio = ratioOf(row, column);
-            if (ratio < 0)
-                std::printf("%9s", "");
-            else
-                std::printf(ratio < 0.1 ? "%9.4f" : "%9.2f", ratio);
-        }
-        if (row.target > 0) {
-            const bool isFine = ratioOf(row, "tlvlib") <= row.target;
-            std::printf(row.target < 0.1 ? "%9.4f%s" : "%9.2f%s", row.target, isFine ? "" : "  missed");
-            isReached = isReached && isFine;
-        }
-        std::printf("\n");
-    }
-    return isReached;
-}
-
-void writeJson(const QString& path)
-{
-    QJsonObject table;
-    for (const std::string& name : rowOrder) {
-        QJsonObject ratios;
-        for (const std::string& column : COLUMNS) {
-            const double ratio = ratioOf(rows[name], column);
-            if (ratio >= 0)
-                ratios[QString::fromStdString(column)] = ratio;
-        }
-        if (rows[name].target > 0)
-            ratios["target"] = rows[name].target;
-        table[QString::fromStdString(name)] = ratios;
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(table).toJson()) < 0)
-        std::fprintf(stderr, "%s: cannot be written\n", qPrintable(path));
-}
-
-} // namespace
-
-void addWork(const std::string& row, const char* column, Work work)
-{
-    rowOf(row);
-    benchmark::RegisterBenchmark((row + '/' + column).c_str(),
+    benchmark::RegisterBenchmark(column,
                                  [work](benchmark::State& state) {
                                      for (auto iteration : state) {
                                          if (work.before)
@@ -129,31 +77,114 @@ void addWork(const std::string& row, const char* column, Work work)
                                  })
         ->UseManualTime()
         ->MinTime(0.02)
-        ->Repetitions(11);
+        ->Repetitions(5);
 }
 
-void addTarget(const std::string& row, double ratio)
+Ratios ratiosOf(const Works& works)
 {
-    rowOf(row).target = ratio;
-}
-
-void addRatio(const std::string& row, const char* column, double ratio)
-{
-    rowOf(row).figures[column] = ratio;
-    rowOf(row).figures["bare"] = 1;
-}
-
-int runTable(int argc, char** argv, const QString& jsonPath)
-{
-    std::vector<char*> arguments(argv, argv + argc);
-    std::string interleave = "--benchmark_enable_random_interleaving=true";
-    arguments.push_back(&interleave[0]);
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
-        return 2;
-    MedianReporter reporter;
+    char program[] = "tlvlib_bench";
+    char takeTurns[] = "--benchmark_enable_random_interleaving=true";
+    char* arguments[] = {program, takeTurns, nullptr};
+    int count = 2;
+    benchmark::Initialize(&count, arguments);
+    for (const auto& [column, work] : works)
+        addBenchmark(column, work);
+    Ratios ratios(COLUMNS.size(), NOBODY);
+    MedianReporter reporter(ratios);
     benchmark::RunSpecifiedBenchmarks(&reporter);
+    const double bare = ratios[BARE];
+    for (double& ratio : ratios)
+        ratio /= bare;
+    return ratios;
+}
+
+void printRatio(double ratio)
+{
+    if (std::isnan(ratio))
+        std::printf("%9s", "");
+    else
+        std::printf(ratio < 0.1 ? "%9.4f" : "%9.2f", ratio);
+}
+
+/// Whether the target is reached.
+bool printRow(const std::string& name, double target, const Ratios& ratios)
+{
+    std::printf("%-44s", name.c_str());
+    for (const double ratio : ratios)
+        printRatio(ratio);
+    const bool isReached = target == NO_TARGET || ratios[TLVLIB] <= target;
+    if (target != NO_TARGET)
+        printRatio(target);
+    std::printf("%s\n", isReached ? "" : "  missed");
+    return isReached;
+}
+
+bool printTable()
+{
+    std::printf("\n%-44s", "");
+    for (const std::string& column : COLUMNS)
+        std::printf("%9s", column.c_str());
+    std::printf("%9s\n", "target");
+    bool isReached = true;
+    for (const Rows& rows : table) {
+        for (size_t row = 0; row < rows.ratios.size(); ++row)
+            isReached = printRow(rows.names[row], rows.target, rows.ratios[row]) && isReached;
+    }
+    return isReached;
+}
+
+void writeJson(const QString& path)
+{
+    QJsonObject all;
+    for (const Rows& rows : table) {
+        for (size_t row = 0; row < rows.ratios.size(); ++row) {
+            QJsonObject told;
+            for (size_t column = 0; column < COLUMNS.size(); ++column) {
+                if (!std::isnan(rows.ratios[row][column]))
+                    told[QString::fromStdString(COLUMNS[column])] = rows.ratios[row][column];
+            }
+            if (rows.target != NO_TARGET)
+                told["target"] = rows.target;
+            all[QString::fromStdString(rows.names[row])] = told;
+        }
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(all).toJson()) < 0)
+        std::fprintf(stderr, "%s: cannot be written\n", qPrintable(path));
+}
+
+} // namespace
+
+void addRow(const std::string& row, double target, std::function<Works()> prepare)
+{
+    const Measurement inProcess = [prepare] { return inFreshProcess([&] { return ratiosOf(prepare()); }); };
+    const auto measure = [inProcess] { return std::vector<Ratios>{mediansOf(5, inProcess)}; };
+    table.push_back({{row}, target, measure, {}});
+}
+
+void addRatios(const std::vector<std::string>& rows, double target, const Measurement& measure)
+{
+    const auto besideBare = [measure] {
+        std::vector<Ratios> all;
+        for (const double ratio : inFreshProcess(measure)) {
+            all.emplace_back(COLUMNS.size(), NOBODY);
+            all.back()[BARE] = 1;
+            all.back()[TLVLIB] = ratio;
+        }
+        return all;
+    };
+    table.push_back({rows, target, besideBare, {}});
+}
+
+int runTable(const std::string& pattern, const QString& jsonPath)
+{
+    const std::regex wanted(pattern);
+    const auto isWanted = [&wanted](const std::string& name) { return std::regex_search(name, wanted); };
+    for (Rows& rows : table) {
+        if (std::any_of(rows.names.begin(), rows.names.end(), isWanted))
+            rows.ratios = rows.measure();
+        std::fprintf(stderr, "."); // how far it is
+    }
     const bool isReached = printTable();
     writeJson(jsonPath);
     return isReached ? 0 : 1;

@@ -96,38 +96,46 @@ double peakOf(Call call)
     return ratio;
 }
 
-} // namespace
-
-void addThumbnails(const QString& parent)
+/// The pictures' directory, made and filled.
+QString makePictures(const QString& parent)
 {
     const QString dir = parent + "pictures/";
-    const QString target = parent + "unpacked/";
-    const QString path = parent + "pack.xml";
     QDir().mkpath(dir);
-    QDir().mkpath(target);
     QByteArray bytes(SIZE, Qt::Uninitialized);
     for (int i = 0; i < COUNT; ++i) {
         for (int j = 0; j < SIZE; ++j)
             bytes[j] = static_cast<char>((i * 7919 + j * j * 31 + (j >> 3)) & 0xFF);
         writeAll(dir + QString("%1.png").arg(i, 6, 10, QChar('0')), bytes);
     }
+    return dir;
+}
 
-    std::string row = "pack 500 pictures of 20 KB";
-    addWork(row, "bare", {[dir, path] { packBare(dir, path); }, {}});
-    addWork(row, "tlvlib", {[dir, path] { pack(dir.toLatin1(), path.toLatin1()); }, release});
-    addTarget(row, 1.3);
-    pack(dir.toLatin1(), path.toLatin1());
-    const QString kept = parent + "kept.xml";
-    QFile::copy(path, kept);
-    row = "unpack 500 pictures of 20 KB";
-    addWork(row, "bare", {[kept, target] { unpackBare(kept, target); }, {}});
-    addWork(row, "tlvlib", {[kept, target] { unpack(kept.toLatin1(), target.toLatin1()); }, release});
-    addTarget(row, 1.3);
+} // namespace
 
-    row = "peak memory of pack, of the pictures' bytes";
-    addRatio(row, "tlvlib", peakOf([&] { pack(dir.toLatin1(), path.toLatin1()); }));
-    addTarget(row, 3);
-    row = "peak memory of unpack, of the pictures' bytes";
-    addRatio(row, "tlvlib", peakOf([&] { unpack(kept.toLatin1(), target.toLatin1()); }));
-    addTarget(row, 3);
+void addThumbnails(const QString& parent)
+{
+    const QString path = parent + "pack.xml";
+    const QString target = parent + "unpacked/";
+    const auto makePack = [parent, path, target] {
+        QDir().mkpath(target);
+        pack(makePictures(parent).toLatin1(), path.toLatin1());
+    };
+    addRow("pack 500 pictures of 20 KB", 1.3, [parent, path] {
+        const QString dir = makePictures(parent);
+        return Works{{"bare", {[dir, path] { packBare(dir, path); }, {}}},
+                     {"tlvlib", {[dir, path] { pack(dir.toLatin1(), path.toLatin1()); }, release}}};
+    });
+    addRow("unpack 500 pictures of 20 KB", 1.3, [path, target, makePack] {
+        makePack();
+        return Works{{"bare", {[path, target] { unpackBare(path, target); }, {}}},
+                     {"tlvlib", {[path, target] { unpack(path.toLatin1(), target.toLatin1()); }, release}}};
+    });
+    addRatios({"peak memory of pack, of the pictures' bytes"}, 3, [parent, path] {
+        const QString dir = makePictures(parent);
+        return std::vector<double>{peakOf([&] { pack(dir.toLatin1(), path.toLatin1()); })};
+    });
+    addRatios({"peak memory of unpack, of the pictures' bytes"}, 3, [path, target, makePack] {
+        makePack();
+        return std::vector<double>{peakOf([&] { unpack(path.toLatin1(), target.toLatin1()); })};
+    });
 }
