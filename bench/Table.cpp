@@ -109,7 +109,7 @@ void printRatio(double ratio)
 /// Whether the target is reached.
 bool printRow(const std::string& name, double target, const Ratios& ratios)
 {
-    std::printf("%-44s", name.c_str());
+    std::printf("%-46s", name.c_str());
     for (const double ratio : ratios)
         printRatio(ratio);
     const bool isReached = target == NO_TARGET || ratios[TLVLIB] <= target;
@@ -121,7 +121,7 @@ bool printRow(const std::string& name, double target, const Ratios& ratios)
 
 bool printTable()
 {
-    std::printf("\n%-44s", "");
+    std::printf("\n%-46s", "");
     for (const std::string& column : COLUMNS)
         std::printf("%9s", column.c_str());
     std::printf("%9s\n", "target");
