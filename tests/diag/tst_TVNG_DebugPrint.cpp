@@ -11,7 +11,7 @@ class tst_TVNG_DebugPrint : public QObject
     Q_OBJECT
 
 private slots:
-    void startsWithTheFileOffAndTheSystemLogOn();
+    void initTestCase();
     void init();
     void everyLevelReachesTheSystemLog_data();
     void everyLevelReachesTheSystemLog();
@@ -26,7 +26,8 @@ private slots:
     void startUpCallsArePassedOn();
 };
 
-void tst_TVNG_DebugPrint::startsWithTheFileOffAndTheSystemLogOn()
+/// What nobody has set yet, and init() would.
+void tst_TVNG_DebugPrint::initTestCase()
 {
     QCOMPARE(ul_outputLevel, quint32(0));
     QCOMPARE(static_cast<int>(g_uc_SystemLogLevel), 1);

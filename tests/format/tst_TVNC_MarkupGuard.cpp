@@ -89,6 +89,9 @@ void tst_TVNC_MarkupGuard::namespacesAreCountedWhileTheyAreInForce()
     // Those of one element go with it.
     const QByteArray many = "<r><a" + QByteArray(" xmlns:b='u'").repeated(si_max) + "></a>" + all;
     QCOMPARE(admitted(many), static_cast<int>(many.size()));
+    // So do those of an element that others were in.
+    const QByteArray nested = "<r>" + QByteArray("<a xmlns='u'><b></b><b/></a>").repeated(si_max + 1);
+    QCOMPARE(admitted(nested), static_cast<int>(nested.size()));
 }
 
 TLVLIB_TEST_MAIN(tst_TVNC_MarkupGuard)
