@@ -105,7 +105,8 @@ bool enterPrivateRoot()
         return false;
     if (mkdir((std::string(MOUNT_POINT) + "/ata07").c_str(), 0755) != 0)
         return failed("/ata07");
-    if (chroot(MOUNT_POINT) != 0 || chdir(cwd) != 0)
+    // Last what cannot be taken back. An emulator may show another root directory than its own paths have.
+    if (chdir((std::string(MOUNT_POINT) + cwd).c_str()) != 0 || chroot(MOUNT_POINT) != 0)
         return failed("chroot");
     return true;
 }
