@@ -58,6 +58,7 @@ std::vector<double> mediansOf(int times, const Measurement& measurement)
             all[figure].push_back(figures[figure]);
     }
     std::vector<double> medians;
+    medians.reserve(all.size());
     for (const std::vector<double>& figures : all)
         medians.push_back(medianOf(figures));
     return medians;

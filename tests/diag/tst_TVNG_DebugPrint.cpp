@@ -117,11 +117,15 @@ void tst_TVNG_DebugPrint::longMessagesAreCutTo127Bytes()
 {
     QFETCH(int, length);
     QFETCH(int, kept);
-    TVNG_DebugPrint(1, "%s", QByteArray(length, 'x').constData());
-    QCOMPARE(
-        RecordingLiblog::take(),
-        QStringList(
-            QString::fromLatin1("WriteSystemLog 1 1 255 '%1' 0xffff").arg(QString(kept, QLatin1Char('x')))));
+    const QByteArray text(length, 'x');
+    const QStringList written(
+        QString::fromLatin1("WriteSystemLog 1 1 255 '%1' 0xffff").arg(QString(kept, QLatin1Char('x'))));
+    TVNG_DebugPrint(1, "%s", text.constData());
+    QCOMPARE(RecordingLiblog::take(), written);
+    // A text without a format's marks goes another way.
+    const char* const pc_plain = text.constData();
+    TVNG_DebugPrint(1, pc_plain);
+    QCOMPARE(RecordingLiblog::take(), written);
 }
 
 void tst_TVNG_DebugPrint::thresholdIsStoredIn32Bits()

@@ -58,8 +58,8 @@ QByteArray encodingOf(const QByteArray& bytes)
 /// Bytes in an encoding as UTF-8; each byte that is no character in it as U+FFFD.
 QByteArray decoded(QByteArray bytes, const QByteArray& encoding)
 {
-    const iconv_t converter = iconv_open("UTF-8", encoding.constData());
-    if (converter == iconv_t(-1))
+    iconv_t converter = iconv_open("UTF-8", encoding.constData());
+    if (converter == iconv_t(-1)) // NOLINT(performance-no-int-to-ptr): what iconv_open() answers
         return encoding == "windows-1252" ? bytes : decoded(bytes, "windows-1252");
     QByteArray utf8;
     char* in = bytes.data();
