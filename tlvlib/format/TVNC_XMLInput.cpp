@@ -5,8 +5,12 @@
 
 #include <cstring>
 
+namespace {
+
 /// Bytes read from the source at a time: what the stream reader asks for.
-static const int PIECE_SIZE = 8192;
+const int PIECE_SIZE = 8192;
+
+} // namespace
 
 TVNC_XMLInput::TVNC_XMLInput(QIODevice& source) : source_(source), si_outputTaken_(0), b_ended_(false)
 {
