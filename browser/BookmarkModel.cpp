@@ -79,7 +79,7 @@ bool BookmarkModel::add(const QString& title, const QString& url, const QImage& 
     recordPrepended();
     if (earlier >= 0)
         remove(earlier + 1); // the new one has moved it
-    emit changed();
+    Q_EMIT changed();
     return true;
 }
 
@@ -92,7 +92,7 @@ QString BookmarkModel::writePicture(QImage picture)
         return path;
     const QString error = TVNG_GetSaveError(); // none without safe saving
     error_ = tr("Bookmarked without its picture: %1").arg(error.isEmpty() ? path : error);
-    emit pictureNotSaved(error_);
+    Q_EMIT pictureNotSaved(error_);
     return QString();
 }
 
@@ -103,7 +103,7 @@ bool BookmarkModel::rename(int row, const QString& title)
     if (row < 0 || row >= count() || !store_.setBookmarkTitle(row, &clipped))
         return false;
     recordChanged(row);
-    emit changed();
+    Q_EMIT changed();
     return true;
 }
 

@@ -50,7 +50,7 @@ QString CookieJar::load(const QString& dir)
     // The file has expired ones, too.
     cookies.erase(std::remove_if(cookies.begin(), cookies.end(), isExpired), cookies.end());
     setAllCookies(cookies);
-    emit loaded();
+    Q_EMIT loaded();
     return error;
 }
 
@@ -82,8 +82,8 @@ void CookieJar::clear()
     if (count == 0)
         return;
     setAllCookies({});
-    emit cookiesRemoved(0, count - 1);
-    emit changed();
+    Q_EMIT cookiesRemoved(0, count - 1);
+    Q_EMIT changed();
 }
 
 void CookieJar::removeExpired()
@@ -111,8 +111,8 @@ bool CookieJar::insertCookie(const QNetworkCookie& cookie)
 {
     if (!QNetworkCookieJar::insertCookie(cookie)) // takes an older one out with deleteCookie()
         return false;
-    emit cookieAdded();
-    emit changed();
+    Q_EMIT cookieAdded();
+    Q_EMIT changed();
     return true;
 }
 
@@ -125,8 +125,8 @@ bool CookieJar::deleteCookie(const QNetworkCookie& cookie)
     if (!QNetworkCookieJar::deleteCookie(cookie))
         return false;
     const int position = static_cast<int>(found - before.begin());
-    emit cookiesRemoved(position, position);
-    emit changed();
+    Q_EMIT cookiesRemoved(position, position);
+    Q_EMIT changed();
     return true;
 }
 

@@ -42,7 +42,7 @@ void HistoryModel::visit(const QString& url, const QString& title, const QDateTi
         store_.setHistory(&visit);
         recordPrepended();
     }
-    emit changed();
+    Q_EMIT changed();
 }
 
 void HistoryModel::setTitle(const QString& url, const QString& title)
@@ -53,7 +53,7 @@ void HistoryModel::setTitle(const QString& url, const QString& title)
     QString text = title;
     store_.changeHistoryTitle(row, text);
     recordChanged(row);
-    emit changed();
+    Q_EMIT changed();
 }
 
 int HistoryModel::storedCount() const

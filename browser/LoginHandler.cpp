@@ -120,7 +120,7 @@ bool LoginHandler::ask(const LoginRequest& request)
     const QString key = keyOf(request);
     answers_.remove(key);
     ++asking_;
-    emit loginRequired(request);
+    Q_EMIT loginRequired(request);
     --asking_;
     return answers_.contains(key);
 }
@@ -224,9 +224,9 @@ void LoginHandler::finish(QNetworkReply* reply)
         this,
         [this, request, isFound] {
             if (isFound)
-                emit loginFound(request.url);
+                Q_EMIT loginFound(request.url);
             else
-                emit loginRequired(request);
+                Q_EMIT loginRequired(request);
         },
         Qt::QueuedConnection);
 }
@@ -246,7 +246,7 @@ void LoginHandler::keep(const LoginRequest& request, LoginModel::Scheme scheme,
 {
     schemes_[keyOf(request)] = scheme;
     if (!logins_.keep(request.host, request.port, scheme, credentials.user, credentials.password))
-        emit loginNotKept(request);
+        Q_EMIT loginNotKept(request);
 }
 
 void LoginHandler::authenticateAtProxy(const QNetworkProxy& proxy, QAuthenticator* authenticator)
@@ -301,13 +301,13 @@ void LoginHandler::proveProxyLogin(QNetworkReply* reply)
         request.port = proxy.port();
         request.isProxy = true;
         if (right.user.size() > ProxyMaximumBytes || right.password.size() > ProxyMaximumBytes) {
-            emit loginNotKept(request);
+            Q_EMIT loginNotKept(request);
             return;
         }
         preferences().setProxyAccountStr(right.user);
         preferences().setProxyPasswordStr(right.password);
         preferences().setUseProxyCertificationInfo(1);
-        emit proxyLoginKept();
+        Q_EMIT proxyLoginKept();
         return;
     }
 }

@@ -49,7 +49,7 @@ bool LoginModel::keep(const QString& host, int port, Scheme scheme, const QByteA
         remove(earlier + 1); // the store does not look for one
     else if (count() > maximum())
         remove(maximum()); // as the store's updateAuthInfo() does, but not for a login that is refused
-    emit changed();
+    Q_EMIT changed();
     return true;
 }
 

@@ -280,9 +280,9 @@ bool Profile::Private::save(Part& part)
     if (problem == part.error)
         return problem.isEmpty();
     part.error = problem;
-    emit owner.saveErrorChanged();
+    Q_EMIT owner.saveErrorChanged();
     if (!problem.isEmpty())
-        emit owner.saveFailed(problem);
+        Q_EMIT owner.saveFailed(problem);
     return problem.isEmpty();
 }
 
@@ -427,7 +427,7 @@ void Profile::savePreferences()
 {
     d->change(d->devicePreferencesPart);
     d->change(d->userPreferencesPart);
-    emit preferencesChanged();
+    Q_EMIT preferencesChanged();
 }
 
 QString Profile::startPage() const

@@ -71,7 +71,7 @@ bool RecordModel::removeRows(int row, int count, const QModelIndex& parent)
     for (int i = row + count - 1; i >= row; --i)
         removeStored(i);
     recordsRemoved(row, row + count - 1);
-    emit changed();
+    Q_EMIT changed();
     return true;
 }
 
@@ -126,7 +126,7 @@ void RecordModel::recordsRemoved(int first, int last)
 void RecordModel::recordChanged(int row)
 {
     rows_[row] = storedRecord(row);
-    emit dataChanged(index(row, 0), index(row, columns_ - 1));
+    Q_EMIT dataChanged(index(row, 0), index(row, columns_ - 1));
 }
 
 void RecordModel::endChanged()

@@ -24,7 +24,7 @@ const size_t SYSTEM_LOG_SIZE = 128;
 QSemaphore fileSemaphore(1);
 
 /// Returns false when the log file cannot be opened.
-bool writeToFile(const char* fmt, va_list arguments)
+bool writeToFile(const char* pc_format, va_list arguments)
 {
     fileSemaphore.acquire();
     FILE* pc_file = std::fopen(LOG_FILE, "a");
@@ -33,23 +33,23 @@ bool writeToFile(const char* fmt, va_list arguments)
         return false;
     }
     std::fwrite(LOG_TAG, 1, sizeof LOG_TAG - 1, pc_file);
-    std::vfprintf(pc_file, fmt, arguments);
+    std::vfprintf(pc_file, pc_format, arguments);
     std::fputc('\n', pc_file);
     std::fclose(pc_file);
     fileSemaphore.release();
     return true;
 }
 
-void writeToSystemLog(const char* fmt, va_list arguments)
+void writeToSystemLog(const char* pc_format, va_list arguments)
 {
-    char buffer[SYSTEM_LOG_SIZE + 1];
-    std::memset(buffer, 0, sizeof buffer);
-    if (std::strchr(fmt, '%'))
-        std::vsnprintf(buffer, SYSTEM_LOG_SIZE, fmt, arguments);
+    char c_buffer[SYSTEM_LOG_SIZE + 1];
+    std::memset(c_buffer, 0, sizeof c_buffer);
+    if (std::strchr(pc_format, '%'))
+        std::vsnprintf(c_buffer, SYSTEM_LOG_SIZE, pc_format, arguments);
     else // most messages are a text and nothing else
-        std::memcpy(buffer, fmt, strnlen(fmt, SYSTEM_LOG_SIZE - 1));
+        std::memcpy(c_buffer, pc_format, strnlen(pc_format, SYSTEM_LOG_SIZE - 1));
     unsigned short us_id = 0xFFFF;
-    LIBF_WriteSystemLog(1, 1, 255, buffer, &us_id);
+    LIBF_WriteSystemLog(1, 1, 255, c_buffer, &us_id);
 }
 
 } // namespace

@@ -20,7 +20,7 @@ namespace {
 const char LEFTOVER_SUFFIX[] = ".tlvsave";
 
 /// Bytes that are collected before they are written.
-const int PIECE_SIZE = 64 * 1024;
+const int PENDING_SIZE = 64 * 1024;
 
 /// As many as the kernel follows.
 const int LINKS_MAX = 40;
@@ -43,11 +43,11 @@ QByteArray directoryOf(const QByteArray& path)
 QByteArray behindLinks(QByteArray path)
 {
     for (int i = 0; i < LINKS_MAX; ++i) {
-        char pc_to[PATH_MAX];
-        const ssize_t si_size = ::readlink(path.constData(), pc_to, sizeof pc_to);
+        char c_to[PATH_MAX];
+        const ssize_t si_size = ::readlink(path.constData(), c_to, sizeof c_to);
         if (si_size < 0)
             break;
-        const QByteArray to(pc_to, static_cast<int>(si_size));
+        const QByteArray to(c_to, static_cast<int>(si_size));
         path = to.startsWith('/') ? to : directoryOf(path) + to;
     }
     return path;
@@ -207,7 +207,7 @@ qint64 TVNC_WholeFile::readData(char*, qint64)
 qint64 TVNC_WholeFile::writeData(const char* pc_data, qint64 size)
 {
     pending_.append(pc_data, static_cast<int>(size));
-    if (pending_.size() >= PIECE_SIZE)
+    if (pending_.size() >= PENDING_SIZE)
         flush();
     return hasFailed() ? -1 : size;
 }

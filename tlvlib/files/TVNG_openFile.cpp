@@ -2,8 +2,14 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
+#include "tlvlib/util/QEXC_TextCodec.h"
 
 #include <QtCore/QFile>
+
+QString TVNG_pathIn(const QString& dir, const char* pc_name)
+{
+    return dir + QEXC_TextCodec::fromSJIS(pc_name);
+}
 
 bool TVNG_openForReading(QFile& file)
 {

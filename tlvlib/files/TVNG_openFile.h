@@ -1,15 +1,20 @@
 #ifndef TLVLIB_FILES_TVNG_OPENFILE_H
 #define TLVLIB_FILES_TVNG_OPENFILE_H
 
+#include <QtCore/QString>
+
 class QFile;
 class TVNC_SavedFile;
 
 /**
  * @file
- * Opening the files of documents, with the log lines that tell when that fails. The texts name reader and
- * writer, whoever opens the file: log filters on the devices look for them. Internal to the library; not
- * installed.
+ * Where the files of documents are, and how they are opened, with the log lines that tell when that fails.
+ * The texts name reader and writer, whoever opens the file: log filters on the devices look for them.
+ * Internal to the library; not installed.
  */
+
+/// The path of a file; the directory ends in "/", the name is a literal.
+QString TVNG_pathIn(const QString& dir, const char* pc_name);
 
 /**
  * Opens a file for reading.

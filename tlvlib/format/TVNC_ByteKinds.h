@@ -25,26 +25,26 @@ public:
     TVNC_ByteKinds()
     {
         for (int i = 0; i < 256; ++i) {
-            const unsigned int ui_byte = static_cast<unsigned int>(i);
-            const bool b_blank = TVNG_isBlank(ui_byte) && i != '\r';
+            const unsigned int ul_byte = static_cast<unsigned int>(i);
+            const bool b_blank = TVNG_isBlank(ul_byte) && i != '\r';
             const bool b_printable = i >= 0x20 && i < 0x80;
             const bool b_markup = i == '<' || i == '&';
             const bool b_inText = (b_printable || b_blank) && !b_markup && i != '>';
             const bool b_inCdata = (b_printable || b_blank) && i != ']';
             const bool b_inValue = b_printable && !b_markup && i != '"';
-            kinds_[i] = static_cast<uchar>(
+            uc_kinds_[i] = static_cast<uchar>(
                 (b_blank ? BLANK : 0) | (b_inText ? IN_TEXT : 0) | (b_inCdata ? IN_CDATA : 0) |
-                (b_inValue ? IN_VALUE : 0) | (TVNG_isNameStart(ui_byte) ? NAME_START : 0) |
-                (TVNG_isNameCharacter(ui_byte) ? IN_NAME : 0) | (b_inValue && i != '>' ? UNESCAPED : 0));
+                (b_inValue ? IN_VALUE : 0) | (TVNG_isNameStart(ul_byte) ? NAME_START : 0) |
+                (TVNG_isNameCharacter(ul_byte) ? IN_NAME : 0) | (b_inValue && i != '>' ? UNESCAPED : 0));
         }
     }
 
-    bool is(char c_byte, Kind kind) const { return (kinds_[static_cast<uchar>(c_byte)] & kind) != 0; }
+    bool is(char c_byte, Kind kind) const { return (uc_kinds_[static_cast<uchar>(c_byte)] & kind) != 0; }
 
     /// The same for a character. Only ASCII is of any kind.
     bool is(QChar character, Kind kind) const
     {
-        return character.unicode() < 0x80 && (kinds_[character.unicode()] & kind) != 0;
+        return character.unicode() < 0x80 && (uc_kinds_[character.unicode()] & kind) != 0;
     }
 
     /// The first byte that is not of a kind.
@@ -56,7 +56,7 @@ public:
     }
 
 private:
-    uchar kinds_[256];
+    uchar uc_kinds_[256];
 };
 
 #endif

@@ -6,9 +6,9 @@
 
 namespace {
 
-const char COMMENT_START[] = "!--";
-const char CDATA_START[] = "![CDATA[";
-const char DOCTYPE_START[] = "!DOCTYPE";
+const char COMMENT_KEYWORD[] = "!--";
+const char CDATA_KEYWORD[] = "![CDATA[";
+const char DOCTYPE_KEYWORD[] = "!DOCTYPE";
 const char NAMESPACE[] = "xmlns";
 const int NAMESPACE_SIZE = sizeof NAMESPACE - 1;
 
@@ -101,26 +101,26 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
 bool TVNC_MarkupGuard::admitMarkup(char c_byte)
 {
     // Never more than eight: the longest keyword has as many, and is then told from all others.
-    markup_[si_markupSize_++] = c_byte;
-    if (markup_[0] == '?') {
+    c_markup_[si_markupSize_++] = c_byte;
+    if (c_markup_[0] == '?') {
         begin(INSTRUCTION);
-    } else if (markup_[0] == '/') {
+    } else if (c_markup_[0] == '/') {
         endElement();
         part_ = CONTENT;
-    } else if (markup_[0] != '!') {
+    } else if (c_markup_[0] != '!') {
         beginElement();
-    } else if (isAllOf(COMMENT_START, markup_, si_markupSize_)) {
+    } else if (isAllOf(COMMENT_KEYWORD, c_markup_, si_markupSize_)) {
         begin(COMMENT);
-    } else if (isAllOf(CDATA_START, markup_, si_markupSize_)) {
+    } else if (isAllOf(CDATA_KEYWORD, c_markup_, si_markupSize_)) {
         begin(CDATA);
-    } else if (isAllOf(DOCTYPE_START, markup_, si_markupSize_)) {
+    } else if (isAllOf(DOCTYPE_KEYWORD, c_markup_, si_markupSize_)) {
         if (b_elementSeen_ || b_doctypeSeen_)
             return false;
         b_doctypeSeen_ = true;
         begin(DOCTYPE);
-    } else if (!isBeginningOf(COMMENT_START, markup_, si_markupSize_) &&
-               !isBeginningOf(CDATA_START, markup_, si_markupSize_) &&
-               !isBeginningOf(DOCTYPE_START, markup_, si_markupSize_)) {
+    } else if (!isBeginningOf(COMMENT_KEYWORD, c_markup_, si_markupSize_) &&
+               !isBeginningOf(CDATA_KEYWORD, c_markup_, si_markupSize_) &&
+               !isBeginningOf(DOCTYPE_KEYWORD, c_markup_, si_markupSize_)) {
         part_ = CONTENT; // not XML: the parser stops here
     }
     return true;

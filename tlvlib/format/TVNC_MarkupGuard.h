@@ -61,7 +61,7 @@ private:
     bool endsPart(char c_byte) const;
 
     Part part_;
-    char markup_[8]; ///< in MARKUP: the characters behind '<'
+    char c_markup_[8]; ///< in MARKUP: the characters behind '<'
     int si_markupSize_;
     char c_last_; ///< the last two characters of the part
     char c_beforeLast_;

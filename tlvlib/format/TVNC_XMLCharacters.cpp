@@ -16,22 +16,22 @@ bool isXMLCharacter(ushort us_unit)
 /// in the result of the subtraction when the byte is below 0x20, and in the byte itself when it is no ASCII.
 bool areEightPrintable(const char* pc_bytes)
 {
-    quint64 word;
-    std::memcpy(&word, pc_bytes, sizeof word);
-    const quint64 high = Q_UINT64_C(0x8080808080808080);
-    return ((word | ((word - Q_UINT64_C(0x2020202020202020)) & ~word)) & high) == 0;
+    quint64 ul_word;
+    std::memcpy(&ul_word, pc_bytes, sizeof ul_word);
+    const quint64 ul_high = Q_UINT64_C(0x8080808080808080);
+    return ((ul_word | ((ul_word - Q_UINT64_C(0x2020202020202020)) & ~ul_word)) & ul_high) == 0;
 }
 
 /// How many UTF-16 units from the front are printable ASCII, to within three: four are looked at at a time.
 int printableRun(const QChar* pc_text, int si_size)
 {
-    const quint64 high = Q_UINT64_C(0x8000800080008000);
+    const quint64 ul_high = Q_UINT64_C(0x8000800080008000);
     int i = 0;
     for (; i + 4 <= si_size; i += 4) {
-        quint64 word;
-        std::memcpy(&word, pc_text + i, sizeof word);
-        const bool b_ascii = (word & Q_UINT64_C(0xFF80FF80FF80FF80)) == 0;
-        if (!b_ascii || (((word | high) - Q_UINT64_C(0x0020002000200020)) & high) != high)
+        quint64 ul_word;
+        std::memcpy(&ul_word, pc_text + i, sizeof ul_word);
+        const bool b_ascii = (ul_word & Q_UINT64_C(0xFF80FF80FF80FF80)) == 0;
+        if (!b_ascii || (((ul_word | ul_high) - Q_UINT64_C(0x0020002000200020)) & ul_high) != ul_high)
             break;
     }
     return i;
@@ -72,8 +72,8 @@ bool TVNC_XMLCharacters::arePrintable(const char* pc_bytes, int si_size)
 
 int TVNC_XMLCharacters::sequenceLength(const char* pc_bytes, int si_size)
 {
-    const uchar* const b = reinterpret_cast<const uchar*>(pc_bytes);
-    const uchar uc_lead = b[0];
+    const uchar* const pc_sequence = reinterpret_cast<const uchar*>(pc_bytes);
+    const uchar uc_lead = pc_sequence[0];
     if (uc_lead < 0x80)
         return 1;
     if (uc_lead < 0xC2 || uc_lead > 0xF4) // the rest of a sequence, an overlong form, too large a value
@@ -85,7 +85,7 @@ int TVNC_XMLCharacters::sequenceLength(const char* pc_bytes, int si_size)
     for (int i = 1; i < si_length; ++i) {
         if (i == si_size)
             return CUT_OFF;
-        if (b[i] < uc_min || b[i] > uc_max)
+        if (pc_sequence[i] < uc_min || pc_sequence[i] > uc_max)
             return NO_SEQUENCE;
         uc_min = 0x80;
         uc_max = 0xBF;
@@ -95,12 +95,13 @@ int TVNC_XMLCharacters::sequenceLength(const char* pc_bytes, int si_size)
 
 bool TVNC_XMLCharacters::isNoncharacter(const char* pc_bytes, int si_length)
 {
-    const uchar* const b = reinterpret_cast<const uchar*>(pc_bytes);
-    if (si_length == 3 && b[0] == 0xEF && b[1] == 0xB7)
-        return b[2] >= 0x90 && b[2] <= 0xAF;
+    const uchar* const pc_sequence = reinterpret_cast<const uchar*>(pc_bytes);
+    if (si_length == 3 && pc_sequence[0] == 0xEF && pc_sequence[1] == 0xB7)
+        return pc_sequence[2] >= 0x90 && pc_sequence[2] <= 0xAF;
     if (si_length == 3)
-        return b[0] == 0xEF && b[1] == 0xBF && b[2] >= 0xBE;
-    return si_length == 4 && (b[1] & 0x0F) == 0x0F && b[2] == 0xBF && b[3] >= 0xBE;
+        return pc_sequence[0] == 0xEF && pc_sequence[1] == 0xBF && pc_sequence[2] >= 0xBE;
+    return si_length == 4 && (pc_sequence[1] & 0x0F) == 0x0F && pc_sequence[2] == 0xBF &&
+           pc_sequence[3] >= 0xBE;
 }
 
 TVNC_XMLCharacters::Check TVNC_XMLCharacters::check(QByteArray& piece)

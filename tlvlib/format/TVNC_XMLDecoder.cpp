@@ -15,19 +15,19 @@ int mibOfFirstBytes(const QByteArray& head)
 {
     if (head.size() < 4)
         return UTF8_MIB;
-    const uchar* const b = reinterpret_cast<const uchar*>(head.constData());
-    if ((b[0] == 0 && b[1] == 0 && b[2] == 0xFE && b[3] == 0xFF) ||
-        (b[0] == 0xFF && b[1] == 0xFE && b[2] == 0 && b[3] == 0))
+    const uchar* const pc_head = reinterpret_cast<const uchar*>(head.constData());
+    if ((pc_head[0] == 0 && pc_head[1] == 0 && pc_head[2] == 0xFE && pc_head[3] == 0xFF) ||
+        (pc_head[0] == 0xFF && pc_head[1] == 0xFE && pc_head[2] == 0 && pc_head[3] == 0))
         return 1017; // UTF-32 with byte order mark
-    if (b[0] == '<' && b[1] == 0 && b[2] == 0 && b[3] == 0)
+    if (pc_head[0] == '<' && pc_head[1] == 0 && pc_head[2] == 0 && pc_head[3] == 0)
         return 1019; // UTF-32LE
-    if (b[0] == 0 && b[1] == 0 && b[2] == 0 && b[3] == '<')
+    if (pc_head[0] == 0 && pc_head[1] == 0 && pc_head[2] == 0 && pc_head[3] == '<')
         return 1018; // UTF-32BE
-    if ((b[0] == 0xFE && b[1] == 0xFF) || (b[0] == 0xFF && b[1] == 0xFE))
+    if ((pc_head[0] == 0xFE && pc_head[1] == 0xFF) || (pc_head[0] == 0xFF && pc_head[1] == 0xFE))
         return 1015; // UTF-16 with byte order mark
-    if (b[0] == '<' && b[1] == 0)
+    if (pc_head[0] == '<' && pc_head[1] == 0)
         return 1014; // UTF-16LE
-    if (b[0] == 0 && b[1] == '<')
+    if (pc_head[0] == 0 && pc_head[1] == '<')
         return 1013; // UTF-16BE
     return UTF8_MIB;
 }

@@ -5,8 +5,12 @@
 
 #include <cstring>
 
+namespace {
+
 /// Bytes read from the source at a time: what the stream reader asks for.
-static const int PIECE_SIZE = 8192;
+const int PIECE_SIZE = 8192;
+
+} // namespace
 
 TVNC_XMLInput::TVNC_XMLInput(QIODevice& source) : source_(source), si_outputTaken_(0), b_ended_(false)
 {
@@ -22,10 +26,10 @@ qint64 TVNC_XMLInput::readData(char* pc_data, qint64 maxSize)
 {
     if (si_outputTaken_ == output_.size() && !b_ended_)
         produce();
-    const qint64 size = qMin(maxSize, static_cast<qint64>(output_.size() - si_outputTaken_));
-    std::memcpy(pc_data, output_.constData() + si_outputTaken_, static_cast<size_t>(size));
-    si_outputTaken_ += static_cast<int>(size);
-    return size;
+    const qint64 si_size = qMin(maxSize, static_cast<qint64>(output_.size() - si_outputTaken_));
+    std::memcpy(pc_data, output_.constData() + si_outputTaken_, static_cast<size_t>(si_size));
+    si_outputTaken_ += static_cast<int>(si_size);
+    return si_size;
 }
 
 qint64 TVNC_XMLInput::writeData(const char*, qint64)
@@ -63,10 +67,10 @@ QByteArray TVNC_XMLInput::readSource()
     bytes.resize(si_capacity);
     int si_size = 0;
     while (si_size < si_capacity) {
-        const qint64 count = source_.read(bytes.data() + si_size, si_capacity - si_size);
-        if (count <= 0)
+        const qint64 si_count = source_.read(bytes.data() + si_size, si_capacity - si_size);
+        if (si_count <= 0)
             break;
-        si_size += static_cast<int>(count);
+        si_size += static_cast<int>(si_count);
     }
     bytes.truncate(si_size);
     return bytes;

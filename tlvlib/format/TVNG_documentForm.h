@@ -37,23 +37,23 @@ const char TVNG_CHARACTER_DATA = 0;
 const char TVNG_CDATA_SECTION = 1;
 
 /// What XML calls white space.
-inline bool TVNG_isBlank(unsigned int ui_character)
+inline bool TVNG_isBlank(unsigned int ul_character)
 {
-    return ui_character == ' ' || ui_character == '\t' || ui_character == '\n' || ui_character == '\r';
+    return ul_character == ' ' || ul_character == '\t' || ul_character == '\n' || ul_character == '\r';
 }
 
 /// The names of the library's own documents are made of ASCII letters, digits and a few signs. XML allows
 /// more, and so does the tree.
-inline bool TVNG_isNameStart(unsigned int ui_character)
+inline bool TVNG_isNameStart(unsigned int ul_character)
 {
-    return (ui_character >= 'a' && ui_character <= 'z') || (ui_character >= 'A' && ui_character <= 'Z') ||
-           ui_character == '_';
+    return (ul_character >= 'a' && ul_character <= 'z') || (ul_character >= 'A' && ul_character <= 'Z') ||
+           ul_character == '_';
 }
 
-inline bool TVNG_isNameCharacter(unsigned int ui_character)
+inline bool TVNG_isNameCharacter(unsigned int ul_character)
 {
-    return TVNG_isNameStart(ui_character) || (ui_character >= '0' && ui_character <= '9') ||
-           ui_character == '-' || ui_character == '.';
+    return TVNG_isNameStart(ul_character) || (ul_character >= '0' && ul_character <= '9') ||
+           ul_character == '-' || ul_character == '.';
 }
 
 #endif

@@ -2,15 +2,17 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SecretSave.h"
+#include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
 
 namespace {
 
+const char COMMON_FILE[] = "repostry.xml";
+
 /// Every preference of the document, in the order in which a new one gets them.
-struct Preferences : public TVNC_PreferenceList
+struct CommonPreferences : public TVNC_PreferenceList
 {
     TVNC_ChoicePreference acceptCookie{*this, "cookie", "acceptCookie", TVNG_REFUSE_ACCEPT, 1};
     TVNC_ChoicePreference enableCache{*this, "cache", "enableCache", TVNG_FALSE_TRUE, 1};
@@ -31,14 +33,9 @@ struct Preferences : public TVNC_PreferenceList
     TVNC_ChoicePreference enableTLS10{*this, "security", "enableTLS10", TVNG_FALSE_TRUE, 1};
 };
 
-const Preferences& preferences()
+const CommonPreferences& commonPreferences()
 {
-    return TVNG_immortal<Preferences>();
-}
-
-QString pathIn(const QString& dir)
-{
-    return dir + QEXC_TextCodec::fromSJIS("repostry.xml");
+    return TVNG_immortal<CommonPreferences>();
 }
 
 } // namespace
@@ -60,9 +57,9 @@ void TVNC_BrowserCommonSetting::loadSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserCommonSetting::loadSetting] Common Path is NULL or empty.");
         return;
     }
-    QString path = pathIn(*dir);
+    QString path = TVNG_pathIn(*dir, COMMON_FILE);
     load(path);
-    preferences().complete(*this, "repostry_common");
+    commonPreferences().complete(*this, "repostry_common");
     TVNG_DebugPrint(3, "[TVNC_BrowserCommonSetting::loadSetting] end");
 }
 
@@ -73,7 +70,7 @@ void TVNC_BrowserCommonSetting::saveSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserCommonSetting::saveSetting] Common Path is NULL or empty.");
         return;
     }
-    QString path = pathIn(*dir);
+    QString path = TVNG_pathIn(*dir, COMMON_FILE);
     QByteArray password;
     getProxyPasswordStr(&password);
     const TVNC_SecretSave secret(!password.isEmpty());
@@ -95,174 +92,174 @@ void TVNC_BrowserCommonSetting::setKeyBoardTypeInfo(char c_type)
 
 void TVNC_BrowserCommonSetting::setRcvCookieInfo(char c_accept)
 {
-    preferences().acceptCookie.set(*this, c_accept);
+    commonPreferences().acceptCookie.set(*this, c_accept);
 }
 
 char TVNC_BrowserCommonSetting::getRcvCookieInfo()
 {
-    return static_cast<char>(preferences().acceptCookie.code(*this));
+    return static_cast<char>(commonPreferences().acceptCookie.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseCacheInfo(char c_use)
 {
-    preferences().enableCache.set(*this, c_use);
+    commonPreferences().enableCache.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseCacheInfo()
 {
-    return static_cast<char>(preferences().enableCache.code(*this));
+    return static_cast<char>(commonPreferences().enableCache.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setCacheDeleteTiming(char c_timing)
 {
-    preferences().cacheDeleteTiming.set(*this, c_timing);
+    commonPreferences().cacheDeleteTiming.set(*this, c_timing);
 }
 
 char TVNC_BrowserCommonSetting::getCacheDeleteTiming()
 {
-    return static_cast<char>(preferences().cacheDeleteTiming.code(*this));
+    return static_cast<char>(commonPreferences().cacheDeleteTiming.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setSWKeyBoardTypeInfo(char c_soft)
 {
-    preferences().keyBoardPriority.set(*this, c_soft);
+    commonPreferences().keyBoardPriority.set(*this, c_soft);
 }
 
 char TVNC_BrowserCommonSetting::getSWKeyBoardTypeInfo()
 {
-    return static_cast<char>(preferences().keyBoardPriority.code(*this));
+    return static_cast<char>(commonPreferences().keyBoardPriority.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseJavaScriptInfo(char c_use)
 {
-    preferences().enableJavascript.set(*this, c_use);
+    commonPreferences().enableJavascript.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseJavaScriptInfo()
 {
-    return static_cast<char>(preferences().enableJavascript.code(*this));
+    return static_cast<char>(commonPreferences().enableJavascript.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setPlayFlashInfo(char c_play)
 {
-    preferences().enableFlashPlugin.set(*this, c_play);
+    commonPreferences().enableFlashPlugin.set(*this, c_play);
 }
 
 char TVNC_BrowserCommonSetting::getPlayFlashInfo()
 {
-    return static_cast<char>(preferences().enableFlashPlugin.code(*this));
+    return static_cast<char>(commonPreferences().enableFlashPlugin.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseProxyInfo(char c_use)
 {
-    preferences().enableProxy.set(*this, c_use);
+    commonPreferences().enableProxy.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseProxyInfo()
 {
-    return static_cast<char>(preferences().enableProxy.code(*this));
+    return static_cast<char>(commonPreferences().enableProxy.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseProxyHttpInfo(char c_use)
 {
-    preferences().enableHTTP11.set(*this, c_use);
+    commonPreferences().enableHTTP11.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseProxyHttpInfo()
 {
-    return static_cast<char>(preferences().enableHTTP11.code(*this));
+    return static_cast<char>(commonPreferences().enableHTTP11.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseProxyCertificationInfo(char c_use)
 {
-    preferences().enableProxyAuth.set(*this, c_use);
+    commonPreferences().enableProxyAuth.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseProxyCertificationInfo()
 {
-    return static_cast<char>(preferences().enableProxyAuth.code(*this));
+    return static_cast<char>(commonPreferences().enableProxyAuth.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseSSL30(char c_use)
 {
-    preferences().enableSSL30.set(*this, c_use);
+    commonPreferences().enableSSL30.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseSSL30()
 {
-    return static_cast<char>(preferences().enableSSL30.code(*this));
+    return static_cast<char>(commonPreferences().enableSSL30.code(*this));
 }
 
 void TVNC_BrowserCommonSetting::setUseTLS10(char c_use)
 {
-    preferences().enableTLS10.set(*this, c_use);
+    commonPreferences().enableTLS10.set(*this, c_use);
 }
 
 char TVNC_BrowserCommonSetting::getUseTLS10()
 {
-    return static_cast<char>(preferences().enableTLS10.code(*this));
+    return static_cast<char>(commonPreferences().enableTLS10.code(*this));
 }
 
 // --- Texts ------------------------------------------------------------------------------------------------
 
 bool TVNC_BrowserCommonSetting::setProxyServerStr(QString host)
 {
-    return preferences().hostName.set(*this, host);
+    return commonPreferences().hostName.set(*this, host);
 }
 
 void TVNC_BrowserCommonSetting::getProxyServerStr(QString* pc_host)
 {
-    preferences().hostName.get(*this, pc_host);
+    commonPreferences().hostName.get(*this, pc_host);
 }
 
 bool TVNC_BrowserCommonSetting::setProxyHttpPortStr(QString port)
 {
-    return preferences().portHTTP.set(*this, port);
+    return commonPreferences().portHTTP.set(*this, port);
 }
 
 void TVNC_BrowserCommonSetting::getProxyHttpPortStr(QString* pc_port)
 {
-    preferences().portHTTP.get(*this, pc_port);
+    commonPreferences().portHTTP.get(*this, pc_port);
 }
 
 bool TVNC_BrowserCommonSetting::setProxyHttpsPortStr(QString port)
 {
-    return preferences().portHTTPS.set(*this, port);
+    return commonPreferences().portHTTPS.set(*this, port);
 }
 
 void TVNC_BrowserCommonSetting::getProxyHttpsPortStr(QString* pc_port)
 {
-    preferences().portHTTPS.get(*this, pc_port);
+    commonPreferences().portHTTPS.get(*this, pc_port);
 }
 
 bool TVNC_BrowserCommonSetting::setNoProxyDomainStr(QString domains)
 {
-    return preferences().unusedDomain.set(*this, domains);
+    return commonPreferences().unusedDomain.set(*this, domains);
 }
 
 void TVNC_BrowserCommonSetting::getNoProxyDomainStr(QString* pc_domains)
 {
-    preferences().unusedDomain.get(*this, pc_domains);
+    commonPreferences().unusedDomain.get(*this, pc_domains);
 }
 
 // --- The login for the proxy ------------------------------------------------------------------------------
 
 bool TVNC_BrowserCommonSetting::setProxyAccountStr(QByteArray account)
 {
-    return preferences().proxyUserName.set(*this, account);
+    return commonPreferences().proxyUserName.set(*this, account);
 }
 
 void TVNC_BrowserCommonSetting::getProxyAccountStr(QByteArray* pc_account)
 {
-    preferences().proxyUserName.get(*this, pc_account);
+    commonPreferences().proxyUserName.get(*this, pc_account);
 }
 
 bool TVNC_BrowserCommonSetting::setProxyPasswordStr(QByteArray password)
 {
-    return preferences().proxyUserPass.set(*this, password);
+    return commonPreferences().proxyUserPass.set(*this, password);
 }
 
 void TVNC_BrowserCommonSetting::getProxyPasswordStr(QByteArray* pc_password)
 {
-    preferences().proxyUserPass.get(*this, pc_password);
+    commonPreferences().proxyUserPass.get(*this, pc_password);
 }

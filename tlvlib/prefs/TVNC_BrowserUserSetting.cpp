@@ -1,19 +1,21 @@
 #include "tlvlib/prefs/TVNC_BrowserUserSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
 
 namespace {
+
+const char USER_FILE[] = "repostry_private.xml";
 
 const int ZOOM_DEFAULT = 6;
 
 const char BLANK_PAGE[] = "about:blank";
 
 /// Every preference of the document, in the order in which a new one gets them.
-struct Preferences : public TVNC_PreferenceList
+struct UserPreferences : public TVNC_PreferenceList
 {
     TVNC_TextPreference home{
         *this, "pageInfo", "home", TVNG_TEXT_MAX_BYTES, BLANK_PAGE, TVNC_TextPreference::EMPTY_IS_DEFAULT};
@@ -28,14 +30,9 @@ struct Preferences : public TVNC_PreferenceList
     TVNC_TextPreference fontName{*this, "font", "fontName", TVNG_TEXT_MAX_BYTES, ""};
 };
 
-const Preferences& preferences()
+const UserPreferences& userPreferences()
 {
-    return TVNG_immortal<Preferences>();
-}
-
-QString pathIn(const QString& dir)
-{
-    return dir + QEXC_TextCodec::fromSJIS("repostry_private.xml");
+    return TVNG_immortal<UserPreferences>();
 }
 
 } // namespace
@@ -57,9 +54,9 @@ void TVNC_BrowserUserSetting::loadSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::loadSetting] User Path is NULL or empty.");
         return;
     }
-    QString path = pathIn(*dir);
+    QString path = TVNG_pathIn(*dir, USER_FILE);
     load(path);
-    preferences().complete(*this, "repostry");
+    userPreferences().complete(*this, "repostry");
     TVNG_DebugPrint(3, "[TVNC_BrowserUserSetting::loadSetting] end");
 }
 
@@ -70,83 +67,83 @@ void TVNC_BrowserUserSetting::saveSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::saveSetting] User Path is NULL or empty.");
         return;
     }
-    QString path = pathIn(*dir);
+    QString path = TVNG_pathIn(*dir, USER_FILE);
     save(path);
     TVNG_DebugPrint(3, "[TVNC_BrowserUserSetting::saveSetting] end");
 }
 
 void TVNC_BrowserUserSetting::setStartUp(char c_startUp)
 {
-    preferences().startup.set(*this, c_startUp);
+    userPreferences().startup.set(*this, c_startUp);
 }
 
 char TVNC_BrowserUserSetting::getStartUp()
 {
-    return static_cast<char>(preferences().startup.code(*this));
+    return static_cast<char>(userPreferences().startup.code(*this));
 }
 
 void TVNC_BrowserUserSetting::setCookieDeleteTiming(char c_timing)
 {
-    preferences().cookieDeleteTiming.set(*this, c_timing);
+    userPreferences().cookieDeleteTiming.set(*this, c_timing);
 }
 
 char TVNC_BrowserUserSetting::getCookieDeleteTiming()
 {
-    return static_cast<char>(preferences().cookieDeleteTiming.code(*this));
+    return static_cast<char>(userPreferences().cookieDeleteTiming.code(*this));
 }
 
 void TVNC_BrowserUserSetting::setCertificationDeleteTiming(char c_timing)
 {
-    preferences().authInfoDeleteTiming.set(*this, c_timing);
+    userPreferences().authInfoDeleteTiming.set(*this, c_timing);
 }
 
 char TVNC_BrowserUserSetting::getCertificationDeleteTiming()
 {
-    return static_cast<char>(preferences().authInfoDeleteTiming.code(*this));
+    return static_cast<char>(userPreferences().authInfoDeleteTiming.code(*this));
 }
 
 bool TVNC_BrowserUserSetting::setHomePage(QString url)
 {
-    return preferences().home.set(*this, url);
+    return userPreferences().home.set(*this, url);
 }
 
 void TVNC_BrowserUserSetting::getHomePage(QString* pc_url)
 {
     if (!pc_url)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::getHomePage] Parameter is NULL.");
-    preferences().home.get(*this, pc_url);
+    userPreferences().home.get(*this, pc_url);
 }
 
 bool TVNC_BrowserUserSetting::setLastPage(QString url)
 {
-    return preferences().lastPageURL.set(*this, url);
+    return userPreferences().lastPageURL.set(*this, url);
 }
 
 void TVNC_BrowserUserSetting::getLastPage(QString* pc_url)
 {
     if (!pc_url)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::getLastPage] Parameter is NULL.");
-    preferences().lastPageURL.get(*this, pc_url);
+    userPreferences().lastPageURL.get(*this, pc_url);
 }
 
 bool TVNC_BrowserUserSetting::setFontName(QString name)
 {
-    return preferences().fontName.set(*this, name);
+    return userPreferences().fontName.set(*this, name);
 }
 
 void TVNC_BrowserUserSetting::getFontName(QString* pc_name)
 {
     if (!pc_name)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::getFontName] Parameter is NULL.");
-    preferences().fontName.get(*this, pc_name);
+    userPreferences().fontName.get(*this, pc_name);
 }
 
 bool TVNC_BrowserUserSetting::setZoomInfo(short si_code)
 {
-    return preferences().zoom.setOrRefuse(*this, si_code);
+    return userPreferences().zoom.setOrRefuse(*this, si_code);
 }
 
 short TVNC_BrowserUserSetting::getZoomInfo()
 {
-    return static_cast<short>(preferences().zoom.code(*this));
+    return static_cast<short>(userPreferences().zoom.code(*this));
 }

@@ -16,7 +16,7 @@
 namespace {
 
 /// The names and words in the document.
-struct Names
+struct AuthNames
 {
     QString file = QEXC_TextCodec::fromSJIS("authinfo.xml");
     QString root = QEXC_TextCodec::fromSJIS("authentication");
@@ -27,7 +27,7 @@ struct Names
     QString user = QEXC_TextCodec::fromSJIS("user");
     QString passwd = QEXC_TextCodec::fromSJIS("passwd");
 
-    Names()
+    AuthNames()
     {
         for (unsigned char i = 0; i < TVNG_AUTH_TYPE_COUNT; ++i)
             authTypes[i] = QEXC_TextCodec::fromSJIS(TVNG_AUTH_TYPES[i]);
@@ -35,29 +35,29 @@ struct Names
     QString authTypes[TVNG_AUTH_TYPE_COUNT]; ///< the word of each code
 };
 
-Names& names()
+AuthNames& authNames()
 {
-    return TVNG_immortal<Names>();
+    return TVNG_immortal<AuthNames>();
 }
 
 /// The word of a code; empty for a code that has none.
 QString wordOf(unsigned char uc_authType)
 {
-    return uc_authType < TVNG_AUTH_TYPE_COUNT ? names().authTypes[uc_authType] : QString();
+    return uc_authType < TVNG_AUTH_TYPE_COUNT ? authNames().authTypes[uc_authType] : QString();
 }
 
 /// The code of a word. Words that are none count as "basic".
 unsigned char codeOf(const QString& word)
 {
     for (unsigned char i = 0; i < TVNG_AUTH_TYPE_COUNT; ++i) {
-        if (names().authTypes[i] == word)
+        if (authNames().authTypes[i] == word)
             return i;
     }
     return 0;
 }
 
 /// Copies a text element, if it is there and not too long.
-void copyText(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QString& text)
+void copyShortText(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QString& text)
 {
     TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name);
     if (pc_element && TVNG_fitsUtf8(pc_element->getText(), si_maxBytes))
@@ -97,7 +97,7 @@ void TVNC_AuthSetting::loadAuthInfo(QString* dir, int si_loadMax)
     // Only remembered: entries beyond the maximum are kept. Browsers count the list themselves.
     si_maxCount_ = si_loadMax;
     deleteAllSetting();
-    QString path = *dir + names().file;
+    QString path = *dir + authNames().file;
     load(path);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::loadAuthInfo] end");
@@ -115,8 +115,8 @@ void TVNC_AuthSetting::saveAuthInfo(QString* dir, int si_saveMax)
         TVNG_DebugPrint(2, "[TVNC_AuthSetting::saveAuthInfo] Error save_max:%d", si_saveMax);
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), names().root);
-    QString path = *dir + names().file;
+    TVNG_nameRoot(getXMLRootNode(), authNames().root);
+    QString path = *dir + authNames().file;
     const TVNC_SecretSave secret(true);
     save(path);
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::saveAuthInfo] end");
@@ -138,14 +138,14 @@ void TVNC_AuthSetting::addAuthInfo(TVNS_AuthInfo* pc_info)
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::addAuthInfo]");
     if (!pc_info)
         return;
-    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().authInfo, 1);
+    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, authNames().authInfo, 1);
     if (!pc_entry)
         return;
-    TVNG_addField(*this, pc_entry, names().hostName, pc_info->hostName, TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().portNum, pc_info->portNum, TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().authType, wordOf(pc_info->authType), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().user, TVNG_toBase64(pc_info->user), TVNG_CDATA_SECTION);
-    TVNG_addField(*this, pc_entry, names().passwd, TVNG_toBase64(pc_info->passwd), TVNG_CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, authNames().hostName, pc_info->hostName, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, authNames().portNum, pc_info->portNum, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, authNames().authType, wordOf(pc_info->authType), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, authNames().user, TVNG_toBase64(pc_info->user), TVNG_CDATA_SECTION);
+    TVNG_addField(*this, pc_entry, authNames().passwd, TVNG_toBase64(pc_info->passwd), TVNG_CDATA_SECTION);
     TVNG_releaseDetached(pc_entry);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
@@ -173,18 +173,18 @@ int TVNC_AuthSetting::getAuthInfo(int si_index, TVNS_AuthInfo* pc_out)
         return 0;
     // What is missing or too long keeps the caller's value, and the result stays 1: browsers set defaults
     // beforehand.
-    copyText(pc_entry, names().hostName, TVNG_HOST_NAME_MAX_BYTES, pc_out->hostName);
-    copyText(pc_entry, names().portNum, TVNG_PORT_NUM_MAX_BYTES, pc_out->portNum);
-    TVNC_XMLNode* pc_authType = pc_entry->getXMLNodeChildByName(names().authType);
+    copyShortText(pc_entry, authNames().hostName, TVNG_HOST_NAME_MAX_BYTES, pc_out->hostName);
+    copyShortText(pc_entry, authNames().portNum, TVNG_PORT_NUM_MAX_BYTES, pc_out->portNum);
+    TVNC_XMLNode* pc_authType = pc_entry->getXMLNodeChildByName(authNames().authType);
     pc_out->authType = pc_authType ? codeOf(pc_authType->getText()) : static_cast<unsigned char>(0);
-    copyBytes(pc_entry, names().user, TVNG_USER_MAX_BYTES, pc_out->user);
-    copyBytes(pc_entry, names().passwd, TVNG_PASSWD_MAX_BYTES, pc_out->passwd);
+    copyBytes(pc_entry, authNames().user, TVNG_USER_MAX_BYTES, pc_out->user);
+    copyBytes(pc_entry, authNames().passwd, TVNG_PASSWD_MAX_BYTES, pc_out->passwd);
     return 1;
 }
 
 int TVNC_AuthSetting::getAuthInfoCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().authInfo);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), authNames().authInfo);
 }
 
 void TVNC_AuthSetting::deleteAuthInfo(int si_index)

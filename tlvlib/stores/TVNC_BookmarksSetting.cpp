@@ -24,7 +24,7 @@ const int THUMBNAIL_EXTENSION_LENGTH = 4;
 const char THUMBNAIL_FORMAT[] = "PNG";
 
 /// The names in the document.
-struct Names
+struct BookmarkNames
 {
     QString file = QEXC_TextCodec::fromSJIS("bookmark.xml");
     QString thumbnailDirectory = QEXC_TextCodec::fromSJIS("thumbnail/");
@@ -36,9 +36,9 @@ struct Names
     QString thumbnail = QEXC_TextCodec::fromSJIS("thumbnail");
 };
 
-Names& names()
+BookmarkNames& bookmarkNames()
 {
-    return TVNG_immortal<Names>();
+    return TVNG_immortal<BookmarkNames>();
 }
 
 /// What getBookmarkChildNode() selects.
@@ -53,11 +53,11 @@ TVNC_XMLNode* childOf(TVNC_XMLNode* pc_record, char c_which)
         return nullptr;
     switch (c_which) {
     case TITLE:
-        return pc_record->getXMLNodeChildByName(names().title);
+        return pc_record->getXMLNodeChildByName(bookmarkNames().title);
     case HREF:
-        return pc_record->getXMLNodeChildByName(names().href);
+        return pc_record->getXMLNodeChildByName(bookmarkNames().href);
     case THUMBNAIL:
-        return pc_record->getXMLNodeChildByName(names().thumbnail);
+        return pc_record->getXMLNodeChildByName(bookmarkNames().thumbnail);
     default:
         return nullptr;
     }
@@ -71,16 +71,16 @@ QString titleOf(TVNC_XMLNode& title)
 
 QString urlOf(TVNC_XMLNode& href)
 {
-    return TVNG_fitsUtf8(href.getText(), TVNG_URL_MAX_BYTES) ? href.getText() : names().aboutBlank;
+    return TVNG_fitsUtf8(href.getText(), TVNG_URL_MAX_BYTES) ? href.getText() : bookmarkNames().aboutBlank;
 }
 
 QString makeThumbFilePath(QString& path, QString& dir)
 {
     // In one piece: there may be a thousand, and each stays in memory.
     QString full;
-    full.reserve(dir.size() + names().thumbnailDirectory.size() + path.size());
+    full.reserve(dir.size() + bookmarkNames().thumbnailDirectory.size() + path.size());
     full += dir;
-    full += names().thumbnailDirectory;
+    full += bookmarkNames().thumbnailDirectory;
     full += path;
     return full;
 }
@@ -147,7 +147,7 @@ void TVNC_BookmarksSetting::loadBookmark(QString* dir, int si_loadMax, int& si_l
     }
     si_maxCount_ = si_loadMax;
     deleteAllSetting();
-    QString path = *dir + names().file;
+    QString path = *dir + bookmarkNames().file;
     load(path);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     addThumbnailFilePath(dir);
@@ -167,9 +167,9 @@ void TVNC_BookmarksSetting::saveBookmark(QString* dir, int si_saveMax)
         TVNG_DebugPrint(2, "[TVNC_BookmarksSetting::saveBookmark] Error save_max:%d", si_saveMax);
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), names().root);
+    TVNG_nameRoot(getXMLRootNode(), bookmarkNames().root);
     removeThumbnailFilePath();
-    QString path = *dir + names().file;
+    QString path = *dir + bookmarkNames().file;
     save(path);
     addThumbnailFilePath(dir);
     TVNG_DebugPrint(3, "[TVNC_BookmarksSetting::saveBookmark] end");
@@ -177,7 +177,7 @@ void TVNC_BookmarksSetting::saveBookmark(QString* dir, int si_saveMax)
 
 int TVNC_BookmarksSetting::getBookmarkCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().bookmark);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), bookmarkNames().bookmark);
 }
 
 bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
@@ -186,17 +186,17 @@ bool TVNC_BookmarksSetting::setBookmark(TVNS_Bookmark* pc_bookmark)
     if (!pc_bookmark || !TVNG_fitsUtf8(pc_bookmark->href, TVNG_URL_MAX_BYTES) ||
         !TVNG_fitsUtf8(pc_bookmark->thumbnail, TVNG_THUMBNAIL_PATH_MAX_BYTES))
         return false;
-    TVNC_XMLNode* pc_record = TVNG_addRecord(*this, names().bookmark, 1);
+    TVNC_XMLNode* pc_record = TVNG_addRecord(*this, bookmarkNames().bookmark, 1);
     if (!pc_record) {
         TVNG_DebugPrint(1, "[TVNC_BookmarksSetting::setBookmark] Failed to new TVNC_XMLNode.");
         return false;
     }
     const bool b_fits = TVNG_fitsUtf8(pc_bookmark->title, TVNG_TITLE_MAX_BYTES);
-    TVNG_addField(*this, pc_record, names().href, pc_bookmark->href, TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_record, names().title,
+    TVNG_addField(*this, pc_record, bookmarkNames().href, pc_bookmark->href, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, bookmarkNames().title,
                   b_fits ? pc_bookmark->title : ClipString(pc_bookmark->title, TVNG_TITLE_MAX_BYTES),
                   TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_record, names().thumbnail, pc_bookmark->thumbnail, TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_record, bookmarkNames().thumbnail, pc_bookmark->thumbnail, TVNG_CHARACTER_DATA);
     TVNG_releaseDetached(pc_record);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     return true;
@@ -329,8 +329,8 @@ bool TVNC_BookmarksSetting::deleteThumbnail(QString* pc_path)
 TVNC_XMLNode* TVNC_BookmarksSetting::getThumbNode(int& si_index)
 {
     TVNC_XMLNode* pc_root = getXMLRootNode();
-    TVNC_XMLNode* pc_record = pc_root ? pc_root->getChildByName(names().bookmark, si_index) : nullptr;
-    return pc_record ? pc_record->getXMLNodeChildByName(names().thumbnail) : nullptr;
+    TVNC_XMLNode* pc_record = pc_root ? pc_root->getChildByName(bookmarkNames().bookmark, si_index) : nullptr;
+    return pc_record ? pc_record->getXMLNodeChildByName(bookmarkNames().thumbnail) : nullptr;
 }
 
 QString TVNC_BookmarksSetting::getThumbFilePath(TVNC_XMLNode* pc_node)

@@ -18,7 +18,7 @@
 namespace {
 
 /// The names and words in the document.
-struct Names
+struct CookieNames
 {
     QString root = QEXC_TextCodec::fromSJIS("cookie");
     QString webSiteInfo = QEXC_TextCodec::fromSJIS("webSiteInfo");
@@ -33,31 +33,25 @@ struct Names
     QString expiresFormat = QEXC_TextCodec::fromSJIS(TVNG_EXPIRES_FORMAT);
 };
 
-Names& names()
+CookieNames& cookieNames()
 {
-    return TVNG_immortal<Names>();
+    return TVNG_immortal<CookieNames>();
 }
 
 const QString& secureText(const QNetworkCookie& cookie)
 {
-    return cookie.isSecure() ? names().isSecure : names().isNotSecure;
+    return cookie.isSecure() ? cookieNames().isSecure : cookieNames().isNotSecure;
 }
 
-void copyText(TVNC_XMLNode* pc_entry, QString& name, QString& text)
-{
-    if (TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name))
-        text = pc_element->getText();
-}
-
-TVNS_CookieInfo infoOf(TVNC_XMLNode* pc_entry)
+TVNS_CookieInfo infoOf(TVNC_XMLNode& entry)
 {
     TVNS_CookieInfo info;
-    copyText(pc_entry, names().website, info.website);
-    copyText(pc_entry, names().name, info.name);
-    copyText(pc_entry, names().path, info.path);
-    copyText(pc_entry, names().secure, info.secure);
-    copyText(pc_entry, names().expires, info.expires);
-    copyText(pc_entry, names().contents, info.contents);
+    TVNG_copyField(entry, cookieNames().website, info.website);
+    TVNG_copyField(entry, cookieNames().name, info.name);
+    TVNG_copyField(entry, cookieNames().path, info.path);
+    TVNG_copyField(entry, cookieNames().secure, info.secure);
+    TVNG_copyField(entry, cookieNames().expires, info.expires);
+    TVNG_copyField(entry, cookieNames().contents, info.contents);
     return info;
 }
 
@@ -67,10 +61,10 @@ QNetworkCookie cookieOf(const TVNS_CookieInfo& info)
     cookie.setDomain(info.website);
     cookie.setName(info.name.toUtf8());
     cookie.setPath(info.path);
-    cookie.setSecure(info.secure == names().isSecure);
+    cookie.setSecure(info.secure == cookieNames().isSecure);
     // Local time, although what was written came from the network in UTC: the clock time is kept, here and in
     // the files.
-    cookie.setExpirationDate(TVNG_acceptedTime(TVNG_clockTime(info.expires, names().expiresFormat)));
+    cookie.setExpirationDate(TVNG_acceptedTime(TVNG_clockTime(info.expires, cookieNames().expiresFormat)));
     cookie.setValue(info.contents.toUtf8());
     return cookie;
 }
@@ -96,17 +90,17 @@ TVNC_CookieSetting* TVNC_CookieSetting::getInstance()
 void TVNC_CookieSetting::addCookieInfo(QNetworkCookie& cookie)
 {
     TVNG_DebugPrint(3, "[TVNC_CookieSetting::addCookieInfo]");
-    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, names().webSiteInfo, 1);
+    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, cookieNames().webSiteInfo, 1);
     if (!pc_entry)
         return;
-    TVNG_addField(*this, pc_entry, names().website, cookie.domain(), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().name, QString::fromUtf8(cookie.name().constData()),
+    TVNG_addField(*this, pc_entry, cookieNames().website, cookie.domain(), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, cookieNames().name, QString::fromUtf8(cookie.name().constData()),
                   TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().path, cookie.path(), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().secure, secureText(cookie), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().expires,
-                  TVNG_clockText(cookie.expirationDate(), names().expiresFormat), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, names().contents, QString::fromUtf8(cookie.value().constData()),
+    TVNG_addField(*this, pc_entry, cookieNames().path, cookie.path(), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, cookieNames().secure, secureText(cookie), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, cookieNames().expires,
+                  TVNG_clockText(cookie.expirationDate(), cookieNames().expiresFormat), TVNG_CHARACTER_DATA);
+    TVNG_addField(*this, pc_entry, cookieNames().contents, QString::fromUtf8(cookie.value().constData()),
                   TVNG_CDATA_SECTION);
     TVNG_releaseDetached(pc_entry);
     // Not numbered here: until then the entry is invisible to getAllCookieInfo(), and the conversion, which
@@ -119,7 +113,7 @@ QList<TVNS_CookieInfo> TVNC_CookieSetting::getAllCookieInfo()
     QList<TVNS_CookieInfo> infos;
     for (int i = 0; i < entries.size(); ++i) {
         if (entries.at(i))
-            infos.append(infoOf(entries.at(i)));
+            infos.append(infoOf(*entries.at(i)));
     }
     return infos;
 }
@@ -193,7 +187,7 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
         if (isNew.at(i))
             addCookieInfo(cookies[i]);
     }
-    TVNG_nameRoot(getXMLRootNode(), names().root);
+    TVNG_nameRoot(getXMLRootNode(), cookieNames().root);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     const TVNC_SecretSave secret(true);
     save(xmlPath);

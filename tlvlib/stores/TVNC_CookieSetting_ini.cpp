@@ -3,6 +3,7 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNC_SecretSave.h"
+#include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 
@@ -20,10 +21,7 @@
 
 namespace {
 
-QString pathIn(const QString& dir)
-{
-    return dir + QEXC_TextCodec::fromSJIS("cookie.ini");
-}
+const char INI_FILE[] = "cookie.ini";
 
 /// The section of the file, and its only key.
 QString section()
@@ -141,12 +139,12 @@ void TVNC_CookieSetting::saveCookieInfo(QList<QNetworkCookie> cookies, QString* 
         return;
     }
     if (TVNG_isSafeSave()) {
-        if (!saveWhole(pathIn(*dir), serialised(cookies)))
+        if (!saveWhole(TVNG_pathIn(*dir, INI_FILE), serialised(cookies)))
             TVNG_DebugPrint(2, "[TVNC_CookieSetting::saveCookieInfo] Couldn't replace cookie.ini.");
         TVNG_DebugPrint(3, "[TVNC_CookieSetting::saveCookieInfo] end");
         return;
     }
-    QSettings settings(pathIn(*dir), QSettings::IniFormat);
+    QSettings settings(TVNG_pathIn(*dir, INI_FILE), QSettings::IniFormat);
     settings.clear();
     settings.beginGroup(section());
     settings.setValue(key(), serialised(cookies));
@@ -167,7 +165,7 @@ QList<QNetworkCookie> TVNC_CookieSetting::loadCookieInfo(QString* dir, int si_lo
         return QList<QNetworkCookie>();
     }
     si_maxCount_ = si_loadMax;
-    QSettings settings(pathIn(*dir), QSettings::IniFormat);
+    QSettings settings(TVNG_pathIn(*dir, INI_FILE), QSettings::IniFormat);
     settings.beginGroup(section());
     const QList<QNetworkCookie> cookies = deserialised(settings.value(key()).toByteArray());
     settings.endGroup();

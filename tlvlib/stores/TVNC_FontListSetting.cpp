@@ -12,16 +12,16 @@
 namespace {
 
 /// The names in the document.
-struct Names
+struct FontNames
 {
     QString file = QEXC_TextCodec::fromSJIS("fontlist.xml");
     QString root = QEXC_TextCodec::fromSJIS("fontlist");
     QString font = QEXC_TextCodec::fromSJIS("font");
 };
 
-Names& names()
+FontNames& fontNames()
 {
-    return TVNG_immortal<Names>();
+    return TVNG_immortal<FontNames>();
 }
 
 } // namespace
@@ -44,7 +44,7 @@ void TVNC_FontListSetting::loadFontList(QString dir)
         return;
     }
     deleteAllSetting();
-    QString path = dir + names().file;
+    QString path = dir + fontNames().file;
     load(path);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::loadFontList] end");
@@ -57,15 +57,15 @@ void TVNC_FontListSetting::saveFontList(QString dir)
         TVNG_DebugPrint(2, "[TVNC_FontListSetting::saveFontList] Path is empty.");
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), names().root);
-    QString path = dir + names().file;
+    TVNG_nameRoot(getXMLRootNode(), fontNames().root);
+    QString path = dir + fontNames().file;
     save(path);
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::saveFontList] end");
 }
 
 int TVNC_FontListSetting::getCount()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().font);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), fontNames().font);
 }
 
 QString TVNC_FontListSetting::getFont(int si_index)
@@ -87,6 +87,6 @@ void TVNC_FontListSetting::addFont(QString name)
     }
     QXmlStreamAttributes noAttributes;
     char c_textType = TVNG_CHARACTER_DATA;
-    TVNG_releaseDetached(addXMLChild(getXMLRootNode(), names().font, name, c_textType, noAttributes, 0));
+    TVNG_releaseDetached(addXMLChild(getXMLRootNode(), fontNames().font, name, c_textType, noAttributes, 0));
     setIDforChildren(TVNC_RecordNumbers::attributeName());
 }

@@ -18,7 +18,7 @@
 namespace {
 
 /// The names in the document.
-struct Names
+struct HistoryNames
 {
     QString file = QEXC_TextCodec::fromSJIS("visit.xml");
     QString root = QEXC_TextCodec::fromSJIS("history");
@@ -29,33 +29,31 @@ struct Names
     QString dateTimeFormat = QEXC_TextCodec::fromSJIS(TVNG_DATE_TIME_FORMAT);
 };
 
-Names& names()
+HistoryNames& historyNames()
 {
-    return TVNG_immortal<Names>();
+    return TVNG_immortal<HistoryNames>();
 }
 
 /// Copies the texts that a record has; what it lacks stays as it was in @a out.
 void readVisit(TVNC_XMLNode& record, TVNS_History& out)
 {
-    if (TVNC_XMLNode* pc_title = record.getXMLNodeChildByName(names().title))
-        out.title = pc_title->getText();
-    if (TVNC_XMLNode* pc_url = record.getXMLNodeChildByName(names().url))
-        out.url = pc_url->getText();
-    if (TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(names().dateTime))
-        out.dateTime = TVNG_clockTime(pc_dateTime->getText(), names().dateTimeFormat);
+    TVNG_copyField(record, historyNames().title, out.title);
+    TVNG_copyField(record, historyNames().url, out.url);
+    if (TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(historyNames().dateTime))
+        out.dateTime = TVNG_clockTime(pc_dateTime->getText(), historyNames().dateTimeFormat);
 }
 
 /// Adds a record at the front, without numbering. Null when memory ran out. Without a root the record belongs
 /// to no document.
 TVNC_XMLNode* addVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
 {
-    TVNC_XMLNode* pc_record = TVNG_addRecord(setting, names().pageInfo, 1);
+    TVNC_XMLNode* pc_record = TVNG_addRecord(setting, historyNames().pageInfo, 1);
     if (!pc_record)
         return nullptr;
-    TVNG_addField(setting, pc_record, names().title, visit.title, TVNG_CHARACTER_DATA);
-    TVNG_addField(setting, pc_record, names().url, visit.url, TVNG_CHARACTER_DATA);
-    TVNG_addField(setting, pc_record, names().dateTime,
-                  TVNG_clockText(visit.dateTime, names().dateTimeFormat), TVNG_CHARACTER_DATA);
+    TVNG_addField(setting, pc_record, historyNames().title, visit.title, TVNG_CHARACTER_DATA);
+    TVNG_addField(setting, pc_record, historyNames().url, visit.url, TVNG_CHARACTER_DATA);
+    TVNG_addField(setting, pc_record, historyNames().dateTime,
+                  TVNG_clockText(visit.dateTime, historyNames().dateTimeFormat), TVNG_CHARACTER_DATA);
     return pc_record;
 }
 
@@ -83,12 +81,12 @@ bool isNewer(const Visit* pc_visit, const Visit* pc_other)
 Visit visitOf(TVNC_XMLNode& record)
 {
     Visit visit = {&record, QDate(), QTime()};
-    TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(names().dateTime);
+    TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(historyNames().dateTime);
     if (!pc_dateTime)
         return visit;
     const QString& text = pc_dateTime->getText();
-    if (!TVNG_clockParts(text, names().dateTimeFormat, visit.date, visit.time)) {
-        const QDateTime dateTime = TVNG_clockTime(text, names().dateTimeFormat);
+    if (!TVNG_clockParts(text, historyNames().dateTimeFormat, visit.date, visit.time)) {
+        const QDateTime dateTime = TVNG_clockTime(text, historyNames().dateTimeFormat);
         visit.date = dateTime.date();
         visit.time = dateTime.time();
     }
@@ -106,9 +104,10 @@ bool isField(TVNC_XMLNode* pc_node, const QString& name)
 bool isAsAdded(TVNC_XMLNode& record)
 {
     const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(record);
-    return TVNC_NodeAccess::name(record) == names().pageInfo && TVNC_NodeAccess::text(record).isEmpty() &&
-           fields.size() == 3 && isField(fields.at(0), names().title) && isField(fields.at(1), names().url) &&
-           isField(fields.at(2), names().dateTime);
+    return TVNC_NodeAccess::name(record) == historyNames().pageInfo &&
+           TVNC_NodeAccess::text(record).isEmpty() && fields.size() == 3 &&
+           isField(fields.at(0), historyNames().title) && isField(fields.at(1), historyNames().url) &&
+           isField(fields.at(2), historyNames().dateTime);
 }
 
 /// Puts such a record back at the front of the root, as addVisit() would make it anew.
@@ -120,8 +119,9 @@ void putBack(TVNC_XMLNode& root, const Visit& visit)
     QDate date;
     QTime time;
     QString& text = fields.at(2)->getText();
-    if (!TVNG_clockParts(text, names().dateTimeFormat, date, time))
-        text = TVNG_clockText(TVNG_clockTime(text, names().dateTimeFormat), names().dateTimeFormat);
+    if (!TVNG_clockParts(text, historyNames().dateTimeFormat, date, time))
+        text = TVNG_clockText(TVNG_clockTime(text, historyNames().dateTimeFormat),
+                              historyNames().dateTimeFormat);
     char c_prepend = 1;
     root.addXMLNode(visit.pc_record, c_prepend);
 }
@@ -220,7 +220,7 @@ void TVNC_HistorySetting::loadHistory(QString* dir, int si_loadMax)
     }
     si_maxCount_ = si_loadMax;
     deleteAllSetting();
-    QString path = *dir + names().file;
+    QString path = *dir + historyNames().file;
     load(path);
     setIDforChildren(TVNC_RecordNumbers::attributeName());
     sort(*this, true);
@@ -239,15 +239,15 @@ void TVNC_HistorySetting::saveHistory(QString* dir, int si_saveMax)
         TVNG_DebugPrint(2, "[TVNC_HistorySetting::saveAuthInfo] Error save_max:%d", si_saveMax);
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), names().root);
-    QString path = *dir + names().file;
+    TVNG_nameRoot(getXMLRootNode(), historyNames().root);
+    QString path = *dir + historyNames().file;
     save(path);
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::saveHistory] end");
 }
 
 int TVNC_HistorySetting::getHistoryCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), names().pageInfo);
+    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), historyNames().pageInfo);
 }
 
 void TVNC_HistorySetting::setHistory(TVNS_History* pc_history)
@@ -293,8 +293,7 @@ int TVNC_HistorySetting::getHistoryIndex(QString& url)
         logGetHistory();
         if (!records.at(i))
             continue;
-        if (TVNC_XMLNode* pc_url = records.at(i)->getXMLNodeChildByName(names().url))
-            visited = pc_url->getText();
+        TVNG_copyField(*records.at(i), historyNames().url, visited);
         if (visited == url)
             return i;
     }
@@ -307,16 +306,17 @@ void TVNC_HistorySetting::changeHistory(int si_id, TVNS_History& history)
     TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
     if (!pc_record)
         return;
-    setFieldText(*pc_record, names().title, history.title);
-    setFieldText(*pc_record, names().url, history.url);
-    setFieldText(*pc_record, names().dateTime, TVNG_clockText(history.dateTime, names().dateTimeFormat));
+    setFieldText(*pc_record, historyNames().title, history.title);
+    setFieldText(*pc_record, historyNames().url, history.url);
+    setFieldText(*pc_record, historyNames().dateTime,
+                 TVNG_clockText(history.dateTime, historyNames().dateTimeFormat));
 }
 
 void TVNC_HistorySetting::changeHistoryTitle(int si_id, QString& title)
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::changeHistoryTitle]");
     if (TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id))
-        setFieldText(*pc_record, names().title, title);
+        setFieldText(*pc_record, historyNames().title, title);
 }
 
 void TVNC_HistorySetting::deleteHistory(int si_id)

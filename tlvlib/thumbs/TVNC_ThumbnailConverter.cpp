@@ -18,7 +18,7 @@
 namespace {
 
 /// The names in the document.
-struct Names
+struct PackNames
 {
     QString root = QEXC_TextCodec::fromSJIS("thumbnail");
     QString image = QEXC_TextCodec::fromSJIS("image");
@@ -26,9 +26,9 @@ struct Names
     QString png = QEXC_TextCodec::fromSJIS("*.png");
 };
 
-Names& names()
+PackNames& packNames()
 {
-    return TVNG_immortal<Names>();
+    return TVNG_immortal<PackNames>();
 }
 
 } // namespace
@@ -80,9 +80,9 @@ void TVNC_ThumbnailConverter::setThumbnail(QString& base64Text, QString& src, TV
         return;
     }
     QXmlStreamAttributes attributes;
-    attributes.append(names().src, src);
+    attributes.append(packNames().src, src);
     char c_textType = TVNG_CDATA_SECTION;
-    TVNC_XMLSetting::addXMLChild(pc_root, names().image, base64Text, c_textType, attributes, 0);
+    TVNC_XMLSetting::addXMLChild(pc_root, packNames().image, base64Text, c_textType, attributes, 0);
 }
 
 void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc_xmlPath)
@@ -98,14 +98,14 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
     char c_textType = TVNG_CHARACTER_DATA;
     QXmlStreamAttributes docInfo = TVNG_docInfo();
     TVNC_XMLNode* pc_root =
-        TVNC_XMLSetting::addXMLChild(nullptr, names().root, noText, c_textType, docInfo, 1);
+        TVNC_XMLSetting::addXMLChild(nullptr, packNames().root, noText, c_textType, docInfo, 1);
     if (!pc_root)
         return;
     TVNG_release(pc_root_);
     pc_root_ = pc_root;
 
     const bool b_complete = TVNG_hasMemoryFor([&] {
-        QStringList filter(names().png);
+        QStringList filter(packNames().png);
         const QStringList files =
             getFileList(pngDir, filter, QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot,
                         QDir::Name | QDir::Reversed);
@@ -149,13 +149,13 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
             TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter] XMLNode is Null.");
             break;
         }
-        if (pc_image->getName() != names().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
+        if (pc_image->getName() != packNames().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
         const bool b_decoded = TVNG_hasMemoryFor([&] {
             QByteArray base64 = TVNC_NodeAccess::packedText(*pc_image);
             if (base64.isNull())
                 base64 = pc_image->getText().toUtf8();
-            QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(names().src).toString();
+            QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(packNames().src).toString();
             if (!decode_base64(base64, path) && !base64.isEmpty() && saveError.isEmpty())
                 saveError = TVNG_GetSaveError();
         });

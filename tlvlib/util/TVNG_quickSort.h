@@ -8,30 +8,30 @@
 /**
  * The steps of TVNG_quickSort().
  *
- * @param effort how many elements may still be partitioned, each as often as it is
+ * @param si_effort how many elements may still be partitioned, each as often as it is
  * @return false, with the elements in any order, when that was not enough
  */
 template <typename Iterator, typename LessThan>
-bool TVNG_quickSortWithin(qint64& effort, Iterator first, Iterator end, LessThan lessThan)
+bool TVNG_quickSortWithin(qint64& si_effort, Iterator first, Iterator end, LessThan lessThan)
 {
     for (;;) {
-        const auto length = end - first;
-        if (length < 2)
+        const auto si_length = end - first;
+        if (si_length < 2)
             return true;
-        effort -= length;
-        if (effort < 0)
+        si_effort -= si_length;
+        if (si_effort < 0)
             return false;
         const Iterator last = end - 1;
         if (lessThan(*last, *first))
             std::iter_swap(last, first);
-        if (length == 2)
+        if (si_length == 2)
             return true;
-        const Iterator middle = first + length / 2;
+        const Iterator middle = first + si_length / 2;
         if (lessThan(*middle, *first))
             std::iter_swap(middle, first);
         if (lessThan(*last, *middle))
             std::iter_swap(last, middle);
-        if (length == 3)
+        if (si_length == 3)
             return true;
 
         const Iterator pivot = last;
@@ -54,11 +54,11 @@ bool TVNG_quickSortWithin(qint64& effort, Iterator first, Iterator end, LessThan
         std::iter_swap(low, pivot);
 
         if (low - first < end - low) {
-            if (!TVNG_quickSortWithin(effort, first, low, lessThan))
+            if (!TVNG_quickSortWithin(si_effort, first, low, lessThan))
                 return false;
             first = low + 1;
         } else {
-            if (!TVNG_quickSortWithin(effort, low + 1, end, lessThan))
+            if (!TVNG_quickSortWithin(si_effort, low + 1, end, lessThan))
                 return false;
             end = low;
         }
@@ -82,8 +82,8 @@ bool TVNG_quickSortWithin(qint64& effort, Iterator first, Iterator end, LessThan
 template <typename Iterator, typename LessThan>
 void TVNG_quickSort(Iterator first, Iterator end, LessThan lessThan)
 {
-    qint64 effort = static_cast<qint64>(end - first) * 500;
-    if (!TVNG_quickSortWithin(effort, first, end, lessThan))
+    qint64 si_effort = static_cast<qint64>(end - first) * 500;
+    if (!TVNG_quickSortWithin(si_effort, first, end, lessThan))
         std::stable_sort(first, end, lessThan);
 }
 

@@ -27,7 +27,7 @@ int sizeOf(const char (&)[SIZE])
 }
 
 /// Bytes that are read at a time; more for a text that is longer.
-const int PIECE_SIZE = 64 * 1024;
+const int READ_SIZE = 64 * 1024;
 
 /// Tokens larger than this are left to the general reader.
 const int TOKEN_MAX = 512 * 1024 * 1024;
@@ -82,11 +82,11 @@ bool resolve(const Span& bytes, QByteArray& resolved)
         pc_from = pc_entity;
         for (size_t i = 0; i < sizeof ENTITIES / sizeof ENTITIES[0] && pc_from == pc_entity; ++i) {
             // Behind the bytes there is a '<', so that no name is found beyond their end.
-            const size_t length = std::strlen(ENTITIES[i].pc_name);
-            if (std::strncmp(pc_entity, ENTITIES[i].pc_name, length) != 0)
+            const size_t ul_length = std::strlen(ENTITIES[i].pc_name);
+            if (std::strncmp(pc_entity, ENTITIES[i].pc_name, ul_length) != 0)
                 continue;
             resolved.append(ENTITIES[i].c_meaning);
-            pc_from += length;
+            pc_from += ul_length;
         }
         if (pc_from == pc_entity)
             return false;
@@ -123,7 +123,7 @@ class Parser
 public:
     explicit Parser(QIODevice& device) : device_(device), pc_node_(nullptr)
     {
-        buffer_.resize(PIECE_SIZE + 1);
+        buffer_.resize(READ_SIZE + 1);
         pc_pos_ = buffer_.constData();
         pc_end_ = pc_pos_;
         readMore(pc_pos_);
@@ -167,11 +167,11 @@ private:
             buffer_.resize(2 * si_kept);
         char* const pc_buffer = buffer_.data();
         std::memmove(pc_buffer, pc_buffer + si_from, static_cast<size_t>(si_kept));
-        const qint64 count = device_.read(pc_buffer + si_kept, buffer_.size() - 1 - si_kept);
+        const qint64 si_count = device_.read(pc_buffer + si_kept, buffer_.size() - 1 - si_kept);
         pc_pos_ = pc_buffer;
-        pc_end_ = pc_buffer + si_kept + qMax(count, static_cast<qint64>(0));
+        pc_end_ = pc_buffer + si_kept + qMax(si_count, static_cast<qint64>(0));
         pc_buffer[pc_end_ - pc_buffer] = 0;
-        return count > 0;
+        return si_count > 0;
     }
 
     /// What a byte that is not the expected one means.

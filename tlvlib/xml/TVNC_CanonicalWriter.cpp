@@ -12,7 +12,7 @@
 namespace {
 
 /// Bytes that are collected before they go to the device.
-const int PIECE_SIZE = 64 * 1024;
+const int OUTPUT_SIZE = 64 * 1024;
 
 /// Characters that are copied at a time: the room for them is looked for once.
 const int RUN_SIZE = 1024;
@@ -78,13 +78,13 @@ class Output
 {
 public:
     explicit Output(QIODevice& device)
-        : device_(device), buffer_(new char[PIECE_SIZE]), si_size_(0), b_failed_(false)
+        : device_(device), buffer_(new char[OUTPUT_SIZE]), si_size_(0), b_failed_(false)
     {
     }
 
     void bytes(const char* pc_bytes, int si_size)
     {
-        if (si_size > PIECE_SIZE) {
+        if (si_size > OUTPUT_SIZE) {
             flush();
             send(pc_bytes, si_size);
             return;
@@ -94,9 +94,9 @@ public:
     }
 
     template <size_t SIZE>
-    void literal(const char (&pc_text)[SIZE])
+    void literal(const char (&c_text)[SIZE])
     {
-        bytes(pc_text, static_cast<int>(SIZE) - 1);
+        bytes(c_text, static_cast<int>(SIZE) - 1);
     }
 
     void newLine(int si_level)
@@ -163,7 +163,7 @@ private:
     /// Room for so many bytes, at most a piece, behind what is there.
     char* room(int si_size)
     {
-        if (si_size > PIECE_SIZE - si_size_)
+        if (si_size > OUTPUT_SIZE - si_size_)
             flush();
         return buffer_.get() + si_size_;
     }

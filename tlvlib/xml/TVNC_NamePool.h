@@ -17,10 +17,10 @@ public:
     template <typename Character>
     const QString& shared(const Character* pc_name, int si_size)
     {
-        const unsigned int ui_slot = (static_cast<unsigned int>(si_size) * 7u + unit(pc_name[0]) * 31u +
+        const unsigned int ul_slot = (static_cast<unsigned int>(si_size) * 7u + unit(pc_name[0]) * 31u +
                                       unit(pc_name[si_size / 2]) * 5u + unit(pc_name[si_size - 1])) %
                                      SLOTS;
-        QString& slot = names_[ui_slot];
+        QString& slot = names_[ul_slot];
         if (!equals(slot, pc_name, si_size))
             slot = toString(pc_name, si_size);
         return slot;

@@ -68,7 +68,7 @@ template struct QualifiedName<decltype(&QXmlStreamAttribute::m_qualifiedName),
                               &QXmlStreamAttribute::m_qualifiedName>;
 
 /// The names of a document, from the references that a stream reader hands out.
-class Names
+class SharedNames
 {
 public:
     template <typename Reference>
@@ -85,7 +85,7 @@ private:
  * Copies attributes so that they hold nothing but their own text. The reader's own set is part of its working
  * memory: a node that shared it would keep room for 16 attributes and the last token's text alive.
  */
-QXmlStreamAttributes compactCopy(const QXmlStreamAttributes& attributes, Names& names)
+QXmlStreamAttributes compactCopy(const QXmlStreamAttributes& attributes, SharedNames& names)
 {
     QXmlStreamAttributes copy;
     copy.reserve(attributes.size());
@@ -107,7 +107,7 @@ QXmlStreamAttributes compactCopy(const QXmlStreamAttributes& attributes, Names& 
 // --- Nodes ------------------------------------------------------------------------------------------------
 
 /// Creates the node of the start tag that the reader stands on; null when memory has run out.
-TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent, Names& names)
+TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent, SharedNames& names)
 {
     TVNC_XMLNode* const pc_node = TVNG_newXMLNode(pc_parent, 0);
     const bool b_complete = pc_node && TVNG_hasMemoryFor([&] {
@@ -182,7 +182,7 @@ TVNC_XMLNode* TVNC_XMLReader::readXMLNode(TVNC_XMLNode* pc_parent)
 {
     TVNC_XMLNode* pc_top = nullptr;
     const bool b_complete = TVNG_hasMemoryFor([&] {
-        Names names;
+        SharedNames names;
         pc_top = createNode(*this, pc_parent, names);
         TVNC_XMLNode* pc_node = pc_top; // the element that is open; null at the end of the top one
         while (pc_node && !atEnd()) {

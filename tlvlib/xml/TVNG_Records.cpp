@@ -35,6 +35,12 @@ void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& n
     setting.addXMLChild(pc_record, name, text, c_textType, noAttributes, 0);
 }
 
+void TVNG_copyField(TVNC_XMLNode& record, QString& name, QString& text)
+{
+    if (TVNC_XMLNode* pc_field = record.getXMLNodeChildByName(name))
+        text = pc_field->getText();
+}
+
 void TVNG_releaseDetached(TVNC_XMLNode* pc_record)
 {
     if (pc_record && !pc_record->getXMLNodeParent())

@@ -31,6 +31,9 @@ TVNC_XMLNode* TVNG_addRecord(TVNC_XMLSetting& setting, QString& name, char c_pre
 void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& name, QString text,
                    char c_textType);
 
+/// Copies the text of a record's element. Where there is none of the name, @a text stays as it was.
+void TVNG_copyField(TVNC_XMLNode& record, QString& name, QString& text);
+
 /// Deletes a record that could not be hung under a root, so that it is not leaked; keeps any other.
 void TVNG_releaseDetached(TVNC_XMLNode* pc_record);
 
