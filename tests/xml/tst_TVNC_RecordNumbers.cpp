@@ -73,6 +73,16 @@ const Change CHANGES[] = {
          delete TVNC_NodeAccess::children(list).takeAt(1); // of which the list heard no more
      },
      false, true},
+    {"remove after another node did",
+     [](TVNC_XMLNode& list) {
+         TVNC_XMLNode* const pc_removed = &second(list);
+         TVNC_XMLNode other(nullptr, 0);
+         other.removeXMLNode(pc_removed);
+         TVNC_RecordNumbers::number(list, utf8("id"));
+         list.removeXMLNode(pc_removed);
+         delete pc_removed;
+     },
+     false, true},
     {"to another list",
      [](TVNC_XMLNode& list) {
          TVNC_XMLNode other(nullptr, 0);
@@ -411,6 +421,7 @@ void tst_TVNC_RecordNumbers::valuesAreNumbersAsQtReadsThem_data()
         << utf8("7").rightJustified(30, QLatin1Char('0')) << true << 7;
     QTest::newRow("largest") << utf8("2147483647") << true << 2147483647;
     QTest::newRow("too large") << utf8("2147483648") << false << 0;
+    QTest::newRow("7 in its low 32 bits") << utf8("4294967303") << false << 0;
     QTest::newRow("below zero") << utf8("-7") << true << -7;
     QTest::newRow("smallest") << utf8("-2147483648") << true << -2147483647 - 1;
     QTest::newRow("too small") << utf8("-2147483649") << false << 0;
