@@ -51,7 +51,7 @@ struct Store
                                .replace("NUMBER", QByteArray::number(i).rightJustified(3, '0'));
         }
         QByteArray before(pc_before);
-        before.replace("COUNT", QByteArray::number(words.size()));
+        before.replace("COUNT", QByteArray::number(static_cast<int>(words.size())));
         return QByteArray(empty).replace(pc_gap, before + records + pc_after);
     }
     QString line(int si_level, const char* pc_operation, const char* pc_text) const

@@ -448,7 +448,7 @@ void tst_TVNC_RecordNumbers::valuesAreNumbersAsQtReadsThem()
     QCOMPARE(find(si_number), pc_expected);
     QCOMPARE(find(7), si_number == 7 ? pc_expected : nullptr);
     QCOMPARE(find(0), b_number && si_number == 0 ? pc_expected : nullptr);
-    QCOMPARE(findAll(8).count(NONE), b_number && si_number >= 0 && si_number < 8 ? 7 : 8);
+    QCOMPARE(static_cast<int>(findAll(8).count(NONE)), b_number && si_number >= 0 && si_number < 8 ? 7 : 8);
     // The name is compared exactly, with its prefix.
     setAt(0) = setOf(utf8("x:id"), value);
     QVERIFY(!find(si_number));
@@ -537,7 +537,7 @@ void tst_TVNC_RecordNumbers::otherNameTakesTheMarkAway()
     number(id_);
     QVERIFY(isMarked());
     QVERIFY(!TVNC_RecordNumbers::find(*list_, 1, utf8("no")));
-    QCOMPARE(TVNC_RecordNumbers::findAll(*list_, 2, utf8("no")).count(NONE), 2);
+    QCOMPARE(static_cast<int>(TVNC_RecordNumbers::findAll(*list_, 2, utf8("no")).count(NONE)), 2);
 }
 
 void tst_TVNC_RecordNumbers::changesTakeTheMarkAway_data()
