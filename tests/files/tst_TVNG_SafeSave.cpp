@@ -665,7 +665,7 @@ void tst_TVNG_SafeSave::namesOfAllLengths()
     QVERIFY(!write(QString(), "x"));
     QVERIFY(!write(path_ + utf8("a.xml") + QChar(0) + utf8("b"), "x"));
     QCOMPARE(QDir(path_).entryList(QDir::Files), QStringList());
-    QCOMPARE(LogRecorder::takeLines().filter(utf8("2 TVNC_XMLWriter::write file open error!")).size(), 4);
+    QCOMPARE(LogRecorder::take(), utf8("2 TVNC_XMLWriter::write file open error!\n").repeated(4));
 }
 
 void tst_TVNG_SafeSave::relativePaths()

@@ -77,16 +77,12 @@ private slots:
 
     void cookiesAreSavedAsTheDeviceDoes();
     void cookiesOfTheDeviceAreLoaded();
-    void noCookiesAreSavedAsACountOfZero();
     void savedCookiesAreLoadedBack();
     void savingReplacesTheFile();
-    void saveWritesAllWhateverTheMaximum();
     void saveIntoAMissingOrUnwritableDirectoryDoesNotFail();
     void missingDirectoriesAreMade();
     void documentIsNotTouched();
 
-    void missingFileGivesNoCookies();
-    void loadReadsAllWhateverTheMaximum();
     void expiredCookiesAreLoaded();
     void countMayLie_data();
     void countMayLie();
@@ -263,28 +259,17 @@ static QList<QNetworkCookie> deviceCookies()
 
 void tst_TVNC_CookieSetting_ini::cookiesAreSavedAsTheDeviceDoes()
 {
-    cookies_->saveCookieInfo(deviceCookies(), &dirName_, 20);
-    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_CookieSetting::saveCookieInfo] start\n"
-                                       "3 [TVNC_CookieSetting::saveCookieInfo] end\n"));
+    save(deviceCookies());
     QCOMPARE(readFile(file()), readFile(testData(utf8("cookie.ini"))));
 }
 
 void tst_TVNC_CookieSetting_ini::cookiesOfTheDeviceAreLoaded()
 {
     writeFile(file(), readFile(testData(utf8("cookie.ini"))));
-    const QList<QNetworkCookie> cookies = cookies_->loadCookieInfo(&dirName_, 20);
-    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_CookieSetting::loadCookieInfo] start\n"
-                                       "3 [TVNC_CookieSetting::loadCookieInfo] end\n"));
+    const QList<QNetworkCookie> cookies = load();
     QCOMPARE(int(cookies.size()), 7);
     for (int i = 0; i < 7; ++i)
         QVERIFY2(cookies.at(i) == deviceCookies().at(i), cookies.at(i).name().constData());
-}
-
-void tst_TVNC_CookieSetting_ini::noCookiesAreSavedAsACountOfZero()
-{
-    save(QList<QNetworkCookie>());
-    QCOMPARE(readFile(file()), QByteArray(NO_COOKIES));
-    QCOMPARE(int(load().size()), 0);
 }
 
 void tst_TVNC_CookieSetting_ini::savedCookiesAreLoadedBack()
@@ -303,12 +288,6 @@ void tst_TVNC_CookieSetting_ini::savingReplacesTheFile()
     }
     save(QList<QNetworkCookie>());
     QCOMPARE(readFile(file()), QByteArray(NO_COOKIES));
-}
-
-void tst_TVNC_CookieSetting_ini::saveWritesAllWhateverTheMaximum()
-{
-    cookies_->saveCookieInfo(deviceCookies(), &dirName_, 1);
-    QCOMPARE(int(load().size()), 7);
 }
 
 void tst_TVNC_CookieSetting_ini::saveIntoAMissingOrUnwritableDirectoryDoesNotFail()
@@ -337,20 +316,6 @@ void tst_TVNC_CookieSetting_ini::documentIsNotTouched()
     save(deviceCookies());
     load();
     QCOMPARE(::describe(cookies_->getXMLRootNode()), utf8("(webSiteInfo)"));
-}
-
-void tst_TVNC_CookieSetting_ini::missingFileGivesNoCookies()
-{
-    QCOMPARE(int(cookies_->loadCookieInfo(&dirName_, 1).size()), 0);
-    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_CookieSetting::loadCookieInfo] start\n"
-                                       "3 [TVNC_CookieSetting::loadCookieInfo] end\n"));
-    QVERIFY(!QFile::exists(file()));
-}
-
-void tst_TVNC_CookieSetting_ini::loadReadsAllWhateverTheMaximum()
-{
-    save(deviceCookies());
-    QCOMPARE(int(cookies_->loadCookieInfo(&dirName_, 1).size()), 7);
 }
 
 void tst_TVNC_CookieSetting_ini::expiredCookiesAreLoaded()

@@ -18,13 +18,10 @@ private slots:
 
     void listIsSavedExactly();
     void savedListIsLoadedBack();
-    void saveNamesTheRootAndDropsItsAttributes();
-    void saveDoesNotRenumber();
 
     void fontsAreAppendedAndNumbered();
     void sameNameIsStoredTwice();
     void emptyNameIsRefused();
-    void addingSavesNothing();
     void fontsFromThe1000thOnHaveNoNumber();
 
     void fontIsFoundByNumber();
@@ -112,22 +109,6 @@ void tst_TVNC_FontListSetting::savedListIsLoadedBack()
         QCOMPARE(fonts_->getFont(i), QString::fromLatin1("Font %1").arg(i));
 }
 
-void tst_TVNC_FontListSetting::saveNamesTheRootAndDropsItsAttributes()
-{
-    loadFrom("<other version='2' docInfo='0.9'><font>Sans</font></other>");
-    fonts_->saveFontList(dir_->path());
-    QCOMPARE(describe(fonts_->getXMLRootNode()), utf8("fontlist{docInfo=1.0}(font{id=000}'Sans')"));
-}
-
-void tst_TVNC_FontListSetting::saveDoesNotRenumber()
-{
-    loadFrom("<fontlist><font>A</font><font>B</font><font>C</font></fontlist>");
-    QString id = utf8("id");
-    fonts_->deleteXMLNodeByID(1, id);
-    fonts_->saveFontList(dir_->path());
-    QVERIFY(readFile(dir_->path() + utf8("fontlist.xml")).contains("<font id=\"002\">C</font>"));
-}
-
 void tst_TVNC_FontListSetting::fontsAreAppendedAndNumbered()
 {
     fonts_->addFont(utf8("A"));
@@ -155,12 +136,6 @@ void tst_TVNC_FontListSetting::emptyNameIsRefused()
                                        "2 [TVNC_FontListSetting::addFont] FontName is empty.\n"
                                        "3 [TVNC_FontListSetting::addFont]\n"
                                        "2 [TVNC_FontListSetting::addFont] FontName is empty.\n"));
-}
-
-void tst_TVNC_FontListSetting::addingSavesNothing()
-{
-    fonts_->addFont(utf8("Sans"));
-    QVERIFY(!QFile::exists(dir_->path() + utf8("fontlist.xml")));
 }
 
 void tst_TVNC_FontListSetting::fontsFromThe1000thOnHaveNoNumber()

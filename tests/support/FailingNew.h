@@ -8,7 +8,11 @@
  * of malloc() go to operator delete, and warn.
  */
 
+#include "tests/support/TestSupport.h"
+
 #include <tlvlib/xml/TVNC_XMLNode.h>
+
+#include <QtCore/QPointer>
 
 #include <cstdlib>
 #include <new>
@@ -49,6 +53,15 @@ public:
 private:
     Q_DISABLE_COPY(LeaksAreExpected)
 };
+
+/// Runs the event loop and then deletes a node that the document of a root let go while there was no memory
+/// to hand it to the loop.
+inline void freeLetGo(const QPointer<TVNC_XMLNode>& node, const TVNC_XMLNode* pc_root)
+{
+    releaseDeferred();
+    if (node && node != pc_root && !node->getXMLNodeParent())
+        delete node.data();
+}
 
 __attribute__((noinline)) void* operator new(std::size_t size)
 {

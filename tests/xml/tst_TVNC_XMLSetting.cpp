@@ -487,6 +487,7 @@ void tst_TVNC_XMLSetting::recordThatIsPutElsewhereGoesAllTheSame()
     QCOMPARE(describe(&other), QString());
 }
 
+// That each goes by itself is promised. This is the one test that knows the event.
 void tst_TVNC_XMLSetting::recordLetGoGoesByItsOwnEvent()
 {
     fillNumbered(3);
@@ -590,14 +591,9 @@ void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort()
         setting_->setIDforChildren(id_);
         setting_->deleteXMLNodeByID(0, id_);
         setting_->getXMLRootNodeChildCntByName(id_, name);
-        releaseDeferred();
-        // What could not even be handed to the event loop is leaked on purpose.
-        for (int i = 0; i < 2; ++i) {
-            if (!records[i].isNull() && !records[i]->getXMLNodeParent())
-                delete records[i].data();
-        }
-        if (oldRoot != root())
-            delete oldRoot.data();
+        freeLetGo(records[0], root());
+        freeLetGo(records[1], root());
+        freeLetGo(oldRoot, root());
         QVERIFY(si_failing < 1000);
     }
     QVERIFY(operation == utf8("element") || si_failing > 1);
@@ -614,7 +610,7 @@ void tst_TVNC_XMLSetting::loadWithoutMemoryLeavesNoRoot()
     setting_->load(path);
     failingObject = 0;
     QVERIFY(!root());
-    delete old.data(); // there was no memory for its event, either
+    freeLetGo(old, root());
     QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
                                        "1 [TVNC_XMLSetting::load] Fail\n"
                                        "3 [TVNC_XMLSetting::loadBookmark] end\n"));
