@@ -139,6 +139,8 @@ void TVNC_XMLSetting::deleteAllSetting()
     if (!pc_root_)
         return;
     const QList<TVNC_XMLNode*> removed = TVNG_takeChildren(*pc_root_);
+    // A program may have listed a record twice. Qt keeps one such event for an object, however often
+    // deleteLater() is called, and drops it when the object is deleted.
     for (int i = 0; i < removed.size(); ++i) {
         if (removed.at(i)) {
             TVNG_release(removed.at(i));
