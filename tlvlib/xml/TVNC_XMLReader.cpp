@@ -137,7 +137,7 @@ TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent
 /// Stops a reader for want of memory.
 void stop(QXmlStreamReader& reader)
 {
-    TVNG_hasMemoryFor([&] { reader.raiseError(); }); // otherwise the error stands, without a text
+    TVNG_hasMemoryFor([&] { reader.raiseError(); }); // Qt sets the error before it may throw
 }
 
 } // namespace

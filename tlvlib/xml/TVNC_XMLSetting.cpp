@@ -19,8 +19,7 @@ namespace {
 
 /**
  * The root of the document in a file, as TVNC_XMLReader::read() gives it; null when memory ran out. A
- * document in the library's own form is read the fast way. Nobody has a reader here whose state could be
- * asked for afterwards.
+ * document in the library's own form is read the fast way: nobody can ask for a reader's state here.
  */
 TVNC_XMLNode* readDocument(QString& path)
 {
@@ -49,7 +48,7 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
         TVNC_XMLWriter writer;
         writer.write(file.device(), pc_root);
         if (!writer.device())
-            return; // memory ran out: what is half written takes no file's place
+            return; // memory ran out: without an end of the save, no file is replaced
     }
     TVNG_finishWriting(file);
 }
