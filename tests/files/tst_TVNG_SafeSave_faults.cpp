@@ -55,6 +55,10 @@ private slots:
     void directoryThatIsKeptLocked();
     void directoryThatCannotBeReadIsWrittenInPlace();
 
+    void logMaySaveInTheSameDirectory_data() { saverRows(); }
+    void logMaySaveInTheSameDirectory();
+    void logOfARefusedSaveMaySaveInTheSameDirectory();
+
     void killedProcessesLoseNothing();
 
 private:
@@ -609,6 +613,58 @@ void tst_TVNG_SafeSave_faults::directoryThatCannotBeReadIsWrittenInPlace()
     QVERIFY(b_written);
     QVERIFY(readFile(file("a.xml")).contains("and after it"));
     QCOMPARE(files(), QStringList() << utf8("a.xml"));
+}
+
+// --- Logs --------------------------------------------------------------------------------------------------
+
+static QString logPath;
+static int si_logSaved = -1; ///< whether the log's own save succeeded; -1 when there was none
+
+/// A log that keeps such errors in the directory that is being saved into.
+static void saveOnError(const QString& message)
+{
+    if (!message.contains(utf8("replace")) && !message.contains(utf8("open error")))
+        return;
+    LogRecorder::pc_onMessage = nullptr;
+    SystemCalls::mend();
+    QScopedPointer<TVNC_XMLNode> root(makeNode(nullptr, "log"));
+    TVNC_XMLWriter writer;
+    QString path = logPath + utf8("log.xml");
+    si_logSaved = writer.write(path, root.data()) ? 1 : 0;
+}
+
+void tst_TVNG_SafeSave_faults::logMaySaveInTheSameDirectory()
+{
+    QFETCH(int, saver);
+    const Saver& used = SAVERS[saver];
+    QVERIFY(used.pc_save(path_, 0));
+    const QByteArray before = readFile(file(used.pc_file));
+    LogRecorder::clear();
+    logPath = path_;
+    si_logSaved = -1;
+    SystemCalls::fail(localPath(), "fsync", EIO);
+    LogRecorder::pc_onMessage = saveOnError;
+    used.pc_save(path_, 1);
+    LogRecorder::pc_onMessage = nullptr;
+    QCOMPARE(errors(), QStringList() << utf8(used.pc_log));
+    QCOMPARE(si_logSaved, 1);
+    QCOMPARE(readFile(file(used.pc_file)), before);
+    QCOMPARE(files().size(), 2); // and log.xml
+}
+
+void tst_TVNG_SafeSave_faults::logOfARefusedSaveMaySaveInTheSameDirectory()
+{
+    logPath = path_;
+    si_logSaved = -1;
+    // The directory is opened and locked; then neither the new file nor the one in place can be made.
+    SystemCalls::fail(localPath(), "open", EACCES, 1);
+    LogRecorder::pc_onMessage = saveOnError;
+    const bool b_saved = saveWithWriter(path_, 0);
+    LogRecorder::pc_onMessage = nullptr;
+    QVERIFY(!b_saved);
+    QCOMPARE(errors(), QStringList() << utf8("2 TVNC_XMLWriter::write file open error!"));
+    QCOMPARE(si_logSaved, 1);
+    QCOMPARE(files(), QStringList() << utf8("log.xml"));
 }
 
 // --- Processes ---------------------------------------------------------------------------------------------

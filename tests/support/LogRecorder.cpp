@@ -42,7 +42,11 @@ void TVNG_DebugPrint(unsigned long level, const char* fmt, ...)
     std::vsnprintf(text, sizeof text, fmt, arguments);
     va_end(arguments);
     messages().append(QString::number(level) + QLatin1Char(' ') + withoutAddresses(text));
+    if (LogRecorder::pc_onMessage)
+        LogRecorder::pc_onMessage(QString(messages().last())); // a copy: it may log, too
 }
+
+void (*LogRecorder::pc_onMessage)(const QString& message) = nullptr;
 
 QString LogRecorder::take()
 {

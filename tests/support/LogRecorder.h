@@ -22,6 +22,10 @@ public:
 
     /// Forgets the messages so far.
     static void clear() { takeLines(); }
+
+    /// While it is set, it is called with each message once that is recorded, as a program's own log is. It
+    /// may use the library.
+    static void (*pc_onMessage)(const QString& message);
 };
 
 #endif

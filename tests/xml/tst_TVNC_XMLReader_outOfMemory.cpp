@@ -10,6 +10,10 @@
 #include <QtCore/QDir>
 
 #include <cerrno>
+#include <csignal>
+#include <memory>
+#include <sys/wait.h>
+#include <unistd.h>
 
 /// Whether this program can have allocations fail, by taking the place of the C library's own functions.
 #if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
@@ -69,6 +73,7 @@ private slots:
     void init() { dir_.reset(new TempDir); }
     void cleanup();
 
+    void readerGoesWhileMemoryIsShort();
     void readingFile_data();
     void readingFile();
     void readingElementUnderAParent();
@@ -111,6 +116,49 @@ void tst_TVNC_XMLReader_outOfMemory::cleanup()
 {
     releaseDeferred();
     dir_.reset();
+}
+
+/// In a process of its own, reads a file with the reader and loads it, while an allocation fails. The reader
+/// goes before there is memory again. Returns whether there was enough, and false when the process was
+/// killed.
+static bool readAndLoad(QString path, int si_failing, bool& b_killed)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        std::signal(SIGABRT, SIG_DFL); // not QtTest's
+        std::unique_ptr<TVNC_XMLReader> reader(new TVNC_XMLReader);
+        Setting setting;
+        failingAllocation = si_failing;
+        [&]() noexcept {
+            setting.load(path);
+            delete reader->read(path);
+            reader.reset();
+        }();
+        _exit(failingAllocation > 1 ? 0 : 1);
+    }
+    int si_exit = -1;
+    waitpid(child, &si_exit, 0);
+    b_killed = !WIFEXITED(si_exit);
+    return si_exit == 0;
+}
+
+// The first of all functions, so that nothing has been read in this process yet: what the library makes once
+// is made while memory is short, too.
+void tst_TVNC_XMLReader_outOfMemory::readerGoesWhileMemoryIsShort()
+{
+    writeFile(path(), OTHER);
+    for (int j = 0; j < 2; ++j) {
+        b_forGood = j == 1;
+        bool b_all = false;
+        int i = 0;
+        while (!b_all) {
+            bool b_killed = false;
+            b_all = readAndLoad(path(), ++i, b_killed);
+            QVERIFY2(!b_killed, QByteArray::number(i).constData());
+        }
+        QVERIFY(i > 10);
+    }
+    b_forGood = false;
 }
 
 void tst_TVNC_XMLReader_outOfMemory::readingFile_data()

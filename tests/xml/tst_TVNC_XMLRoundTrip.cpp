@@ -19,6 +19,7 @@ class tst_TVNC_XMLRoundTrip : public QObject
     Q_OBJECT
 
 private slots:
+    void handMadeTreesUpToTheReadersLimits();
     void initTestCase();
     void init();
     void cleanup();
@@ -67,6 +68,56 @@ void tst_TVNC_XMLRoundTrip::cleanup()
     setting_.reset();
     releaseDeferred();
     dir_.reset();
+}
+
+/// A root with a child of so many attributes whose names only the general reader takes.
+static void addAttributes(TVNC_XMLNode* pc_root, int si_count)
+{
+    TVNC_XMLNode* const pc_child = makeNode(pc_root, "child");
+    for (int i = 0; i < si_count; ++i)
+        addAttribute(pc_child, ("\xC3\xA9" + QByteArray::number(i)).constData(), utf8("v"));
+}
+
+/// So many elements, each in the one before it, and each with an attribute in a namespace of its own.
+static void nestNamespaces(TVNC_XMLNode* pc_root, int si_count)
+{
+    TVNC_XMLNode* pc_node = pc_root;
+    for (int i = 0; i < si_count; ++i) {
+        pc_node = makeNode(pc_node, "e");
+        pc_node->getAttribute().append(utf8("urn:") + QString::number(i), utf8("a"), utf8("v"));
+    }
+}
+
+static int depthOf(TVNC_XMLNode* pc_node)
+{
+    int si_depth = 0;
+    for (; !pc_node->getXMLNodeChildren().isEmpty(); pc_node = pc_node->getXMLNodeChildren().at(0))
+        ++si_depth;
+    return si_depth;
+}
+
+// The one exception to the promise that what was written is read back: trees that no store makes.
+void tst_TVNC_XMLRoundTrip::handMadeTreesUpToTheReadersLimits()
+{
+    QString path = dir_->path() + utf8("a.xml");
+    for (int si_above = 0; si_above <= 1; ++si_above) {
+        setting_->createXMLRootNode();
+        QString name = utf8("root");
+        root()->setName(name);
+        addAttributes(root(), 8000 + si_above);
+        setting_->save(path);
+        setting_->load(path);
+        QCOMPARE(depthOf(root()), si_above ? 0 : 1);
+        if (!si_above)
+            QCOMPARE(static_cast<int>(root()->getXMLNodeChildren().at(0)->getAttribute().size()), 8000);
+
+        setting_->createXMLRootNode();
+        root()->setName(name);
+        nestNamespaces(root(), 4000 + si_above);
+        setting_->save(path);
+        setting_->load(path);
+        QCOMPARE(depthOf(root()), 4000);
+    }
 }
 
 /// One of the noncharacters that XML has. The device's Qt writes a "?" for it, later versions write it.

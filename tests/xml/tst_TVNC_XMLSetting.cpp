@@ -56,6 +56,7 @@ private slots:
     void nothingIsThrownWhenMemoryIsShort_data();
     void nothingIsThrownWhenMemoryIsShort();
     void loadWithoutMemoryLeavesNoRoot();
+    void rootThatCannotBeCreatedIsNotSaved();
 
     void lookUpFindsTheFirstBearerOfANumber_data();
     void lookUpFindsTheFirstBearerOfANumber();
@@ -526,16 +527,35 @@ void tst_TVNC_XMLSetting::recordLetGoMayBeRemovedAndDeleted()
     QCOMPARE(setting_->getXMLNodeCnt(), 0);
 }
 
+/// A record that counts how often the event loop tells it to go, and stays.
+struct CountingRecord : TVNC_XMLNode
+{
+    explicit CountingRecord(TVNC_XMLNode* pc_parent) : TVNC_XMLNode(pc_parent, 0), si_releases(0) {}
+    bool event(QEvent* pc_event) override
+    {
+        if (pc_event->type() != QEvent::DeferredDelete)
+            return TVNC_XMLNode::event(pc_event);
+        ++si_releases;
+        return true;
+    }
+
+    int si_releases;
+};
+
 void tst_TVNC_XMLSetting::recordListedTwiceIsReleasedOnce()
 {
-    fillNumbered(2);
-    QPointer<TVNC_XMLNode> first = root()->getXMLNodeChildByID(0, id_);
-    QPointer<TVNC_XMLNode> second = root()->getXMLNodeChildByID(1, id_);
-    root()->getXMLNodeChildren().append(first);
+    setting_->createXMLRootNode();
+    QScopedPointer<CountingRecord> twice(new CountingRecord(root()));
+    QScopedPointer<CountingRecord> once(new CountingRecord(root()));
+    root()->getXMLNodeChildren().append(twice.data());
     setting_->deleteAllSetting();
-    QVERIFY(!first.isNull() && !second.isNull());
+    QCOMPARE(setting_->getXMLNodeCnt(), 0);
+    QVERIFY(!twice->getXMLNodeParent() && !once->getXMLNodeParent());
+    QCOMPARE(twice->si_releases, 0);
+    QCOMPARE(once->si_releases, 0);
     releaseDeferred();
-    QVERIFY(first.isNull() && second.isNull());
+    QCOMPARE(twice->si_releases, 1);
+    QCOMPARE(once->si_releases, 1);
 }
 
 void tst_TVNC_XMLSetting::nothingIsThrownWhenMemoryIsShort_data()
@@ -616,6 +636,35 @@ void tst_TVNC_XMLSetting::loadWithoutMemoryLeavesNoRoot()
                                        "3 [TVNC_XMLSetting::loadBookmark] end\n"));
     setting_->save(path); // so that nothing takes the file's place
     QCOMPARE(readFile(path), QByteArray("<list><r/></list>"));
+}
+
+// A document that only the general reader takes: an empty root in the place of its own would be saved over
+// it.
+void tst_TVNC_XMLSetting::rootThatCannotBeCreatedIsNotSaved()
+{
+    TempDir dir;
+    QString path = dir.path() + utf8("x.xml");
+    const QByteArray document("<list><!-- a comment --><r/></list>");
+    writeFile(path, document);
+    failingNode = 1;
+    setting_->load(path);
+    QCOMPARE(failingNode, 0);
+    QVERIFY(!root());
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::loadBookmark] start\n"
+                                       "1 [TVNC_XMLSetting::load] Fail\n"
+                                       "3 [TVNC_XMLSetting::loadBookmark] end\n"));
+    setting_->save(path);
+    QCOMPARE(readFile(path), document);
+
+    failingNode = 1;
+    {
+        TVNC_XMLReader reader;
+        QVERIFY(!reader.read(path));
+        QCOMPARE(failingNode, 0);
+        QCOMPARE(reader.error(), QXmlStreamReader::CustomError);
+    }
+    setting_->load(path);
+    QCOMPARE(describe(root()), utf8("list(r)"));
 }
 
 // Numbered lists are looked up by position. Whatever changes the numbers behind the setting's back must still
@@ -817,6 +866,7 @@ void tst_TVNC_XMLSetting::readerEndsAnElementWhoseChildCannotBeCreated()
         reader.readNextStartElement();
         failingNode = 1;
         QVERIFY(!reader.readXMLNode(nullptr));
+        QCOMPARE(reader.error(), QXmlStreamReader::CustomError);
     }
     {
         // The end tag of c, which is no node, then ends a.

@@ -89,7 +89,6 @@ void tst_fastWays::bookmarks()
     TVNC_BookmarksSetting* const pc_store = TVNC_BookmarksSetting::getInstance();
     int si_highest = 0;
     pc_store->loadBookmark(&path_, 100, si_highest);
-    generalReads = 0;
     for (int i = 0; i < 3; ++i) {
         TVNS_Bookmark bookmark;
         bookmark.title = text("title");

@@ -20,7 +20,8 @@ const char LOG_TAG[] = "[Talvenor]";
 /// The system log takes messages of at most this many bytes, with the terminating zero.
 const size_t SYSTEM_LOG_SIZE = 128;
 
-/// Serialises the log file. The other one of the library's two static initialisers.
+/// Serialises the log file. The other one of the library's two static initialisers. The line is written while
+/// it is held, so that lines stay whole; nothing of the program's is called meanwhile.
 QSemaphore fileSemaphore(1);
 
 /// Returns false when the log file cannot be opened.

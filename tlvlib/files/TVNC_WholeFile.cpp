@@ -80,10 +80,7 @@ TVNC_WholeFile::~TVNC_WholeFile()
         fail("it could not be finished");
         TVNG_hasMemoryFor([&] { tell(); });
     }
-    closeFile();
-    removeLeftover();
-    if (si_directory_ >= 0)
-        ::close(si_directory_); // with it goes the lock
+    release();
 }
 
 // --- Opening ----------------------------------------------------------------------------------------------
@@ -93,6 +90,7 @@ bool TVNC_WholeFile::open(OpenMode mode)
     if (openFile())
         return QIODevice::open(mode | Unbuffered);
     fail("it may not be written");
+    release();
     tell();
     return false;
 }
@@ -236,6 +234,7 @@ bool TVNC_WholeFile::commit()
     sync();
     closeFile();
     putInPlace();
+    release();
     tell();
     return !hasFailed();
 }
@@ -271,6 +270,17 @@ void TVNC_WholeFile::removeLeftover()
     if (b_leftover_)
         ::unlinkat(si_directory_, leftover_.constData(), 0);
     b_leftover_ = false;
+}
+
+/// Lets go of the directory, so that nothing is locked when the caller logs how the save ended: the log may
+/// be a function of the program's that saves something itself.
+void TVNC_WholeFile::release()
+{
+    closeFile();
+    removeLeftover();
+    if (si_directory_ >= 0)
+        ::close(si_directory_); // with it goes the lock
+    si_directory_ = -1;
 }
 
 // --- Errors -----------------------------------------------------------------------------------------------

@@ -46,6 +46,7 @@ private:
     void closeFile();
     void putInPlace();
     void removeLeftover();
+    void release();
     bool fail(const char* pc_what);
     bool failUnlessInPlace(const char* pc_what);
     bool hasFailed() const { return si_error_ != 0; }

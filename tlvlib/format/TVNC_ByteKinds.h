@@ -6,8 +6,8 @@
 #include <QtCore/QChar>
 
 /**
- * Where a byte may stand in a document without a second look. A zero may stand nowhere: behind the last byte
- * of a buffer it ends a scan for bytes of any kind. Internal to the library; not installed.
+ * Tells of each byte in which parts of a document it may stand, whatever stands around it. A zero is of no
+ * kind, so that one behind the last byte of a buffer ends every scan. Internal to the library; not installed.
  */
 class TVNC_ByteKinds
 {

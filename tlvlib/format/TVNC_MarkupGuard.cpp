@@ -67,7 +67,7 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
                 c_last_ = c_byte; // a '/' at the end of a value does not end an element
                 si_xmlnsSize_ = 0;
             } else if (c_byte == '<') {
-                begin(MARKUP); // an error: values hold none
+                begin(MARKUP); // no value may hold one: the parser stops here
             }
             break;
         case COMMENT:
@@ -100,7 +100,8 @@ int TVNC_MarkupGuard::admit(const char* pc_bytes, int si_size)
 /// Returns false when the byte completes the start of a declaration that must not be parsed.
 bool TVNC_MarkupGuard::admitMarkup(char c_byte)
 {
-    // Never more than eight: the longest keyword has as many, and is then told from all others.
+    // No more than eight get here: the longest keywords have eight, and eight characters are one of the
+    // keywords or none.
     c_markup_[si_markupSize_++] = c_byte;
     if (c_markup_[0] == '?') {
         begin(INSTRUCTION);
@@ -135,7 +136,7 @@ bool TVNC_MarkupGuard::admitTag(char c_byte)
     c_last_ = c_byte;
     switch (c_byte) {
     case '<':
-        begin(MARKUP); // an error
+        begin(MARKUP); // no tag may hold one: the parser stops here
         break;
     case '>':
         if (c_before == '/')
@@ -162,7 +163,8 @@ bool TVNC_MarkupGuard::admitAttributeName(char c_byte)
         if (namespaceDepths_.size() == NAMESPACES_MAX)
             return false;
         namespaceDepths_.append(si_depth_);
-        si_xmlnsSize_ = -1;
+        si_xmlnsSize_ =
+            -1; // the declaration is counted: the rest of its name, or blanks behind it, count nothing
     }
     if (b_blank)
         si_xmlnsSize_ = 0;

@@ -9,19 +9,19 @@
  * installed.
  *
  * A declaration with an internal subset can declare entities that blow up without limit; Qt 4.8 has no limit
- * of its own. Besides, every version of Qt parses a declaration inside or behind the root element, and a
- * second one, before it complains, if it does. Only one declaration without a subset, before the root
- * element, may pass.
+ * of its own. Every version of Qt also parses a declaration inside or behind the root element, and a second
+ * one, before it reports an error; some versions report none. The guard lets one declaration pass, without a
+ * subset and before the root element.
  *
  * Qt compares every attribute of an element with every other one, and every prefix with all declarations of
- * namespaces that are in force, those of the elements around it included. A few bytes more an attribute would
- * keep it busy for hours, so there are limits, far above what any document needs: without them time would
- * grow with the square of a file's size. (A megabyte at the limit of attributes took four seconds on a busy
+ * namespaces that are in force, those of the elements around it included. Without limits its
+ * time would grow with the square of a file's size, to hours. The limits are far above what any document
+ * needs. (A megabyte at the limit of attributes took four seconds on a busy
  * desk, one at the limit of namespaces one.)
  *
- * It is enough to tell tags, comments, CDATA sections and processing instructions from the rest, since a '<'
- * in any other place begins markup or is an error that ends the parsing. Behind an error nothing that the
- * guard thinks matters any more.
+ * The guard only tells tags, comments, CDATA sections and processing instructions from the rest: a '<' in any
+ * other place begins markup, or is an error that ends the parsing. It does not matter what the guard takes
+ * the bytes behind an error for.
  */
 class TVNC_MarkupGuard
 {

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Of the characters of one UTF-16 unit that are no surrogates.
+/// Whether XML has the character that a UTF-16 unit is. The unit must not be a surrogate.
 bool isXMLCharacter(ushort us_unit)
 {
     return us_unit < 0x20 ? TVNG_isBlank(us_unit) : us_unit < 0xFFFE;
@@ -22,7 +22,8 @@ bool areEightPrintable(const char* pc_bytes)
     return ((ul_word | ((ul_word - Q_UINT64_C(0x2020202020202020)) & ~ul_word)) & ul_high) == 0;
 }
 
-/// How many UTF-16 units from the front are printable ASCII, to within three: four are looked at at a time.
+/// Counts the UTF-16 units from the front that are printable ASCII, four at a time: up to three more may
+/// follow.
 int printableRun(const QChar* pc_text, int si_size)
 {
     const quint64 ul_high = Q_UINT64_C(0x8000800080008000);
@@ -96,10 +97,13 @@ int TVNC_XMLCharacters::sequenceLength(const char* pc_bytes, int si_size)
 bool TVNC_XMLCharacters::isNoncharacter(const char* pc_bytes, int si_length)
 {
     const uchar* const pc_sequence = reinterpret_cast<const uchar*>(pc_bytes);
+    // U+FDD0 to U+FDEF are EF B7 90 to EF B7 AF.
     if (si_length == 3 && pc_sequence[0] == 0xEF && pc_sequence[1] == 0xB7)
         return pc_sequence[2] >= 0x90 && pc_sequence[2] <= 0xAF;
+    // U+FFFE and U+FFFF are EF BF BE and EF BF BF.
     if (si_length == 3)
         return pc_sequence[0] == 0xEF && pc_sequence[1] == 0xBF && pc_sequence[2] >= 0xBE;
+    // The last two of every other plane end in 16 bits FFFE or FFFF: Fx yF BF BE and Fx yF BF BF.
     return si_length == 4 && (pc_sequence[1] & 0x0F) == 0x0F && pc_sequence[2] == 0xBF &&
            pc_sequence[3] >= 0xBE;
 }

@@ -9,8 +9,9 @@
 /**
  * The bytes of an XML document on their way to Qt's stream reader. Internal to the library; not installed.
  *
- * The stream reader alone would lose data or be led astray by some documents, and not by the same ones in
- * every version of Qt. This filter ends them at the exact place, so that what stands before it is read:
+ * By itself, the stream reader loses data of some documents and misreads others, and each version of Qt does
+ * so with other ones. This filter ends such a document at the exact place, so that the reader reads what
+ * stands before it:
  *
  *  - before a byte that is not of the document's encoding, see TVNC_XMLDecoder. The stream reader would give
  *    up on all of its read buffer, up to 8192 bytes;

@@ -10,6 +10,7 @@
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNG_Records.h"
 #include "tlvlib/xml/TVNG_nodes.h"
 
@@ -118,8 +119,9 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
             const int si_before = static_cast<int>(images.size());
             setThumbnail(noText, name, pc_root);
             if (images.size() > si_before && !base64.isEmpty())
-                TVNC_NodeAccess::setPackedText(*images.last(), base64.constData(),
-                                               static_cast<int>(base64.size()));
+                TVNC_NodeAccess::setPackedText(
+                    *images.last(),
+                    TVNC_PackedText::pack(base64.constData(), static_cast<int>(base64.size())));
         }
     });
     if (b_complete)
@@ -152,9 +154,9 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
         if (pc_image->getName() != packNames().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
             continue;
         const bool b_decoded = TVNG_hasMemoryFor([&] {
-            QByteArray base64 = TVNC_NodeAccess::packedText(*pc_image);
-            if (base64.isNull())
-                base64 = pc_image->getText().toUtf8();
+            QByteArray base64 = TVNC_NodeAccess::isTextPacked(*pc_image)
+                                    ? TVNC_PackedText::bytes(TVNC_NodeAccess::text(*pc_image))
+                                    : pc_image->getText().toUtf8();
             QString path = pngDir + TVNC_NodeAccess::attributes(*pc_image).value(packNames().src).toString();
             if (!decode_base64(base64, path) && !base64.isEmpty() && saveError.isEmpty())
                 saveError = TVNG_GetSaveError();

@@ -16,21 +16,10 @@ bool hasForm(const QString& text, const QString& format)
     return true;
 }
 
-/// Puts a number's digits into a text.
-void putDigits(QString& text, int si_from, int si_count, int si_number)
-{
-    QChar* const pc_text = text.data() + si_from;
-    for (int i = si_count - 1; i >= 0; --i) {
-        pc_text[i] = QLatin1Char(static_cast<char>('0' + si_number % 10));
-        si_number /= 10;
-    }
-}
-
 } // namespace
 
 bool TVNG_clockParts(const QString& text, const QString& format, QDate& date, QTime& time)
 {
-    // Years outside the range that every Qt reads have what meaning Qt gives them.
     if (!hasForm(text, format))
         return false;
     const QChar* const pc_text = text.constData();
@@ -38,6 +27,7 @@ bool TVNG_clockParts(const QString& text, const QString& format, QDate& date, QT
     date = QDate(si_year, TVNG_digits(pc_text + 5, 2), TVNG_digits(pc_text + 8, 2));
     const int si_second = text.size() > 16 ? TVNG_digits(pc_text + 17, 2) : 0;
     time = QTime(TVNG_digits(pc_text + 11, 2), TVNG_digits(pc_text + 14, 2), si_second);
+    // Every version of Qt reads these years alike. Callers leave all others to Qt.
     return si_year >= 1000 && si_year <= 7999 && date.isValid() && time.isValid();
 }
 
@@ -48,13 +38,14 @@ QString TVNG_clockText(const QDateTime& dateTime, const QString& format)
     // Qt takes a hundred times as long for the same text.
     if (date.isValid() && time.isValid() && date.year() >= 1000 && date.year() <= 7999) {
         QString text = format;
-        putDigits(text, 0, 4, date.year());
-        putDigits(text, 5, 2, date.month());
-        putDigits(text, 8, 2, date.day());
-        putDigits(text, 11, 2, time.hour());
-        putDigits(text, 14, 2, time.minute());
+        QChar* const pc_text = text.data();
+        TVNG_putDigits(pc_text, 4, date.year());
+        TVNG_putDigits(pc_text + 5, 2, date.month());
+        TVNG_putDigits(pc_text + 8, 2, date.day());
+        TVNG_putDigits(pc_text + 11, 2, time.hour());
+        TVNG_putDigits(pc_text + 14, 2, time.minute());
         if (text.size() > 16)
-            putDigits(text, 17, 2, time.second());
+            TVNG_putDigits(pc_text + 17, 2, time.second());
         return text;
     }
     // In UTC no time is skipped: asked for its text itself, a QDateTime of Qt 5 with a skipped time has none.

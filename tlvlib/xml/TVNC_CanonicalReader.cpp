@@ -5,6 +5,7 @@
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NamePool.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_nodes.h"
 
@@ -37,7 +38,7 @@ struct Span
 {
     int size() const { return static_cast<int>(pc_end - pc_begin); }
 
-    /// By length first: an order for finding what is there twice, and for nothing else.
+    /// Compares lengths first. The order serves to find equal names, and for nothing else.
     bool operator<(const Span& other) const
     {
         if (size() != other.size())
@@ -95,21 +96,6 @@ bool resolve(const Span& bytes, QByteArray& resolved)
     return true;
 }
 
-/// The number of three digits that a record's value is; -1 for anything else.
-int recordNumber(const Span& value)
-{
-    if (value.size() != 3)
-        return -1;
-    int si_number = 0;
-    for (int i = 0; i < 3; ++i) {
-        const int si_digit = value.pc_begin[i] - '0';
-        if (si_digit < 0 || si_digit > 9)
-            return -1;
-        si_number = si_number * 10 + si_digit;
-    }
-    return si_number < TVNC_RecordNumbers::LIMIT ? si_number : -1;
-}
-
 /**
  * One pass over the bytes, token by token.
  *
@@ -152,7 +138,7 @@ private:
     enum Step {
         DONE,
         MORE_BYTES, ///< the bytes in the buffer do not tell
-        OTHER_FORM, ///< the document is not for this reader
+        OTHER_FORM, ///< the document is not for this reader, or there is no memory for a node
     };
 
     /// Goes back to a place and reads on behind what is there. False at the end of the device, and when the
@@ -163,7 +149,10 @@ private:
         const int si_from = static_cast<int>(pc_from - buffer_.constData());
         if (si_kept > TOKEN_MAX)
             return false;
-        if (si_kept + 1 == buffer_.size()) // a token that fills it
+        // Only a token that fills the buffer makes it grow, to nearly twice its size: a long token is copied
+        // a few times in all, and there is always room for more bytes. TOKEN_MAX keeps the size within an
+        // int.
+        if (si_kept + 1 == buffer_.size())
             buffer_.resize(2 * si_kept);
         char* const pc_buffer = buffer_.data();
         std::memmove(pc_buffer, pc_buffer + si_from, static_cast<size_t>(si_kept));
@@ -247,7 +236,7 @@ private:
             step = attributeValue(value);
         if (step != DONE)
             return step;
-        // Namespaces are the general reader's.
+        // The general reader reads documents with namespaces.
         if (attribute.size() >= 3 && std::memcmp(attribute.pc_begin, "xml", 3) == 0)
             return OTHER_FORM;
         names_.push_back(attribute);
@@ -270,7 +259,7 @@ private:
         return DONE;
     }
 
-    /// By sorting, so that no number of attributes takes long.
+    /// Sorts the names, so that even very many of them are compared in little time.
     bool isAttributeTwice()
     {
         if (names_.size() < 2)
@@ -300,7 +289,9 @@ private:
     void giveAttributes(QXmlStreamAttributes& attributes)
     {
         const QString& usualName = TVNC_RecordNumbers::attributeName();
-        const int si_number = names_.size() == 1 ? recordNumber(values_.front()) : -1;
+        const Span& value = values_.front();
+        const int si_number =
+            names_.size() == 1 ? TVNC_RecordNumbers::ofDigits(value.pc_begin, value.size()) : -1;
         if (si_number >= 0 &&
             TVNC_NamePool::equals(usualName, names_.front().pc_begin, names_.front().size())) {
             attributes = TVNC_RecordNumbers::attributes(si_number);
@@ -339,12 +330,12 @@ private:
             pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::IN_TEXT);
             if (*pc_pos_ == '<')
                 break;
-            if (*pc_pos_ == '&') { // told from others when all of the text is there
+            if (*pc_pos_ == '&') { // resolve() tells which one, once all of the text is there
                 b_entities = true;
                 ++pc_pos_;
                 continue;
             }
-            // A '>' too: "]]>" must not stand in a text, and the library writes none.
+            // This refuses '>', too: "]]>" must not stand in a text, and the library escapes each '>'.
             const Step step = multibyte();
             if (step != DONE)
                 return step;
@@ -369,8 +360,9 @@ private:
             return OTHER_FORM;
         pc_pos_ += sizeOf(CDATA_START);
         Span text = {pc_pos_, pc_pos_};
+        // The section may be blank. The general reader decides whether blanks are a text.
         if (kinds_.skip(pc_pos_, TVNC_ByteKinds::BLANK)[0] == ']')
-            return OTHER_FORM; // perhaps blank, and whether blanks are a text is the general reader's to say
+            return OTHER_FORM;
         bool b_ascii = true;
         for (;;) {
             pc_pos_ = kinds_.skip(pc_pos_, TVNC_ByteKinds::IN_CDATA);
@@ -399,14 +391,14 @@ private:
         if (!TVNC_NodeAccess::text(*pc_node_).isEmpty())
             return;
         if (b_ascii && text.size() >= TVNC_PackedText::SIZE_MIN && c_textType == TVNG_CDATA_SECTION)
-            TVNC_NodeAccess::setPackedText(*pc_node_, text.pc_begin, text.size());
+            TVNC_NodeAccess::setPackedText(*pc_node_, TVNC_PackedText::pack(text.pc_begin, text.size()));
         else
             TVNC_NodeAccess::text(*pc_node_) = textOf(text, b_ascii);
         pc_node_->setTextType(c_textType);
     }
 
-    /// A character of more than one byte. All that Qt might change are of another form: noncharacters, and
-    /// byte order marks, which its decoders may take for the mark of an encoding.
+    /// Takes a character of more than one byte. It refuses those that Qt might change: noncharacters, and
+    /// byte order marks, which Qt's decoders may take for the mark of an encoding.
     Step multibyte()
     {
         if (static_cast<uchar>(*pc_pos_) < 0x80)

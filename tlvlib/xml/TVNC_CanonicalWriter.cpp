@@ -4,6 +4,7 @@
 #include "tlvlib/format/TVNC_XMLCharacters.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNG_walkTree.h"
 
 #include <cstring>
@@ -128,7 +129,7 @@ public:
         while (pc_text != pc_end) {
             const QChar* const pc_behind = plainRun(pc_text, pc_end);
             if (pc_behind != pc_text)
-                pc_text = pc_behind; // and perhaps there are more
+                pc_text = pc_behind; // the next round copies more, if there are more
             else if (pc_text->unicode() >= 0x80)
                 pc_text = foreignRun(pc_text, pc_end);
             else
@@ -173,8 +174,8 @@ private:
         b_failed_ = b_failed_ || device_.write(pc_bytes, si_size) != si_size;
     }
 
-    /// Copies characters from the front that stand for themselves, and not too many at a time. Returns what
-    /// is behind them.
+    /// Copies characters that stand for themselves from the front, at most RUN_SIZE of them. Returns the
+    /// place behind them.
     const QChar* plainRun(const QChar* pc_text, const QChar* pc_end)
     {
         const int si_most = pc_end - pc_text < RUN_SIZE ? static_cast<int>(pc_end - pc_text) : RUN_SIZE;
@@ -272,7 +273,7 @@ public:
 private:
     static bool isLeaf(TVNC_XMLNode& node) { return TVNC_NodeAccess::children(node).isEmpty(); }
 
-    /// Without its last sign.
+    /// Writes a start tag without the '>' or "/>" at its end.
     void writeStartTag(TVNC_XMLNode& node)
     {
         output_.literal("<");
@@ -287,18 +288,21 @@ private:
         }
     }
 
-    /// Writes the text with the last sign of the start tag before it. Returns whether there is one.
+    /// Writes the '>' of the start tag, and the text. Returns false, and writes nothing, when there is no
+    /// text.
     bool writeText(TVNC_XMLNode& node)
     {
         const char c_type = node.getTextType();
         if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return false;
-        const QByteArray packed = TVNC_NodeAccess::packedText(node);
-        if (c_type == TVNG_CDATA_SECTION && !packed.isNull() && fitsOneSection(packed)) {
-            output_.literal(">" TVNG_CDATA_START);
-            output_.bytes(packed.constData(), static_cast<int>(packed.size()));
-            output_.literal(TVNG_CDATA_END);
-            return true;
+        if (c_type == TVNG_CDATA_SECTION && TVNC_NodeAccess::isTextPacked(node)) {
+            const QByteArray packed = TVNC_PackedText::bytes(TVNC_NodeAccess::text(node));
+            if (fitsOneSection(packed)) {
+                output_.literal(">" TVNG_CDATA_START);
+                output_.bytes(packed.constData(), static_cast<int>(packed.size()));
+                output_.literal(TVNG_CDATA_END);
+                return true;
+            }
         }
         const QString& text = node.getText();
         if (!hasWritable(text))

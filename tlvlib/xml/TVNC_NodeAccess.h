@@ -1,13 +1,12 @@
 #ifndef TLVLIB_XML_TVNC_NODEACCESS_H
 #define TLVLIB_XML_TVNC_NODEACCESS_H
 
-#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
 /**
- * The library's own way to the parts of a node, without exposing it (see TVNC_RecordNumbers). Whoever changes
- * a list of children or an attribute here sees to the mark of the list. Internal to the library; not
- * installed.
+ * The library's own way to the parts of a node, without exposing it (see TVNC_RecordNumbers). It leaves the
+ * marks of numbered lists alone: who changes children or attributes through it takes the mark away where it
+ * is no longer true. Internal to the library; not installed.
  */
 struct TVNC_NodeAccess
 {
@@ -18,18 +17,15 @@ struct TVNC_NodeAccess
     /// As it is stored, perhaps packed; getText() gives it as it is.
     static QString& text(TVNC_XMLNode& node) { return node.text_; }
 
-    /// Gives a node a text of ASCII that stays packed until somebody asks for it.
-    static void setPackedText(TVNC_XMLNode& node, const char* pc_ascii, int si_size)
+    /// Whether the text is stored packed; see TVNC_PackedText.
+    static bool isTextPacked(const TVNC_XMLNode& node)
     {
-        QString packed = TVNC_PackedText::pack(pc_ascii, si_size);
-        node.setText(packed);
-        node.uc_state_ |= TVNC_XMLNode::PACKED_TEXT;
+        return (node.uc_state_ & TVNC_XMLNode::PACKED_TEXT) != 0;
     }
-
-    /// The bytes of a packed text, as long as the node keeps it; a null array for any other.
-    static QByteArray packedText(TVNC_XMLNode& node)
+    static void setPackedText(TVNC_XMLNode& node, const QString& packed)
     {
-        return node.uc_state_ & TVNC_XMLNode::PACKED_TEXT ? TVNC_PackedText::bytes(node.text_) : QByteArray();
+        node.text_ = packed;
+        node.uc_state_ |= TVNC_XMLNode::PACKED_TEXT;
     }
 
     /// Whether the list of children is marked as numbered.

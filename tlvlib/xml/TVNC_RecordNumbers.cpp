@@ -3,7 +3,6 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/util/TVNG_digits.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 
@@ -16,17 +15,12 @@ struct IdName
     QString text = QEXC_TextCodec::fromSJIS("id");
 };
 
-const int DIGITS = 3;
-
 /// "%03d" of a number.
 QString digitsOf(int si_number)
 {
-    QChar digits[DIGITS];
-    for (int i = DIGITS - 1; i >= 0; --i) {
-        digits[i] = QLatin1Char(static_cast<char>('0' + si_number % 10));
-        si_number /= 10;
-    }
-    return QString(digits, DIGITS);
+    QChar digits[TVNC_RecordNumbers::DIGITS];
+    TVNG_putDigits(digits, TVNC_RecordNumbers::DIGITS, si_number);
+    return QString(digits, TVNC_RecordNumbers::DIGITS);
 }
 
 /// Whether a set consists of a number in three digits, without a prefix.
@@ -36,7 +30,7 @@ bool consistsOf(const QXmlStreamAttributes& attributes, int si_number, const QSt
         return false;
     const QXmlStreamAttribute& attribute = attributes.at(0);
     const auto value = attribute.value();
-    return value.size() == DIGITS && TVNG_digits(value.data(), DIGITS) == si_number &&
+    return TVNC_RecordNumbers::ofDigits(value.data(), static_cast<int>(value.size())) == si_number &&
            attribute.namespaceUri().isEmpty() && attribute.qualifiedName() == attributeName;
 }
 
@@ -181,7 +175,8 @@ QList<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_co
     return records;
 }
 
-// An operation of the node's interface, and here because only this source knows what a number is.
+// This is an operation of the node's interface. It stands here because only this source knows what a number
+// is.
 TVNC_XMLNode* TVNC_XMLNode::getXMLNodeChildByID(int si_id, QString& attributeName)
 {
     return TVNC_RecordNumbers::find(*this, si_id, attributeName);

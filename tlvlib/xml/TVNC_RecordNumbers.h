@@ -1,6 +1,8 @@
 #ifndef TLVLIB_XML_TVNC_RECORDNUMBERS_H
 #define TLVLIB_XML_TVNC_RECORDNUMBERS_H
 
+#include "tlvlib/util/TVNG_digits.h"
+
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QXmlStreamAttributes>
@@ -25,6 +27,17 @@ public:
     /// How many records of a document can have a number.
     static const int LIMIT = 999;
 
+    /// How many digits a number is written with.
+    static const int DIGITS = 3;
+
+    /// The number that a value written by the library is: three digits below "999"; -1 for any other value.
+    template <typename Character>
+    static int ofDigits(const Character* pc_value, int si_size)
+    {
+        const int si_number = si_size == DIGITS ? TVNG_digits(pc_value, DIGITS) : -1;
+        return si_number < LIMIT ? si_number : -1;
+    }
+
     /// The attribute name of every store, "id".
     static QString& attributeName();
 
@@ -44,11 +57,12 @@ public:
     /// share it, and any thread may ask for it.
     static QXmlStreamAttributes attributes(int si_number);
 
-    /// The child that bears a number, or null. Allocates nothing.
+    /// The child that bears a number, or null. It allocates nothing, unless it has to ask Qt what a value of
+    /// other characters than up to nine digits means.
     static TVNC_XMLNode* find(TVNC_XMLNode& parent, int si_number, const QString& attributeName);
 
     /// The children that bear the numbers from 0 to @a si_count - 1, in this order; null where there is none.
-    /// Where these are the children as they stand, nothing is allocated: every page visited comes here.
+    /// It allocates nothing when the children of a marked list are just these: each visit of a page calls it.
     static QList<TVNC_XMLNode*> findAll(TVNC_XMLNode& parent, int si_count, const QString& attributeName);
 };
 

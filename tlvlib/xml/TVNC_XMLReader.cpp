@@ -4,49 +4,58 @@
 #include "tlvlib/format/TVNC_XMLInput.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NamePool.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
 #include "tlvlib/xml/TVNG_nodes.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QMutex>
 
-#include <map>
 #include <memory>
+#include <mutex>
 
 namespace {
 
 // --- The filter of a reader -------------------------------------------------------------------------------
 
 /**
- * The filters that readers read through. A reader owns its own, but has no room for it: the layout of the
- * class is part of the binary interface. Its device() does not tell either, since that may be another one by
- * now, or be gone.
+ * A filter that a reader reads through. The reader owns it, but has no room for it: the layout of the class
+ * is part of the binary interface. The reader's device() does not tell the filter either, since the program
+ * may have given the reader another device, and deleted it.
  */
-class Inputs
+struct Input
 {
-public:
-    /// Gives a reader a filter, or none, and deletes the one that it had.
-    void replace(const TVNC_XMLReader* pc_reader, TVNC_XMLInput* pc_input)
+    Input(QIODevice& source, const TVNC_XMLReader* pc_owner)
+        : filter(source), pc_reader(pc_owner), pc_next(nullptr)
     {
-        std::unique_ptr<TVNC_XMLInput> input(pc_input); // afterwards the earlier one
-        QMutexLocker locker(&mutex_);
-        if (input)
-            inputs_[pc_reader].swap(input);
-        else if (inputs_.count(pc_reader)) {
-            inputs_[pc_reader].swap(input);
-            inputs_.erase(pc_reader);
-        }
-        locker.unlock(); // nothing is locked while it is deleted
     }
 
-private:
-    QMutex mutex_;
-    // Not Qt's hash, which ends the program in Qt 6 when memory runs out.
-    std::map<const TVNC_XMLReader*, std::unique_ptr<TVNC_XMLInput>> inputs_;
+    TVNC_XMLInput filter;
+    const TVNC_XMLReader* const pc_reader;
+    Input* pc_next;
 };
+
+// The filters of all readers, of which few live at a time. Neither variable is made or destroyed while the
+// program runs: a reader that goes needs no memory, and may go after everything else.
+std::mutex inputsMutex;
+Input* pc_firstInput = nullptr;
+
+/// Puts a filter, or none, in the place of the one that a reader had.
+void replaceInput(const TVNC_XMLReader* pc_reader, Input* pc_input)
+{
+    std::unique_ptr<Input> old; // deleted when nothing is locked any more
+    const std::lock_guard<std::mutex> lock(inputsMutex);
+    Input** pc_link = &pc_firstInput;
+    while (*pc_link && (*pc_link)->pc_reader != pc_reader)
+        pc_link = &(*pc_link)->pc_next;
+    old.reset(*pc_link);
+    if (old)
+        *pc_link = old->pc_next;
+    if (pc_input) {
+        pc_input->pc_next = pc_firstInput;
+        pc_firstInput = pc_input;
+    }
+}
 
 // --- Attributes -------------------------------------------------------------------------------------------
 
@@ -128,7 +137,7 @@ TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent
 /// Stops a reader for want of memory.
 void stop(QXmlStreamReader& reader)
 {
-    TVNG_hasMemoryFor([&] { reader.raiseError(); }); // otherwise the error stands, without a text
+    TVNG_hasMemoryFor([&] { reader.raiseError(); }); // Qt sets the error before it may throw
 }
 
 } // namespace
@@ -137,7 +146,7 @@ TVNC_XMLReader::TVNC_XMLReader() {}
 
 TVNC_XMLReader::~TVNC_XMLReader()
 {
-    TVNG_immortal<Inputs>().replace(this, nullptr);
+    replaceInput(this, nullptr);
 }
 
 TVNC_XMLNode* TVNC_XMLReader::read(QString& path)
@@ -158,9 +167,9 @@ TVNC_XMLNode* TVNC_XMLReader::read(QIODevice& device)
     const bool b_complete = TVNG_hasMemoryFor([&] {
         // Not a local object: error and position can only be asked for afterwards while the reader's device
         // stays what it was.
-        TVNC_XMLInput* const pc_input = new TVNC_XMLInput(device);
-        TVNG_immortal<Inputs>().replace(this, pc_input);
-        setDevice(pc_input);
+        Input* const pc_input = new Input(device, this);
+        replaceInput(this, pc_input);
+        setDevice(&pc_input->filter);
         while (!atEnd()) {
             const TokenType token = readNext();
             if (token == EndElement)
@@ -201,7 +210,7 @@ TVNC_XMLNode* TVNC_XMLReader::readXMLNode(TVNC_XMLNode* pc_parent)
                 pc_node = pc_node == pc_top ? nullptr : pc_node->getXMLNodeParent();
         }
     });
-    if (b_complete)
+    if (b_complete && pc_top)
         return pc_top;
     delete pc_top;
     stop(*this);

@@ -30,8 +30,8 @@ class TVNC_XMLNode;
  * them grows with their square). error(), errorString(), lineNumber() and columnNumber() tell about the error
  * afterwards.
  *
- * Nothing is thrown. When memory runs out, the result is null, and error() is CustomError; only an element
- * that cannot be created at all ends the one around it, as an end tag does.
+ * Nothing is thrown. When memory runs out, the result is null, and error() is CustomError; only a child that
+ * cannot be created ends the element around it, as an end tag does.
  *
  * Any depth of nesting can be read; time and memory grow with the size of the document.
  */

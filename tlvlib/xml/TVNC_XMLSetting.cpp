@@ -19,8 +19,7 @@ namespace {
 
 /**
  * The root of the document in a file, as TVNC_XMLReader::read() gives it; null when memory ran out. A
- * document in the library's own form is read the fast way. Nobody has a reader here whose state could be
- * asked for afterwards.
+ * document in the library's own form is read the fast way: nobody can ask for a reader's state here.
  */
 TVNC_XMLNode* readDocument(QString& path)
 {
@@ -49,7 +48,7 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
         TVNC_XMLWriter writer;
         writer.write(file.device(), pc_root);
         if (!writer.device())
-            return; // memory ran out: what is half written takes no file's place
+            return; // memory ran out: without an end of the save, no file is replaced
     }
     TVNG_finishWriting(file);
 }
@@ -139,6 +138,8 @@ void TVNC_XMLSetting::deleteAllSetting()
     if (!pc_root_)
         return;
     const QList<TVNC_XMLNode*> removed = TVNG_takeChildren(*pc_root_);
+    // A program may have listed a record twice. Qt keeps one such event for an object, however often
+    // deleteLater() is called, and drops it when the object is deleted.
     for (int i = 0; i < removed.size(); ++i) {
         if (removed.at(i)) {
             TVNG_release(removed.at(i));

@@ -67,7 +67,7 @@ public:
     /// Forgets what the element at a depth has declared.
     void end(int si_depth)
     {
-        while (bindings_.last().meaning.si_depth == si_depth) { // that of "xml" stays
+        while (bindings_.last().meaning.si_depth == si_depth) { // no element has the depth of "xml", 0
             meanings_[bindings_.last().prefix] = bindings_.last().hidden;
             bindings_.remove(bindings_.size() - 1);
         }
@@ -149,7 +149,7 @@ private:
 
     void writeAttributes(const QXmlStreamAttributes& attributes)
     {
-        // First the prefixes that there are, so that none of those that are made up takes their place.
+        // The attributes' own prefixes are declared first, so that no made-up one takes the place of theirs.
         for (int i = 0; i < attributes.size(); ++i) {
             const QXmlStreamAttribute& attribute = attributes.at(i);
             if (!attribute.namespaceUri().isEmpty())
@@ -225,8 +225,8 @@ bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
             return;
         b_written = write(file.device(), pc_root);
         if (!device())
-            return;         // what is half written takes no file's place
-        setDevice(nullptr); // it goes
+            return;         // memory ran out: without an end of the save, no file is replaced
+        setDevice(nullptr); // the file's goes with this block
         b_written = TVNG_finishWriting(file) && b_written;
     });
     return b_written;
