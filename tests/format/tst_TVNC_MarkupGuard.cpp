@@ -68,6 +68,7 @@ void tst_TVNC_MarkupGuard::documentsEndWhereTheyMust()
 
 void tst_TVNC_MarkupGuard::attributesAreCountedForEachElement()
 {
+    QCOMPARE(static_cast<int>(TVNC_MarkupGuard::ATTRIBUTES_MAX), 8000); // docs/files.md tells it
     const QByteArray full = "<a" + QByteArray(" b='=\"'").repeated(TVNC_MarkupGuard::ATTRIBUTES_MAX) + "/>";
     QCOMPARE(admitted(full + full), static_cast<int>(2 * full.size()));
     const QByteArray tooFull = "<a" + QByteArray(" b=''").repeated(TVNC_MarkupGuard::ATTRIBUTES_MAX) + " b=";
@@ -77,6 +78,7 @@ void tst_TVNC_MarkupGuard::attributesAreCountedForEachElement()
 void tst_TVNC_MarkupGuard::namespacesAreCountedWhileTheyAreInForce()
 {
     const int si_max = TVNC_MarkupGuard::NAMESPACES_MAX;
+    QCOMPARE(si_max, 4000);
     const QByteArray all = QByteArray("<a xmlns:b='u'>").repeated(si_max);
     QCOMPARE(admitted(all + "<a b:xmlns='u'>"), static_cast<int>(all.size()) + 15);
     QCOMPARE(admitted(all + "<a xmlns='u'>"), static_cast<int>(all.size()) + 8);

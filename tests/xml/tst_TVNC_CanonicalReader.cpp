@@ -105,6 +105,9 @@ void tst_TVNC_CanonicalReader::sameTreeAsTheReaders_data()
     row("name of two bytes", "<\xC3\xA9>x</\xC3\xA9>", "\xC3\xA9'x'");
     row("byte order mark in a text", "<a>\xEF\xBB\xBFx</a>", "a'\xEF\xBB\xBFx'");
     row("overlong", "<a><b>x</b><c>\xC0\xAF</c></a>", "a(b'x',c)");
+    row("continuation alone", "<a><b>x</b><c>\x80</c></a>", "a(b'x',c)");
+    row("continuation alone in CDATA", "<a><b>x</b><c><![CDATA[\x80]]></c></a>", "a(b'x',c)");
+    row("continuation alone in an attribute", "<a><b>x</b><c d=\"\x80\"/></a>", "a(b'x')");
     row("surrogate", "<a><b>x</b><c>\xED\xA0\x80</c></a>", "a(b'x',c)");
     row("beyond the last", "<a><b>x</b><c>\xF4\x90\x80\x80</c></a>", "a(b'x',c)");
     row("cut off character", "<a>x\xE6\x97</a>", "a"); // no end of the text before it

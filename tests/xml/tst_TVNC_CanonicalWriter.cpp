@@ -83,6 +83,7 @@ void tst_TVNC_CanonicalWriter::sameBytesAsTheWriter_data()
     row("controls", utf8("x\x01\x0B\x0C\x1Fy"), "<a b=\"xy\">xy</a>");
     row("controls alone", utf8("\x01"), "<a b=\"\"/>");
     row("delete and C1", QString(QChar(0x7F)) + QChar(0x85), "<a b=\"\x7F\xC2\x85\">\x7F\xC2\x85</a>");
+    row("first of C1", QString(QChar(0x80)), "<a b=\"\xC2\x80\">\xC2\x80</a>");
     row("all planes", utf8("\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80z"),
         "<a b=\"\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80z\">\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80z</a>");
     row("lone surrogates", QString(QChar(0xD800)) + utf8("x") + QChar(0xDC00), "<a b=\"x\">x</a>");
