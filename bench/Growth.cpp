@@ -128,6 +128,7 @@ void addGrowth(const QString& dir)
     addTrees(dir, true);
     const std::vector<int> sizes{10000, 100000};
     std::vector<std::string> rows;
+    rows.reserve(sizes.size());
     for (const int count : sizes)
         rows.push_back("load " + std::to_string(count) + " fonts, per font of 1000");
     addRatios(rows, MOST_GROWTH,

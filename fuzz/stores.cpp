@@ -184,7 +184,7 @@ QStringList commonPreferences()
          {&TVNC_BrowserCommonSetting::getRcvCookieInfo, &TVNC_BrowserCommonSetting::getUseCacheInfo,
           &TVNC_BrowserCommonSetting::getCacheDeleteTiming, &TVNC_BrowserCommonSetting::getSWKeyBoardTypeInfo,
           &TVNC_BrowserCommonSetting::getUseProxyInfo, &TVNC_BrowserCommonSetting::getUseSSL30}) {
-        const int code = (store->*get)();
+        const char code = (store->*get)();
         MUST(code >= 0 && code <= 2);
         answers.append(QString::number(code));
     }

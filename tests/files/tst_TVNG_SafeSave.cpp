@@ -413,7 +413,7 @@ void tst_TVNG_SafeSave::logLinesAreTheSame()
         QByteArray pack = localFile("pack");
         TVNC_ThumbnailConverter::getInstance()->convertThumbnailPngToXML(local.data(), pack.data());
         TVNC_ThumbnailConverter::getInstance()->convertThumbnailXMLToPng(pack.data(), local.data());
-        logs[int(c_on)] = LogRecorder::takeLines();
+        logs[static_cast<unsigned char>(c_on)] = LogRecorder::takeLines();
         foreach (const QString& name, QDir(path_).entryList(QDir::Files))
             QVERIFY(QFile::remove(path_ + name));
         releaseDeferred();

@@ -56,6 +56,7 @@ private slots:
     void nothingIsThrownWhenMemoryIsShort_data();
     void nothingIsThrownWhenMemoryIsShort();
     void loadWithoutMemoryLeavesNoRoot();
+    void saveWithoutMemoryIsLogged();
     void rootThatCannotBeCreatedIsNotSaved();
 
     void lookUpFindsTheFirstBearerOfANumber_data();
@@ -640,6 +641,20 @@ void tst_TVNC_XMLSetting::loadWithoutMemoryLeavesNoRoot()
 
 // A document that only the general reader takes: an empty root in the place of its own would be saved over
 // it.
+void tst_TVNC_XMLSetting::saveWithoutMemoryIsLogged()
+{
+    TempDir dir;
+    QString path = dir.path() + utf8("x.xml");
+    setting_->createXMLRootNode();
+    failingObject = 1;
+    setting_->save(path);
+    failingObject = 0;
+    QCOMPARE(LogRecorder::take(), utf8("3 [TVNC_XMLSetting::save] start\n"
+                                       "1 [TVNC_XMLSetting::save] Fail\n"
+                                       "3 [TVNC_XMLSetting::saveBookmark] end\n"));
+    QVERIFY(!QFile::exists(path));
+}
+
 void tst_TVNC_XMLSetting::rootThatCannotBeCreatedIsNotSaved()
 {
     TempDir dir;

@@ -135,9 +135,9 @@ void tst_literalReading::sameTree_data()
         "<!DOCTYPE a><a>x</a>",
         "<!DOCTYPE a SYSTEM 'a.dtd'><a>x</a>",
         "<!DOCTYPE a PUBLIC '-//X//Y' \"a.dtd\"><a b='1'>x</a>",
-        "<!DOCTYPE html PUBLIC \"-//W3C//DTD XHTML 1.0 Strict//EN\" "
-        "\"http://www.w3.org/TR/xhtml1/DTD/xhtml1-strict.dtd\"><html xmlns='http://www.w3.org/1999/xhtml' "
-        "xml:lang='en' lang='en'><head><title>x</title></head></html>",
+        ("<!DOCTYPE html PUBLIC \"-//W3C//DTD XHTML 1.0 Strict//EN\" "
+         "\"http://www.w3.org/TR/xhtml1/DTD/xhtml1-strict.dtd\"><html xmlns='http://www.w3.org/1999/xhtml' "
+         "xml:lang='en' lang='en'><head><title>x</title></head></html>"),
         "<!DOCTYPE a SYSTEM 'x'><a>1&foo;2</a>",
         "<!DOCTYPE><a/>",
         "<!DOCTYPE a",

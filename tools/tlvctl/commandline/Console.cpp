@@ -55,7 +55,9 @@ Progress::~Progress()
 
 void Progress::advance()
 {
-    const size_t before = done_ * 100 / (total_ > 0 ? total_ : 1);
+    if (total_ == 0)
+        return;
+    const size_t before = done_ * 100 / total_;
     ++done_;
     if (isShown_ && done_ * 100 / total_ != before)
         draw();
