@@ -230,6 +230,11 @@ void tst_tlvctl_exchange::wildFilesAreRead_data()
     QTest::newRow("byte order mark") << QByteArray(
                                             "\xEF\xBB\xBF<DL><DT><A HREF=\"http://a/\">caf\xC3\xA9</A>")
                                      << QStringList{utf8("caf\xC3\xA9|http://a/")};
+    QTest::newRow("byte order marks within")
+        << QByteArray("<DL><DT><A HREF=\" \xEF\xBB\xBF http://a/\">\n\xEF\xBB\xBF"
+                      "A</A>"
+                      "<DT><A HREF=\"http://b/\">B\xEF\xBB\xBF</A>")
+        << two;
     QTest::newRow("an icon of megabytes")
         << "<DL><DT><A HREF=\"http://a/\" ICON=\"data:image/png;base64," + QByteArray(12000000, 'A') +
                "\">A</A><DT><A HREF=\"http://b/\">B</A>"

@@ -237,7 +237,7 @@ private:
             const QByteArray value = attributes[1] ? text(attributes[1]) : "";
             isOpen_ = isOpen_ || name == "href";
             if (name == "href")
-                open_.href = QString::fromUtf8(value).trimmed();
+                open_.href = QString::fromUtf8(value).remove(QChar::ByteOrderMark).trimmed();
             else if (name == "icon")
                 open_.picture = pictureIn(value);
         }
@@ -272,10 +272,12 @@ private:
 
 QString plainTitle(const QString& filed)
 {
-    // Without the control characters that no document can hold: HTML loses them on its way out and back.
+    // Without the control characters that no document can hold, and byte order marks, which a reading drops
+    // when one stands in front: HTML loses them on its way out and back.
     QString title;
-    std::copy_if(filed.begin(), filed.end(), std::back_inserter(title),
-                 [](QChar c) { return c >= ' ' || c == '\t' || c == '\n' || c == '\r'; });
+    std::copy_if(filed.begin(), filed.end(), std::back_inserter(title), [](QChar c) {
+        return (c >= ' ' && c != QChar::ByteOrderMark) || c == '\t' || c == '\n' || c == '\r';
+    });
     const bool isOneLine = !title.contains('\n') && !title.contains('\r');
     return isOneLine && !title.trimmed().isEmpty() ? title : title.simplified();
 }
