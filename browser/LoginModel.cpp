@@ -45,11 +45,10 @@ bool LoginModel::keep(const QString& host, int port, Scheme scheme, const QByteA
     if (!store_.setAuthInfo(&login))
         return false;
     recordPrepended();
-    if (earlier >= 0) {
+    if (earlier >= 0)
         remove(earlier + 1); // the store does not look for one
-    } else if (count() > maximum()) {
+    else if (count() > maximum())
         remove(maximum()); // as the store's updateAuthInfo() does, but not for a login that is refused
-    }
     Q_EMIT changed();
     return true;
 }
