@@ -1,3 +1,4 @@
+#include "tests/support/FailingNew.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
@@ -110,6 +111,7 @@ private slots:
     void changedValueReplacesTheEntry();
     void changedExpiryKeepsTheEntry();
     void vanishedCookiesAreDeleted();
+    void withoutMemoryTheOtherFileStays();
     void newCookiesComeFirstInTheirOrder();
     void entriesBehindTheTwentiethStay();
     void eachEntryMatchesOneCookie();
@@ -688,6 +690,35 @@ void tst_TVNC_CookieSetting_ini::vanishedCookiesAreDeleted()
     save(QList<QNetworkCookie>() << makeCookie("n3", "v") << makeCookie("n1", "v"));
     toXml();
     QCOMPARE(xmlNames(), utf8("000:n1 001:n3"));
+}
+
+// Neither an empty document for want of memory nor a part of one replaces what is in the other file.
+void tst_TVNC_CookieSetting_ini::withoutMemoryTheOtherFileStays()
+{
+    writeFile(xml(), numberedEntries("n", 2));
+    save(QList<QNetworkCookie>() << makeCookie("x", "v") << makeCookie("y", "v"));
+    const QByteArray document = readFile(xml());
+    const QByteArray ini = readFile(file());
+    // A root and two entries of seven elements are read, and two such entries are added.
+    for (int i = 1; i <= 29; ++i) {
+        failingNode = i;
+        toXml();
+        QCOMPARE(failingNode, 0);
+        QCOMPARE(readFile(xml()), document);
+        QVERIFY(LogRecorder::take().contains(utf8("1 [TVNG_ifMemory] Fail\n")));
+    }
+    for (int i = 1; i <= 15; ++i) {
+        failingNode = i;
+        toIni();
+        QCOMPARE(failingNode, 0);
+        QCOMPARE(readFile(file()), ini);
+        QVERIFY(LogRecorder::take().contains(utf8("1 [TVNG_ifMemory] Fail\n")));
+    }
+    toXml();
+    QCOMPARE(xmlNames(), utf8("000:x 001:y"));
+    writeFile(xml(), document);
+    toIni();
+    QCOMPARE(namesOf(load()), utf8("n0 n1"));
 }
 
 void tst_TVNC_CookieSetting_ini::newCookiesComeFirstInTheirOrder()

@@ -1,3 +1,4 @@
+#include "tests/support/FailingAllocations.h"
 #include "tests/support/Setting.h"
 #include "tests/support/TestSupport.h"
 #include "tests/support/Tree.h"
@@ -9,59 +10,10 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QDir>
 
-#include <cerrno>
 #include <csignal>
 #include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
-
-/// Whether this program can have allocations fail, by taking the place of the C library's own functions.
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define CAN_FAIL_ALLOCATIONS 1
-#else
-#define CAN_FAIL_ALLOCATIONS 0
-#endif
-
-/// 0: nothing fails; n: the nth allocation from now on fails, and all that follow it if b_forGood.
-static long failingAllocation = 0;
-static bool b_forGood = false;
-
-#if CAN_FAIL_ALLOCATIONS
-static bool fails()
-{
-    if (failingAllocation == 0)
-        return false;
-    if (failingAllocation > 1) {
-        --failingAllocation;
-        return false;
-    }
-    if (!b_forGood)
-        failingAllocation = 0;
-    errno = ENOMEM;
-    return true;
-}
-
-extern "C" {
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* pc_memory, size_t size);
-
-void* malloc(size_t size) noexcept
-{
-    return fails() ? nullptr : __libc_malloc(size);
-}
-
-void* calloc(size_t count, size_t size) noexcept
-{
-    return fails() ? nullptr : __libc_calloc(count, size);
-}
-
-void* realloc(void* pc_memory, size_t size) noexcept
-{
-    return fails() ? nullptr : __libc_realloc(pc_memory, size);
-}
-}
-#endif
 
 /// Each allocation on the way fails once: nothing is thrown, and what is left can be used.
 class tst_TVNC_XMLReader_outOfMemory : public QObject

@@ -73,7 +73,7 @@ private slots:
     void setElementKeepsAttributes();
     void nodesAreCounted();
 
-    void readerEndsAnElementWhoseChildCannotBeCreated();
+    void readerEndsWhereAnElementCannotBeCreated();
 
 private:
     TVNC_XMLNode* root() { return setting_->getXMLRootNode(); }
@@ -872,7 +872,7 @@ void tst_TVNC_XMLSetting::nodesAreCounted()
     QCOMPARE(setting_->getXMLNodeCnt(), 1006);
 }
 
-void tst_TVNC_XMLSetting::readerEndsAnElementWhoseChildCannotBeCreated()
+void tst_TVNC_XMLSetting::readerEndsWhereAnElementCannotBeCreated()
 {
     const QByteArray document("<a><b><c/></b><d/></a>");
     {
@@ -884,13 +884,13 @@ void tst_TVNC_XMLSetting::readerEndsAnElementWhoseChildCannotBeCreated()
         QCOMPARE(reader.error(), QXmlStreamReader::CustomError);
     }
     {
-        // The end tag of c, which is no node, then ends a.
         TVNC_XMLReader reader;
         reader.addData(document);
         reader.readNextStartElement();
         failingNode = 3;
         QScopedPointer<TVNC_XMLNode> node(reader.readXMLNode(nullptr));
         QCOMPARE(describe(node.data()), utf8("a(b)"));
+        QCOMPARE(reader.error(), QXmlStreamReader::CustomError);
     }
     {
         TVNC_XMLReader reader;
@@ -899,6 +899,7 @@ void tst_TVNC_XMLSetting::readerEndsAnElementWhoseChildCannotBeCreated()
         failingNode = 2;
         QScopedPointer<TVNC_XMLNode> node(reader.readXMLNode(nullptr));
         QCOMPARE(describe(node.data()), utf8("a"));
+        QCOMPARE(reader.error(), QXmlStreamReader::CustomError);
     }
     failingNode = 0;
 }

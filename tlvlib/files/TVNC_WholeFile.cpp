@@ -2,7 +2,6 @@
 
 #include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/files/TVNG_saveMode.h"
-#include "tlvlib/util/TVNG_memory.h"
 
 #include <QtCore/QFile>
 
@@ -75,11 +74,6 @@ TVNC_WholeFile::TVNC_WholeFile(const QString& path)
 
 TVNC_WholeFile::~TVNC_WholeFile()
 {
-    if (b_leftover_ && !hasFailed()) { // an exception ended the save
-        errno = ENOMEM;
-        fail("it could not be finished");
-        TVNG_hasMemoryFor([&] { tell(); });
-    }
     release();
 }
 

@@ -2,6 +2,7 @@
 
 #include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_memory.h"
 
 namespace {
 
@@ -11,6 +12,7 @@ bool b_safeSave = false;
 struct SaveError
 {
     QString text;
+    const QString noMemory = QLatin1String("It could not be saved: memory ran out");
 };
 
 } // namespace
@@ -18,11 +20,14 @@ struct SaveError
 void TVNG_SetSafeSave(char c_on)
 {
     b_safeSave = c_on != 0;
+    TVNG_hasMemoryFor([] { TVNG_immortal<SaveError>(); }); // while there is memory for it
 }
 
 QString TVNG_GetSaveError()
 {
-    return TVNG_immortal<SaveError>().text;
+    QString error;
+    TVNG_hasMemoryFor([&] { error = TVNG_immortal<SaveError>().text; });
+    return error;
 }
 
 bool TVNG_isSafeSave()
@@ -33,4 +38,12 @@ bool TVNG_isSafeSave()
 void TVNG_setSaveError(const QString& error)
 {
     TVNG_immortal<SaveError>().text = error;
+}
+
+void TVNG_setNoMemoryToSave()
+{
+    TVNG_hasMemoryFor([] {
+        SaveError& error = TVNG_immortal<SaveError>();
+        error.text = error.noMemory;
+    });
 }

@@ -40,7 +40,8 @@ TLVLIB_EXPORT void TVNG_SetSafeSave(char c_on);
 
 /**
  * What the most recent save in this mode could not do, and why, in words for a person; empty when it
- * succeeded, and before the first one. It names the file with its path, and so is nothing for a log.
+ * succeeded, and before the first one. It names the file with its path, unless memory ran out, and so is
+ * nothing for a log.
  *
  * The file then holds what it held before, and memory keeps the change: the save may be tried again. Where
  * nothing failed but the sync of the directory, the file holds the new state, which a power cut may still

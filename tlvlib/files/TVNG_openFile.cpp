@@ -2,13 +2,13 @@
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_literal.h"
 
 #include <QtCore/QFile>
 
 QString TVNG_pathIn(const QString& dir, const char* pc_name)
 {
-    return dir + QEXC_TextCodec::fromSJIS(pc_name);
+    return dir + TVNG_literal(pc_name);
 }
 
 bool TVNG_openForReading(QFile& file)

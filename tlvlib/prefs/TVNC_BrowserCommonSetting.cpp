@@ -1,8 +1,10 @@
 #include "tlvlib/prefs/TVNC_BrowserCommonSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
 #include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/files/TVNG_openFile.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
@@ -57,10 +59,12 @@ void TVNC_BrowserCommonSetting::loadSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserCommonSetting::loadSetting] Common Path is NULL or empty.");
         return;
     }
-    QString path = TVNG_pathIn(*dir, COMMON_FILE);
-    load(path);
-    commonPreferences().complete(*this, "repostry_common");
-    TVNG_DebugPrint(3, "[TVNC_BrowserCommonSetting::loadSetting] end");
+    TVNG_ifMemory([&] {
+        QString path = TVNG_pathIn(*dir, COMMON_FILE);
+        load(path);
+        commonPreferences().complete(*this, "repostry_common");
+        TVNG_DebugPrint(3, "[TVNC_BrowserCommonSetting::loadSetting] end");
+    });
 }
 
 void TVNC_BrowserCommonSetting::saveSetting(QString* dir)
@@ -70,12 +74,14 @@ void TVNC_BrowserCommonSetting::saveSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserCommonSetting::saveSetting] Common Path is NULL or empty.");
         return;
     }
-    QString path = TVNG_pathIn(*dir, COMMON_FILE);
-    QByteArray password;
-    getProxyPasswordStr(&password);
-    const TVNC_SecretSave secret(!password.isEmpty());
-    save(path);
-    TVNG_DebugPrint(3, "[TVNC_BrowserCommonSetting::saveSetting] end");
+    TVNG_saveIfMemory([&] {
+        QString path = TVNG_pathIn(*dir, COMMON_FILE);
+        QByteArray password("unknown"); // it stays when there is no memory for the answer
+        getProxyPasswordStr(&password);
+        const TVNC_SecretSave secret(!password.isEmpty());
+        save(path);
+        TVNG_DebugPrint(3, "[TVNC_BrowserCommonSetting::saveSetting] end");
+    });
 }
 
 char TVNC_BrowserCommonSetting::getKeyBoardTypeInfo()

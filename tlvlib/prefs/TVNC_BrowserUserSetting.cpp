@@ -1,7 +1,9 @@
 #include "tlvlib/prefs/TVNC_BrowserUserSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
 #include "tlvlib/files/TVNG_openFile.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/prefs/TVNC_Preference.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
@@ -54,10 +56,12 @@ void TVNC_BrowserUserSetting::loadSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::loadSetting] User Path is NULL or empty.");
         return;
     }
-    QString path = TVNG_pathIn(*dir, USER_FILE);
-    load(path);
-    userPreferences().complete(*this, "repostry");
-    TVNG_DebugPrint(3, "[TVNC_BrowserUserSetting::loadSetting] end");
+    TVNG_ifMemory([&] {
+        QString path = TVNG_pathIn(*dir, USER_FILE);
+        load(path);
+        userPreferences().complete(*this, "repostry");
+        TVNG_DebugPrint(3, "[TVNC_BrowserUserSetting::loadSetting] end");
+    });
 }
 
 void TVNC_BrowserUserSetting::saveSetting(QString* dir)
@@ -67,9 +71,11 @@ void TVNC_BrowserUserSetting::saveSetting(QString* dir)
         TVNG_DebugPrint(2, "[TVNC_BrowserUserSetting::saveSetting] User Path is NULL or empty.");
         return;
     }
-    QString path = TVNG_pathIn(*dir, USER_FILE);
-    save(path);
-    TVNG_DebugPrint(3, "[TVNC_BrowserUserSetting::saveSetting] end");
+    TVNG_saveIfMemory([&] {
+        QString path = TVNG_pathIn(*dir, USER_FILE);
+        save(path);
+        TVNG_DebugPrint(3, "[TVNC_BrowserUserSetting::saveSetting] end");
+    });
 }
 
 void TVNC_BrowserUserSetting::setStartUp(char c_startUp)

@@ -3,8 +3,8 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
-#include <QtCore/QVector>
 
+class TVNC_PreferenceList;
 class TVNC_XMLNode;
 class TVNC_XMLSetting;
 
@@ -21,8 +21,10 @@ class TVNC_XMLSetting;
  * };
  * @endcode
  *
- * Such a member is all there is to say about a preference; loading and the accessors follow from it. Internal
- * to the library; not installed.
+ * Such a member is all there is to say about a preference; loading and the accessors follow from it. Neither
+ * the members nor what they do throws anything: when memory runs out, setters change nothing but the group,
+ * which may be there then, and getters give the default or, where they have no memory for that, nothing.
+ * Internal to the library; not installed.
  */
 
 /**
@@ -41,7 +43,7 @@ public:
 
 protected:
     /// Joins the list. The names are literals of the system.
-    TVNC_Preference(QVector<const TVNC_Preference*>& list, const char* pc_group, const char* pc_leaf);
+    TVNC_Preference(TVNC_PreferenceList& list, const char* pc_group, const char* pc_leaf);
     ~TVNC_Preference() {}
 
     /// Creates the group or empties its text. Null without a root and when memory ran out.
@@ -56,15 +58,18 @@ protected:
 private:
     Q_DISABLE_COPY(TVNC_Preference)
 
-    QString group_;
-    QString leaf_;
+    friend class TVNC_PreferenceList;
+
+    const char* const pc_group_;
+    const char* const pc_leaf_;
+    const TVNC_Preference* pc_next_; ///< in the list
 };
 
 /// The preferences of a document, in the order in which a new document gets them.
-class TVNC_PreferenceList : public QVector<const TVNC_Preference*>
+class TVNC_PreferenceList
 {
 public:
-    TVNC_PreferenceList() {}
+    TVNC_PreferenceList() : pc_first_(nullptr), pc_last_(nullptr) {}
 
     /**
      * Makes a document that was just loaded a complete one: gives the root its name, and every preference
@@ -76,6 +81,11 @@ public:
 
 private:
     Q_DISABLE_COPY(TVNC_PreferenceList)
+
+    friend class TVNC_Preference;
+
+    const TVNC_Preference* pc_first_;
+    TVNC_Preference* pc_last_;
 };
 
 /**
@@ -92,7 +102,7 @@ public:
      * @param si_default   the code of the default
      * @param si_firstCode the code of the first word
      */
-    TVNC_ChoicePreference(QVector<const TVNC_Preference*>& list, const char* pc_group, const char* pc_leaf,
+    TVNC_ChoicePreference(TVNC_PreferenceList& list, const char* pc_group, const char* pc_leaf,
                           const char* pc_words, int si_default, int si_firstCode = 0);
 
     /// The code of what the document holds; the default's for any other text, without the leaf or a root.
@@ -114,7 +124,13 @@ public:
 private:
     void writeWord(TVNC_XMLSetting& setting, int si_code) const;
 
-    QVector<QString> words_;
+    /// The position of a word; -1 for any other text.
+    int indexOf(const QString& text) const;
+
+    /// The word at a position, of @a si_size bytes; null where there is none.
+    const char* word(int si_index, int& si_size) const;
+
+    const char* const pc_words_;
     int si_default_;
     int si_firstCode_;
 };
@@ -129,8 +145,8 @@ public:
      * @param si_maxBytes how long the text may be, in bytes of UTF-8
      * @param emptiness   whether an empty text in the document is answered as it is, or as the default
      */
-    TVNC_TextPreference(QVector<const TVNC_Preference*>& list, const char* pc_group, const char* pc_leaf,
-                        int si_maxBytes, const char* pc_default, Emptiness emptiness = MAY_BE_EMPTY);
+    TVNC_TextPreference(TVNC_PreferenceList& list, const char* pc_group, const char* pc_leaf, int si_maxBytes,
+                        const char* pc_default, Emptiness emptiness = MAY_BE_EMPTY);
 
     /// The text, or the default when the leaf is missing or its text too long. Without a root, and for null,
     /// this does nothing.
@@ -142,7 +158,7 @@ public:
     virtual void setDefault(TVNC_XMLSetting& setting) const;
 
 private:
-    QString default_;
+    const char* const pc_default_;
     int si_maxBytes_;
     Emptiness emptiness_;
 };
@@ -151,7 +167,7 @@ private:
 class TVNC_BytesPreference : public TVNC_Preference
 {
 public:
-    TVNC_BytesPreference(QVector<const TVNC_Preference*>& list, const char* pc_group, const char* pc_leaf,
+    TVNC_BytesPreference(TVNC_PreferenceList& list, const char* pc_group, const char* pc_leaf,
                          int si_maxBytes);
 
     /// The bytes; empty when the leaf is missing or holds too many. Without a root, and for null, this does

@@ -1,13 +1,15 @@
 #include "tlvlib/stores/TVNC_AuthSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
 #include "tlvlib/files/TVNC_SecretSave.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Base64.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
+#include "tlvlib/util/TVNG_literal.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
@@ -18,19 +20,19 @@ namespace {
 /// The names and words in the document.
 struct AuthNames
 {
-    QString file = QEXC_TextCodec::fromSJIS("authinfo.xml");
-    QString root = QEXC_TextCodec::fromSJIS("authentication");
-    QString authInfo = QEXC_TextCodec::fromSJIS("authInfo");
-    QString hostName = QEXC_TextCodec::fromSJIS("hostName");
-    QString portNum = QEXC_TextCodec::fromSJIS("portNum");
-    QString authType = QEXC_TextCodec::fromSJIS("authType");
-    QString user = QEXC_TextCodec::fromSJIS("user");
-    QString passwd = QEXC_TextCodec::fromSJIS("passwd");
+    QString file = TVNG_literal("authinfo.xml");
+    QString root = TVNG_literal("authentication");
+    QString authInfo = TVNG_literal("authInfo");
+    QString hostName = TVNG_literal("hostName");
+    QString portNum = TVNG_literal("portNum");
+    QString authType = TVNG_literal("authType");
+    QString user = TVNG_literal("user");
+    QString passwd = TVNG_literal("passwd");
 
     AuthNames()
     {
         for (unsigned char i = 0; i < TVNG_AUTH_TYPE_COUNT; ++i)
-            authTypes[i] = QEXC_TextCodec::fromSJIS(TVNG_AUTH_TYPES[i]);
+            authTypes[i] = TVNG_literal(TVNG_AUTH_TYPES[i]);
     }
     QString authTypes[TVNG_AUTH_TYPE_COUNT]; ///< the word of each code
 };
@@ -57,18 +59,40 @@ unsigned char codeOf(const QString& word)
 }
 
 /// Copies a text element, if it is there and not too long.
-void copyShortText(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QString& text)
+void copyShortText(TVNC_XMLNode& entry, QString& name, int si_maxBytes, QString& out)
 {
-    TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name);
-    if (pc_element && TVNG_fitsUtf8(pc_element->getText(), si_maxBytes))
-        text = pc_element->getText();
+    QString text;
+    if (TVNG_copyField(entry, name, text) && TVNG_fitsUtf8(text, si_maxBytes))
+        out = text;
 }
 
 /// Copies the bytes of a base64 element, if it is there and not too long.
-void copyBytes(TVNC_XMLNode* pc_entry, QString& name, int si_maxBytes, QByteArray& bytes)
+void copyBytes(TVNC_XMLNode& entry, QString& name, int si_maxBytes, QByteArray& out)
 {
-    if (TVNC_XMLNode* pc_element = pc_entry->getXMLNodeChildByName(name))
-        TVNG_fromBase64(pc_element->getText(), si_maxBytes, bytes);
+    QString base64;
+    if (TVNG_copyField(entry, name, base64))
+        TVNG_fromBase64(base64, si_maxBytes, out);
+}
+
+void logAddAuthInfo()
+{
+    TVNG_DebugPrint(3, "[TVNC_AuthSetting::addAuthInfo]");
+}
+
+/// As addAuthInfo(), which setAuthInfo() comes to as well: the log says so.
+void addCredentials(TVNC_XMLSetting& setting, const TVNS_AuthInfo& info)
+{
+    logAddAuthInfo();
+    TVNC_NewRecord entry(setting, authNames().authInfo);
+    if (!entry.node())
+        return;
+    entry.addField(authNames().hostName, info.hostName, TVNG_CHARACTER_DATA);
+    entry.addField(authNames().portNum, info.portNum, TVNG_CHARACTER_DATA);
+    entry.addField(authNames().authType, wordOf(info.authType), TVNG_CHARACTER_DATA);
+    entry.addField(authNames().user, TVNG_toBase64(info.user), TVNG_CDATA_SECTION);
+    entry.addField(authNames().passwd, TVNG_toBase64(info.passwd), TVNG_CDATA_SECTION);
+    entry.keep();
+    setting.setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 } // namespace
@@ -94,13 +118,15 @@ void TVNC_AuthSetting::loadAuthInfo(QString* dir, int si_loadMax)
         TVNG_DebugPrint(2, "[TVNC_AuthSetting::loadAuthInfo] Error load_max:%d", si_loadMax);
         return;
     }
-    // Only remembered: entries beyond the maximum are kept. Browsers count the list themselves.
-    si_maxCount_ = si_loadMax;
-    deleteAllSetting();
-    QString path = *dir + authNames().file;
-    load(path);
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
-    TVNG_DebugPrint(3, "[TVNC_AuthSetting::loadAuthInfo] end");
+    TVNG_ifMemory([&] {
+        QString path = *dir + authNames().file;
+        // Only remembered: entries beyond the maximum are kept. Browsers count the list themselves.
+        si_maxCount_ = si_loadMax;
+        deleteAllSetting();
+        load(path);
+        setIDforChildren(TVNC_RecordNumbers::attributeName());
+        TVNG_DebugPrint(3, "[TVNC_AuthSetting::loadAuthInfo] end");
+    });
 }
 
 void TVNC_AuthSetting::saveAuthInfo(QString* dir, int si_saveMax)
@@ -115,39 +141,34 @@ void TVNC_AuthSetting::saveAuthInfo(QString* dir, int si_saveMax)
         TVNG_DebugPrint(2, "[TVNC_AuthSetting::saveAuthInfo] Error save_max:%d", si_saveMax);
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), authNames().root);
-    QString path = *dir + authNames().file;
-    const TVNC_SecretSave secret(true);
-    save(path);
-    TVNG_DebugPrint(3, "[TVNC_AuthSetting::saveAuthInfo] end");
+    TVNG_saveIfMemory([&] {
+        QString path = *dir + authNames().file;
+        TVNG_nameRoot(getXMLRootNode(), authNames().root);
+        const TVNC_SecretSave secret(true);
+        save(path);
+        TVNG_DebugPrint(3, "[TVNC_AuthSetting::saveAuthInfo] end");
+    });
 }
 
 int TVNC_AuthSetting::setAuthInfo(TVNS_AuthInfo* pc_info)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::setAuthInfo]");
-    if (!pc_info || !TVNG_fitsUtf8(pc_info->hostName, TVNG_HOST_NAME_MAX_BYTES) ||
-        !TVNG_fitsUtf8(pc_info->portNum, TVNG_PORT_NUM_MAX_BYTES) ||
-        pc_info->user.size() > TVNG_USER_MAX_BYTES || pc_info->passwd.size() > TVNG_PASSWD_MAX_BYTES)
-        return 0;
-    addAuthInfo(pc_info);
-    return 1;
+    return TVNG_ifMemory(0, [&] {
+        if (!pc_info || !TVNG_fitsUtf8(pc_info->hostName, TVNG_HOST_NAME_MAX_BYTES) ||
+            !TVNG_fitsUtf8(pc_info->portNum, TVNG_PORT_NUM_MAX_BYTES) ||
+            pc_info->user.size() > TVNG_USER_MAX_BYTES || pc_info->passwd.size() > TVNG_PASSWD_MAX_BYTES)
+            return 0;
+        addCredentials(*this, *pc_info);
+        return 1;
+    });
 }
 
 void TVNC_AuthSetting::addAuthInfo(TVNS_AuthInfo* pc_info)
 {
-    TVNG_DebugPrint(3, "[TVNC_AuthSetting::addAuthInfo]");
-    if (!pc_info)
-        return;
-    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, authNames().authInfo, 1);
-    if (!pc_entry)
-        return;
-    TVNG_addField(*this, pc_entry, authNames().hostName, pc_info->hostName, TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, authNames().portNum, pc_info->portNum, TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, authNames().authType, wordOf(pc_info->authType), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, authNames().user, TVNG_toBase64(pc_info->user), TVNG_CDATA_SECTION);
-    TVNG_addField(*this, pc_entry, authNames().passwd, TVNG_toBase64(pc_info->passwd), TVNG_CDATA_SECTION);
-    TVNG_releaseDetached(pc_entry);
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
+    if (pc_info)
+        TVNG_ifMemory([&] { addCredentials(*this, *pc_info); });
+    else
+        logAddAuthInfo();
 }
 
 int TVNC_AuthSetting::updateAuthInfo(TVNS_AuthInfo* pc_info)
@@ -165,31 +186,35 @@ int TVNC_AuthSetting::updateAuthInfo(TVNS_AuthInfo* pc_info)
 int TVNC_AuthSetting::getAuthInfo(int si_index, TVNS_AuthInfo* pc_out)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::getAuthInfo]");
-    if (!pc_out)
-        return 0;
-    // Any numbered element is an entry here, whatever its name; only getAuthInfoCnt() looks at names.
-    TVNC_XMLNode* pc_entry = TVNG_recordByNumber(*this, si_index);
-    if (!pc_entry)
-        return 0;
-    // What is missing or too long keeps the caller's value, and the result stays 1: browsers set defaults
-    // beforehand.
-    copyShortText(pc_entry, authNames().hostName, TVNG_HOST_NAME_MAX_BYTES, pc_out->hostName);
-    copyShortText(pc_entry, authNames().portNum, TVNG_PORT_NUM_MAX_BYTES, pc_out->portNum);
-    TVNC_XMLNode* pc_authType = pc_entry->getXMLNodeChildByName(authNames().authType);
-    pc_out->authType = pc_authType ? codeOf(pc_authType->getText()) : static_cast<unsigned char>(0);
-    copyBytes(pc_entry, authNames().user, TVNG_USER_MAX_BYTES, pc_out->user);
-    copyBytes(pc_entry, authNames().passwd, TVNG_PASSWD_MAX_BYTES, pc_out->passwd);
-    return 1;
+    return TVNG_ifMemory(0, [&] {
+        // Any numbered element is an entry here, whatever its name; only getAuthInfoCnt() looks at names.
+        TVNC_XMLNode* pc_entry = pc_out ? TVNG_recordByNumber(*this, si_index) : nullptr;
+        if (!pc_entry)
+            return 0;
+        // What is missing or too long keeps the caller's value, and the result stays 1: browsers set defaults
+        // beforehand.
+        TVNS_AuthInfo info = *pc_out;
+        QString authType;
+        copyShortText(*pc_entry, authNames().hostName, TVNG_HOST_NAME_MAX_BYTES, info.hostName);
+        copyShortText(*pc_entry, authNames().portNum, TVNG_PORT_NUM_MAX_BYTES, info.portNum);
+        TVNG_copyField(*pc_entry, authNames().authType, authType);
+        info.authType = codeOf(authType);
+        copyBytes(*pc_entry, authNames().user, TVNG_USER_MAX_BYTES, info.user);
+        copyBytes(*pc_entry, authNames().passwd, TVNG_PASSWD_MAX_BYTES, info.passwd);
+        *pc_out = info;
+        return 1;
+    });
 }
 
 int TVNC_AuthSetting::getAuthInfoCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), authNames().authInfo);
+    return TVNG_ifMemory(0, [&] {
+        return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), authNames().authInfo);
+    });
 }
 
 void TVNC_AuthSetting::deleteAuthInfo(int si_index)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::deleteAuthInfo] si_nodeNum:%d", si_index);
-    deleteXMLNodeByID(si_index, TVNC_RecordNumbers::attributeName());
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
+    TVNG_ifMemory([&] { TVNG_deleteRecord(*this, si_index); });
 }

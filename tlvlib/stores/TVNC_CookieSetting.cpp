@@ -1,13 +1,16 @@
 #include "tlvlib/stores/TVNC_CookieSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
 #include "tlvlib/files/TVNC_SecretSave.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/stores/TVNG_cookieIni.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
+#include "tlvlib/util/TVNG_literal.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
@@ -20,17 +23,17 @@ namespace {
 /// The names and words in the document.
 struct CookieNames
 {
-    QString root = QEXC_TextCodec::fromSJIS("cookie");
-    QString webSiteInfo = QEXC_TextCodec::fromSJIS("webSiteInfo");
-    QString website = QEXC_TextCodec::fromSJIS("website");
-    QString name = QEXC_TextCodec::fromSJIS("name");
-    QString path = QEXC_TextCodec::fromSJIS("path");
-    QString secure = QEXC_TextCodec::fromSJIS("secure");
-    QString expires = QEXC_TextCodec::fromSJIS("expires");
-    QString contents = QEXC_TextCodec::fromSJIS("contents");
-    QString isSecure = QEXC_TextCodec::fromSJIS("true");
-    QString isNotSecure = QEXC_TextCodec::fromSJIS("false");
-    QString expiresFormat = QEXC_TextCodec::fromSJIS(TVNG_EXPIRES_FORMAT);
+    QString root = TVNG_literal("cookie");
+    QString webSiteInfo = TVNG_literal("webSiteInfo");
+    QString website = TVNG_literal("website");
+    QString name = TVNG_literal("name");
+    QString path = TVNG_literal("path");
+    QString secure = TVNG_literal("secure");
+    QString expires = TVNG_literal("expires");
+    QString contents = TVNG_literal("contents");
+    QString isSecure = TVNG_literal("true");
+    QString isNotSecure = TVNG_literal("false");
+    QString expiresFormat = TVNG_literal(TVNG_EXPIRES_FORMAT);
 };
 
 CookieNames& cookieNames()
@@ -69,6 +72,85 @@ QNetworkCookie cookieOf(const TVNS_CookieInfo& info)
     return cookie;
 }
 
+/// Adds an entry in front, without a number. False when memory did not suffice for all of it.
+bool addCookie(TVNC_XMLSetting& setting, const QNetworkCookie& cookie)
+{
+    TVNG_DebugPrint(3, "[TVNC_CookieSetting::addCookieInfo]");
+    TVNC_NewRecord entry(setting, cookieNames().webSiteInfo);
+    if (!entry.node())
+        return false;
+    entry.addField(cookieNames().website, cookie.domain(), TVNG_CHARACTER_DATA);
+    entry.addField(cookieNames().name, QString::fromUtf8(cookie.name().constData()), TVNG_CHARACTER_DATA);
+    entry.addField(cookieNames().path, cookie.path(), TVNG_CHARACTER_DATA);
+    entry.addField(cookieNames().secure, secureText(cookie), TVNG_CHARACTER_DATA);
+    entry.addField(cookieNames().expires,
+                   TVNG_clockText(cookie.expirationDate(), cookieNames().expiresFormat), TVNG_CHARACTER_DATA);
+    entry.addField(cookieNames().contents, QString::fromUtf8(cookie.value().constData()), TVNG_CDATA_SECTION);
+    entry.keep();
+    return entry.isComplete();
+}
+
+QList<TVNS_CookieInfo> allCookies(TVNC_XMLSetting& setting)
+{
+    const QList<TVNC_XMLNode*> entries = TVNG_recordsByNumber(setting, setting.getXMLNodeCnt());
+    QList<TVNS_CookieInfo> infos;
+    for (int i = 0; i < entries.size(); ++i) {
+        if (entries.at(i))
+            infos.append(infoOf(*entries.at(i)));
+    }
+    return infos;
+}
+
+/// As isMuchCookieInfo().
+bool isSame(const QNetworkCookie& cookie, const TVNS_CookieInfo& info)
+{
+    // The bytes are read as C strings although they were written from UTF-8: what is not ASCII never matches,
+    // and its entry is replaced by each conversion. Reading UTF-8 here would leave old entries in place.
+    return cookie.domain() == info.website && info.name == TVNG_fromCString(cookie.name().constData()) &&
+           cookie.path() == info.path && secureText(cookie) == info.secure &&
+           TVNG_fromCString(cookie.value().constData()) == info.contents;
+}
+
+/// Removes the first entries that are none of the cookies, and adds the cookies that have no entry.
+void bringUpTo(TVNC_CookieSetting& setting, const QList<QNetworkCookie>& cookies)
+{
+    const QList<TVNS_CookieInfo> infos = allCookies(setting);
+
+    // Each entry counts for one cookie only: of two equal cookies with one entry, the second is new.
+    const int si_infos = qMin(static_cast<int>(infos.size()), TVNG_CONVERTED_MAX);
+    QVector<bool> isMatched(si_infos, false);
+    QVector<bool> isNew(static_cast<int>(cookies.size()), true);
+    for (int i = 0; i < cookies.size(); ++i) {
+        for (int j = 0; j < si_infos; ++j) {
+            if (!isMatched.at(j) && isSame(cookies.at(i), infos.at(j))) {
+                isMatched[j] = true;
+                isNew[i] = false;
+                break;
+            }
+        }
+    }
+
+    // From the back, so that the positions in front stay. A position is taken for the entry's number, which
+    // it is not in a document with gaps. That is kept: the numbers are made good only by the deletion itself.
+    for (int j = si_infos - 1; j >= 0; --j) {
+        if (!isMatched.at(j))
+            setting.deleteCookieInfo(j);
+    }
+    for (int i = static_cast<int>(cookies.size()) - 1; i >= 0; --i) {
+        if (isNew.at(i) && !addCookie(setting, cookies.at(i)))
+            qBadAlloc(); // what is not complete replaces no file
+    }
+}
+
+/// Loads the document of a conversion. Without memory for it, an empty one must not be taken for it, since
+/// the conversion would empty the other file.
+void loadToConvert(TVNC_XMLSetting& setting, QString& path)
+{
+    setting.load(path);
+    if (!path.isEmpty() && !setting.getXMLRootNode())
+        qBadAlloc();
+}
+
 /// In both conversions; it names one of them. The devices' log filters look for it.
 void logInvalidParameter()
 {
@@ -89,49 +171,36 @@ TVNC_CookieSetting* TVNC_CookieSetting::getInstance()
 
 void TVNC_CookieSetting::addCookieInfo(QNetworkCookie& cookie)
 {
-    TVNG_DebugPrint(3, "[TVNC_CookieSetting::addCookieInfo]");
-    TVNC_XMLNode* pc_entry = TVNG_addRecord(*this, cookieNames().webSiteInfo, 1);
-    if (!pc_entry)
-        return;
-    TVNG_addField(*this, pc_entry, cookieNames().website, cookie.domain(), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, cookieNames().name, QString::fromUtf8(cookie.name().constData()),
-                  TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, cookieNames().path, cookie.path(), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, cookieNames().secure, secureText(cookie), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, cookieNames().expires,
-                  TVNG_clockText(cookie.expirationDate(), cookieNames().expiresFormat), TVNG_CHARACTER_DATA);
-    TVNG_addField(*this, pc_entry, cookieNames().contents, QString::fromUtf8(cookie.value().constData()),
-                  TVNG_CDATA_SECTION);
-    TVNG_releaseDetached(pc_entry);
     // Not numbered here: until then the entry is invisible to getAllCookieInfo(), and the conversion, which
     // removes entries by their positions, relies on it.
+    TVNG_ifMemory([&] { addCookie(*this, cookie); });
 }
 
 QList<TVNS_CookieInfo> TVNC_CookieSetting::getAllCookieInfo()
 {
-    const QList<TVNC_XMLNode*> entries = TVNG_recordsByNumber(*this, getXMLNodeCnt());
-    QList<TVNS_CookieInfo> infos;
-    for (int i = 0; i < entries.size(); ++i) {
-        if (entries.at(i))
-            infos.append(infoOf(*entries.at(i)));
-    }
-    return infos;
+    return TVNG_ifMemory(QList<TVNS_CookieInfo>(), [&] { return allCookies(*this); });
 }
 
 bool TVNC_CookieSetting::isMuchCookieInfo(QNetworkCookie& cookie, TVNS_CookieInfo& info)
 {
-    // The bytes are read as C strings although they were written from UTF-8: what is not ASCII never matches,
-    // and its entry is replaced by each conversion. Reading UTF-8 here would leave old entries in place.
-    return cookie.domain() == info.website && info.name == TVNG_fromCString(cookie.name().constData()) &&
-           cookie.path() == info.path && secureText(cookie) == info.secure &&
-           TVNG_fromCString(cookie.value().constData()) == info.contents;
+    return TVNG_ifMemory(false, [&] { return isSame(cookie, info); });
 }
 
 void TVNC_CookieSetting::deleteCookieInfo(int si_index)
 {
     TVNG_DebugPrint(3, "[TVNC_CookieSetting::deleteCookieInfo] si_XMLNum:%d", si_index);
-    deleteXMLNodeByID(si_index, TVNC_RecordNumbers::attributeName());
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
+    TVNG_ifMemory([&] { TVNG_deleteRecord(*this, si_index); });
+}
+
+void TVNC_CookieSetting::saveCookieInfo(QList<QNetworkCookie> cookies, QString* dir, int si_saveMax)
+{
+    TVNG_saveIfMemory([&] { TVNG_saveCookieIni(cookies, dir, si_saveMax); });
+}
+
+QList<QNetworkCookie> TVNC_CookieSetting::loadCookieInfo(QString* dir, int si_loadMax)
+{
+    return TVNG_ifMemory(QList<QNetworkCookie>(),
+                         [&] { return TVNG_loadCookieIni(dir, si_loadMax, si_maxCount_); });
 }
 
 void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir)
@@ -140,15 +209,17 @@ void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir
         logInvalidParameter();
         return;
     }
-    QString xmlPath = TVNG_fromCString(pc_xmlPath);
-    QString iniDir = TVNG_fromCString(pc_iniDir);
-    load(xmlPath);
-    const QList<TVNS_CookieInfo> infos = getAllCookieInfo();
-    QList<QNetworkCookie> cookies;
-    for (int i = 0; i < infos.size() && i < TVNG_CONVERTED_MAX; ++i)
-        cookies.append(cookieOf(infos.at(i)));
-    saveCookieInfo(cookies, &iniDir, TVNG_CONVERTED_MAX);
-    deleteAllSetting();
+    TVNG_saveIfMemory([&] {
+        QString xmlPath = TVNG_fromCString(pc_xmlPath);
+        QString iniDir = TVNG_fromCString(pc_iniDir);
+        loadToConvert(*this, xmlPath);
+        const QList<TVNS_CookieInfo> infos = allCookies(*this);
+        QList<QNetworkCookie> cookies;
+        for (int i = 0; i < infos.size() && i < TVNG_CONVERTED_MAX; ++i)
+            cookies.append(cookieOf(infos.at(i)));
+        TVNG_saveCookieIni(cookies, &iniDir, TVNG_CONVERTED_MAX);
+        deleteAllSetting();
+    });
 }
 
 void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath)
@@ -157,39 +228,16 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
         logInvalidParameter();
         return;
     }
-    QString iniDir = TVNG_fromCString(pc_iniDir);
-    QString xmlPath = TVNG_fromCString(pc_xmlPath);
-    QList<QNetworkCookie> cookies = loadCookieInfo(&iniDir, TVNG_CONVERTED_MAX);
-    load(xmlPath);
-    QList<TVNS_CookieInfo> infos = getAllCookieInfo();
-
-    // Each entry counts for one cookie only: of two equal cookies with one entry, the second is new.
-    const int si_infos = qMin(static_cast<int>(infos.size()), TVNG_CONVERTED_MAX);
-    QVector<bool> isMatched(si_infos, false);
-    QVector<bool> isNew(static_cast<int>(cookies.size()), true);
-    for (int i = 0; i < cookies.size(); ++i) {
-        for (int j = 0; j < si_infos; ++j) {
-            if (!isMatched.at(j) && isMuchCookieInfo(cookies[i], infos[j])) {
-                isMatched[j] = true;
-                isNew[i] = false;
-                break;
-            }
-        }
-    }
-
-    // From the back, so that the positions in front stay. A position is taken for the entry's number, which
-    // it is not in a document with gaps. That is kept: the numbers are made good only by the deletion itself.
-    for (int j = si_infos - 1; j >= 0; --j) {
-        if (!isMatched.at(j))
-            deleteCookieInfo(j);
-    }
-    for (int i = static_cast<int>(cookies.size()) - 1; i >= 0; --i) {
-        if (isNew.at(i))
-            addCookieInfo(cookies[i]);
-    }
-    TVNG_nameRoot(getXMLRootNode(), cookieNames().root);
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
-    const TVNC_SecretSave secret(true);
-    save(xmlPath);
-    deleteAllSetting();
+    TVNG_saveIfMemory([&] {
+        QString iniDir = TVNG_fromCString(pc_iniDir);
+        QString xmlPath = TVNG_fromCString(pc_xmlPath);
+        const QList<QNetworkCookie> cookies = TVNG_loadCookieIni(&iniDir, TVNG_CONVERTED_MAX, si_maxCount_);
+        loadToConvert(*this, xmlPath);
+        bringUpTo(*this, cookies);
+        TVNG_nameRoot(getXMLRootNode(), cookieNames().root);
+        setIDforChildren(TVNC_RecordNumbers::attributeName());
+        const TVNC_SecretSave secret(true);
+        save(xmlPath);
+        deleteAllSetting();
+    });
 }

@@ -1,11 +1,14 @@
 #include "tlvlib/stores/TVNC_FontListSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_Utf8.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
+#include "tlvlib/util/TVNG_literal.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 #include "tlvlib/xml/TVNG_Records.h"
 
@@ -14,9 +17,9 @@ namespace {
 /// The names in the document.
 struct FontNames
 {
-    QString file = QEXC_TextCodec::fromSJIS("fontlist.xml");
-    QString root = QEXC_TextCodec::fromSJIS("fontlist");
-    QString font = QEXC_TextCodec::fromSJIS("font");
+    QString file = TVNG_literal("fontlist.xml");
+    QString root = TVNG_literal("fontlist");
+    QString font = TVNG_literal("font");
 };
 
 FontNames& fontNames()
@@ -43,11 +46,13 @@ void TVNC_FontListSetting::loadFontList(QString dir)
         TVNG_DebugPrint(2, "[TVNC_FontListSetting::loadFontList] Path is empty.");
         return;
     }
-    deleteAllSetting();
-    QString path = dir + fontNames().file;
-    load(path);
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
-    TVNG_DebugPrint(3, "[TVNC_FontListSetting::loadFontList] end");
+    TVNG_ifMemory([&] {
+        QString path = dir + fontNames().file;
+        deleteAllSetting();
+        load(path);
+        setIDforChildren(TVNC_RecordNumbers::attributeName());
+        TVNG_DebugPrint(3, "[TVNC_FontListSetting::loadFontList] end");
+    });
 }
 
 void TVNC_FontListSetting::saveFontList(QString dir)
@@ -57,25 +62,30 @@ void TVNC_FontListSetting::saveFontList(QString dir)
         TVNG_DebugPrint(2, "[TVNC_FontListSetting::saveFontList] Path is empty.");
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), fontNames().root);
-    QString path = dir + fontNames().file;
-    save(path);
-    TVNG_DebugPrint(3, "[TVNC_FontListSetting::saveFontList] end");
+    TVNG_saveIfMemory([&] {
+        QString path = dir + fontNames().file;
+        TVNG_nameRoot(getXMLRootNode(), fontNames().root);
+        save(path);
+        TVNG_DebugPrint(3, "[TVNC_FontListSetting::saveFontList] end");
+    });
 }
 
 int TVNC_FontListSetting::getCount()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), fontNames().font);
+    return TVNG_ifMemory(0, [&] {
+        return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), fontNames().font);
+    });
 }
 
 QString TVNC_FontListSetting::getFont(int si_index)
 {
     TVNG_DebugPrint(3, "[TVNC_FontListSetting::getFont]");
-    TVNC_XMLNode* pc_font = TVNG_recordByNumber(*this, si_index);
-    // Any numbered element is a font here, whatever its name; only getCount() looks at names.
-    if (!pc_font || !TVNG_fitsUtf8(pc_font->getText(), TVNG_FONT_NAME_MAX_BYTES))
-        return QString();
-    return pc_font->getText();
+    return TVNG_ifMemory(QString(), [&] {
+        TVNC_XMLNode* pc_font = TVNG_recordByNumber(*this, si_index);
+        // Any numbered element is a font here, whatever its name; only getCount() looks at names.
+        const QString name = pc_font ? TVNC_NodeAccess::text(*pc_font) : QString();
+        return TVNG_fitsUtf8(name, TVNG_FONT_NAME_MAX_BYTES) ? name : QString();
+    });
 }
 
 void TVNC_FontListSetting::addFont(QString name)
@@ -85,8 +95,13 @@ void TVNC_FontListSetting::addFont(QString name)
         TVNG_DebugPrint(2, "[TVNC_FontListSetting::addFont] FontName is empty.");
         return;
     }
-    QXmlStreamAttributes noAttributes;
-    char c_textType = TVNG_CHARACTER_DATA;
-    TVNG_releaseDetached(addXMLChild(getXMLRootNode(), fontNames().font, name, c_textType, noAttributes, 0));
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
+    TVNG_ifMemory([&] {
+        QXmlStreamAttributes noAttributes;
+        char c_textType = TVNG_CHARACTER_DATA;
+        TVNC_XMLNode* pc_font =
+            addXMLChild(getXMLRootNode(), fontNames().font, name, c_textType, noAttributes, 0);
+        if (pc_font && !pc_font->getXMLNodeParent())
+            delete pc_font; // without a root it belongs to no document
+        setIDforChildren(TVNC_RecordNumbers::attributeName());
+    });
 }

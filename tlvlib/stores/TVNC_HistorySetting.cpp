@@ -1,12 +1,14 @@
 #include "tlvlib/stores/TVNC_HistorySetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_ClockTime.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
 #include "tlvlib/util/TVNG_limits.h"
+#include "tlvlib/util/TVNG_literal.h"
 #include "tlvlib/util/TVNG_quickSort.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
@@ -20,13 +22,13 @@ namespace {
 /// The names in the document.
 struct HistoryNames
 {
-    QString file = QEXC_TextCodec::fromSJIS("visit.xml");
-    QString root = QEXC_TextCodec::fromSJIS("history");
-    QString pageInfo = QEXC_TextCodec::fromSJIS("pageInfo");
-    QString title = QEXC_TextCodec::fromSJIS("title");
-    QString url = QEXC_TextCodec::fromSJIS("url");
-    QString dateTime = QEXC_TextCodec::fromSJIS("dateTime");
-    QString dateTimeFormat = QEXC_TextCodec::fromSJIS(TVNG_DATE_TIME_FORMAT);
+    QString file = TVNG_literal("visit.xml");
+    QString root = TVNG_literal("history");
+    QString pageInfo = TVNG_literal("pageInfo");
+    QString title = TVNG_literal("title");
+    QString url = TVNG_literal("url");
+    QString dateTime = TVNG_literal("dateTime");
+    QString dateTimeFormat = TVNG_literal(TVNG_DATE_TIME_FORMAT);
 };
 
 HistoryNames& historyNames()
@@ -39,23 +41,26 @@ void readVisit(TVNC_XMLNode& record, TVNS_History& out)
 {
     TVNG_copyField(record, historyNames().title, out.title);
     TVNG_copyField(record, historyNames().url, out.url);
-    if (TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(historyNames().dateTime))
-        out.dateTime = TVNG_clockTime(pc_dateTime->getText(), historyNames().dateTimeFormat);
+    QString dateTime;
+    if (TVNG_copyField(record, historyNames().dateTime, dateTime))
+        out.dateTime = TVNG_clockTime(dateTime, historyNames().dateTimeFormat);
 }
 
-/// Adds a record at the front, without numbering. Null when memory ran out. Without a root the record belongs
-/// to no document.
-TVNC_XMLNode* addVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
+/// A visit that is being added at the front, without numbering.
+class NewVisit : public TVNC_NewRecord
 {
-    TVNC_XMLNode* pc_record = TVNG_addRecord(setting, historyNames().pageInfo, 1);
-    if (!pc_record)
-        return nullptr;
-    TVNG_addField(setting, pc_record, historyNames().title, visit.title, TVNG_CHARACTER_DATA);
-    TVNG_addField(setting, pc_record, historyNames().url, visit.url, TVNG_CHARACTER_DATA);
-    TVNG_addField(setting, pc_record, historyNames().dateTime,
-                  TVNG_clockText(visit.dateTime, historyNames().dateTimeFormat), TVNG_CHARACTER_DATA);
-    return pc_record;
-}
+public:
+    NewVisit(TVNC_XMLSetting& setting, const TVNS_History& visit)
+        : TVNC_NewRecord(setting, historyNames().pageInfo)
+    {
+        if (!node())
+            return;
+        addField(historyNames().title, visit.title, TVNG_CHARACTER_DATA);
+        addField(historyNames().url, visit.url, TVNG_CHARACTER_DATA);
+        addField(historyNames().dateTime, TVNG_clockText(visit.dateTime, historyNames().dateTimeFormat),
+                 TVNG_CHARACTER_DATA);
+    }
+};
 
 void setFieldText(TVNC_XMLNode& record, QString& name, QString text)
 {
@@ -81,10 +86,9 @@ bool isNewer(const Visit* pc_visit, const Visit* pc_other)
 Visit visitOf(TVNC_XMLNode& record)
 {
     Visit visit = {&record, QDate(), QTime()};
-    TVNC_XMLNode* pc_dateTime = record.getXMLNodeChildByName(historyNames().dateTime);
-    if (!pc_dateTime)
+    QString text;
+    if (!TVNG_copyField(record, historyNames().dateTime, text))
         return visit;
-    const QString& text = pc_dateTime->getText();
     if (!TVNG_clockParts(text, historyNames().dateTimeFormat, visit.date, visit.time)) {
         const QDateTime dateTime = TVNG_clockTime(text, historyNames().dateTimeFormat);
         visit.date = dateTime.date();
@@ -105,7 +109,7 @@ bool isAsAdded(TVNC_XMLNode& record)
 {
     const QList<TVNC_XMLNode*>& fields = TVNC_NodeAccess::children(record);
     return TVNC_NodeAccess::name(record) == historyNames().pageInfo &&
-           TVNC_NodeAccess::text(record).isEmpty() && fields.size() == 3 &&
+           TVNC_NodeAccess::storedText(record).isEmpty() && fields.size() == 3 &&
            isField(fields.at(0), historyNames().title) && isField(fields.at(1), historyNames().url) &&
            isField(fields.at(2), historyNames().dateTime);
 }
@@ -118,12 +122,16 @@ void putBack(TVNC_XMLNode& root, const Visit& visit)
         fields.at(i)->setTextType(TVNG_CHARACTER_DATA);
     QDate date;
     QTime time;
-    QString& text = fields.at(2)->getText();
-    if (!TVNG_clockParts(text, historyNames().dateTimeFormat, date, time))
+    QString text = TVNC_NodeAccess::text(*fields.at(2));
+    if (!TVNG_clockParts(text, historyNames().dateTimeFormat, date, time)) {
         text = TVNG_clockText(TVNG_clockTime(text, historyNames().dateTimeFormat),
                               historyNames().dateTimeFormat);
+        fields.at(2)->setText(text);
+    }
     char c_prepend = 1;
     root.addXMLNode(visit.pc_record, c_prepend);
+    if (!visit.pc_record->getXMLNodeParent())
+        qBadAlloc();
 }
 
 void logGetHistory()
@@ -136,10 +144,37 @@ void logSetHistory()
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::setHistory]");
 }
 
+/// Puts the visits back, the last one first, into a document that has nothing but null records. Null records,
+/// which only a program can have put there, stay and are logged at each numbering.
+void putBackAll(TVNC_XMLSetting& history, const QVector<const Visit*>& sorted, bool b_fresh)
+{
+    TVNC_XMLNode& root = *history.getXMLRootNode();
+    const bool b_numberEach = history.getXMLNodeCnt() > 0;
+    for (int i = static_cast<int>(sorted.size()) - 1; i >= 0; --i) {
+        logSetHistory();
+        TVNC_XMLNode* pc_record = sorted.at(i)->pc_record;
+        if (b_fresh && isAsAdded(*pc_record)) {
+            putBack(root, *sorted.at(i));
+        } else {
+            TVNS_History visit;
+            readVisit(*pc_record, visit);
+            NewVisit copy(history, visit);
+            if (!copy.isComplete())
+                qBadAlloc(); // a part of a visit does not stand for it
+            copy.keep();
+            pc_record = copy.node();
+        }
+        if (b_numberEach)
+            history.setIDforChildren(TVNC_RecordNumbers::attributeName());
+        else if (i >= TVNC_RecordNumbers::LIMIT) // it keeps the last number that it had on its way back
+            TVNC_RecordNumbers::give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
+    }
+}
+
 // To the outside, this reads every position with getHistory() and puts every visit back with setHistory(),
 // and the log says so. Both would search or number the whole list each time; what they do to a record is done
 // here without that. Records that were just read from the file, which nobody can know yet, are put back
-// themselves instead of copies of them.
+// themselves instead of copies of them. When memory runs out on the way, the list is as it was.
 void sort(TVNC_XMLSetting& history, bool b_fresh)
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::sortHistory]");
@@ -160,31 +195,29 @@ void sort(TVNC_XMLSetting& history, bool b_fresh)
         sorted.append(&visits.at(i));
     TVNG_quickSort(sorted.begin(), sorted.end(), isNewer);
 
-    QList<TVNC_XMLNode*> fresh;
-    if (b_fresh)
-        fresh = TVNG_takeChildren(*history.getXMLRootNode());
-    history.deleteAllSetting(); // the records live on until the event loop
-    // Null records, which only a program can have put there, stay and are logged at each numbering.
-    const bool b_numberEach = history.getXMLNodeCnt() > 0;
-    for (int i = static_cast<int>(sorted.size()) - 1; i >= 0; --i) {
-        logSetHistory();
-        TVNC_XMLNode* pc_record = sorted.at(i)->pc_record;
-        if (b_fresh && isAsAdded(*pc_record)) {
-            putBack(*history.getXMLRootNode(), *sorted.at(i));
-        } else {
-            TVNS_History visit;
-            readVisit(*pc_record, visit);
-            pc_record = addVisit(history, visit);
+    TVNC_XMLNode& root = *history.getXMLRootNode();
+    QList<TVNC_XMLNode*> old = TVNG_takeChildren(root);
+    const bool b_sorted = TVNG_hasMemoryFor([&] {
+        for (int i = 0; i < old.size(); ++i) {
+            if (!old.at(i))
+                TVNC_NodeAccess::children(root).append(nullptr);
         }
-        if (!pc_record)
-            continue;
-        if (b_numberEach)
-            history.setIDforChildren(TVNC_RecordNumbers::attributeName());
-        else if (i >= TVNC_RecordNumbers::LIMIT) // it keeps the last number that it had on its way back
-            TVNC_RecordNumbers::give(*pc_record, TVNC_RecordNumbers::LIMIT - 1);
+        history.deleteAllSetting();
+        putBackAll(history, sorted, b_fresh);
+    });
+    if (!b_sorted) {
+        const QList<TVNC_XMLNode*> copies = TVNG_takeChildren(root);
+        TVNG_giveChildren(root, old);
+        for (int i = 0; i < copies.size(); ++i) {
+            if (copies.at(i) && !copies.at(i)->getXMLNodeParent())
+                delete copies.at(i);
+        }
+        qBadAlloc(); // once more
     }
-    for (int i = 0; i < fresh.size(); ++i)
-        TVNG_releaseDetached(fresh.at(i));
+    for (int i = 0; i < old.size(); ++i) {
+        if (old.at(i) && !old.at(i)->getXMLNodeParent())
+            TVNG_release(old.at(i));
+    }
     history.setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
@@ -218,13 +251,15 @@ void TVNC_HistorySetting::loadHistory(QString* dir, int si_loadMax)
         TVNG_DebugPrint(2, "[TVNC_HistorySetting::loadHistory] Error load_max:%d", si_loadMax);
         return;
     }
-    si_maxCount_ = si_loadMax;
-    deleteAllSetting();
-    QString path = *dir + historyNames().file;
-    load(path);
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
-    sort(*this, true);
-    TVNG_DebugPrint(3, "[TVNC_HistorySetting::loadHistory] end");
+    TVNG_ifMemory([&] {
+        QString path = *dir + historyNames().file;
+        si_maxCount_ = si_loadMax;
+        deleteAllSetting();
+        load(path);
+        setIDforChildren(TVNC_RecordNumbers::attributeName());
+        sort(*this, true);
+        TVNG_DebugPrint(3, "[TVNC_HistorySetting::loadHistory] end");
+    });
 }
 
 void TVNC_HistorySetting::saveHistory(QString* dir, int si_saveMax)
@@ -239,15 +274,19 @@ void TVNC_HistorySetting::saveHistory(QString* dir, int si_saveMax)
         TVNG_DebugPrint(2, "[TVNC_HistorySetting::saveAuthInfo] Error save_max:%d", si_saveMax);
         return;
     }
-    TVNG_nameRoot(getXMLRootNode(), historyNames().root);
-    QString path = *dir + historyNames().file;
-    save(path);
-    TVNG_DebugPrint(3, "[TVNC_HistorySetting::saveHistory] end");
+    TVNG_saveIfMemory([&] {
+        QString path = *dir + historyNames().file;
+        TVNG_nameRoot(getXMLRootNode(), historyNames().root);
+        save(path);
+        TVNG_DebugPrint(3, "[TVNC_HistorySetting::saveHistory] end");
+    });
 }
 
 int TVNC_HistorySetting::getHistoryCnt()
 {
-    return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), historyNames().pageInfo);
+    return TVNG_ifMemory(0, [&] {
+        return getXMLRootNodeChildCntByName(TVNC_RecordNumbers::attributeName(), historyNames().pageInfo);
+    });
 }
 
 void TVNC_HistorySetting::setHistory(TVNS_History* pc_history)
@@ -255,11 +294,13 @@ void TVNC_HistorySetting::setHistory(TVNS_History* pc_history)
     logSetHistory();
     if (!pc_history)
         return;
-    TVNC_XMLNode* pc_record = addVisit(*this, *pc_history);
-    if (!pc_record)
-        return;
-    TVNG_releaseDetached(pc_record);
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
+    TVNG_ifMemory([&] {
+        NewVisit visit(*this, *pc_history);
+        if (!visit.node())
+            return;
+        visit.keep();
+        setIDforChildren(TVNC_RecordNumbers::attributeName());
+    });
 }
 
 void TVNC_HistorySetting::updateHistory(TVNS_History* pc_history)
@@ -275,58 +316,65 @@ void TVNC_HistorySetting::updateHistory(TVNS_History* pc_history)
 bool TVNC_HistorySetting::getHistory(int si_id, TVNS_History* pc_out)
 {
     logGetHistory();
-    if (!pc_out)
-        return false;
-    TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
-    if (!pc_record)
-        return false;
-    readVisit(*pc_record, *pc_out);
-    return true;
+    return TVNG_ifMemory(false, [&] {
+        TVNC_XMLNode* pc_record = pc_out ? TVNG_recordByNumber(*this, si_id) : nullptr;
+        if (!pc_record)
+            return false;
+        TVNS_History visit = *pc_out;
+        readVisit(*pc_record, visit);
+        *pc_out = visit;
+        return true;
+    });
 }
 
 int TVNC_HistorySetting::getHistoryIndex(QString& url)
 {
-    const QList<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getHistoryCnt());
-    // Not cleared between visits: browsers know a visit without address by that of the one before it.
-    QString visited;
-    for (int i = 0; i < records.size(); ++i) {
-        logGetHistory();
-        if (!records.at(i))
-            continue;
-        TVNG_copyField(*records.at(i), historyNames().url, visited);
-        if (visited == url)
-            return i;
-    }
-    return -1;
+    return TVNG_ifMemory(-1, [&] {
+        const QList<TVNC_XMLNode*> records = TVNG_recordsByNumber(*this, getHistoryCnt());
+        // Not cleared between visits: browsers know a visit without address by that of the one before it.
+        QString visited;
+        for (int i = 0; i < records.size(); ++i) {
+            logGetHistory();
+            if (!records.at(i))
+                continue;
+            TVNG_copyField(*records.at(i), historyNames().url, visited);
+            if (visited == url)
+                return i;
+        }
+        return -1;
+    });
 }
 
 void TVNC_HistorySetting::changeHistory(int si_id, TVNS_History& history)
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::changeHistory]");
-    TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
-    if (!pc_record)
-        return;
-    setFieldText(*pc_record, historyNames().title, history.title);
-    setFieldText(*pc_record, historyNames().url, history.url);
-    setFieldText(*pc_record, historyNames().dateTime,
-                 TVNG_clockText(history.dateTime, historyNames().dateTimeFormat));
+    TVNG_ifMemory([&] {
+        TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id);
+        if (!pc_record)
+            return;
+        const QString dateTime = TVNG_clockText(history.dateTime, historyNames().dateTimeFormat);
+        setFieldText(*pc_record, historyNames().title, history.title);
+        setFieldText(*pc_record, historyNames().url, history.url);
+        setFieldText(*pc_record, historyNames().dateTime, dateTime);
+    });
 }
 
 void TVNC_HistorySetting::changeHistoryTitle(int si_id, QString& title)
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::changeHistoryTitle]");
-    if (TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id))
-        setFieldText(*pc_record, historyNames().title, title);
+    TVNG_ifMemory([&] {
+        if (TVNC_XMLNode* pc_record = TVNG_recordByNumber(*this, si_id))
+            setFieldText(*pc_record, historyNames().title, title);
+    });
 }
 
 void TVNC_HistorySetting::deleteHistory(int si_id)
 {
     TVNG_DebugPrint(3, "[TVNC_HistorySetting::deleteHistory] si_nodeNum:%d", si_id);
-    deleteXMLNodeByID(si_id, TVNC_RecordNumbers::attributeName());
-    setIDforChildren(TVNC_RecordNumbers::attributeName());
+    TVNG_ifMemory([&] { TVNG_deleteRecord(*this, si_id); });
 }
 
 void TVNC_HistorySetting::sortHistory()
 {
-    sort(*this, false);
+    TVNG_ifMemory([&] { sort(*this, false); });
 }

@@ -1,7 +1,8 @@
 #include "tlvlib/thumbs/TVNC_NetworkDiskCache.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
+#include "tlvlib/util/TVNG_literal.h"
 
 #include <QtNetwork/QNetworkDiskCache>
 
@@ -19,7 +20,9 @@ void TVNC_NetworkDiskCache::clear()
 {
     // The text keeps the operation's older name.
     TVNG_DebugPrint(3, "[TVNC_NetworkDiskCache::clearDiskCache]");
-    QNetworkDiskCache cache;
-    cache.setCacheDirectory(QEXC_TextCodec::fromSJIS("/ata07/Talvenor/cache/"));
-    cache.clear();
+    TVNG_ifMemory([] {
+        QNetworkDiskCache cache;
+        cache.setCacheDirectory(TVNG_literal("/ata07/Talvenor/cache/"));
+        cache.clear();
+    });
 }

@@ -1,5 +1,7 @@
 #include "tlvlib/util/QEXC_TextCodec.h"
 
+#include "tlvlib/util/TVNG_memory.h"
+
 #include <QTextCodec> // without a module: from Qt 6 on it is Core5Compat
 
 namespace {
@@ -17,5 +19,7 @@ QTextCodec* const pc_sjisCodec = findCodec();
 
 QString QEXC_TextCodec::fromSJIS(const char* text)
 {
-    return pc_sjisCodec->toUnicode(text);
+    QString decoded;
+    TVNG_hasMemoryFor([&] { decoded = pc_sjisCodec->toUnicode(text); });
+    return decoded;
 }

@@ -21,7 +21,8 @@ class TLVLIB_EXPORT QEXC_TextCodec
 public:
     /**
      * @param text Shift-JIS bytes up to a terminating zero; null counts as empty.
-     * @return the decoded text. Bytes that are not Shift-JIS become what Qt's codec makes of them.
+     * @return the decoded text; empty when memory runs out. Bytes that are not Shift-JIS become what Qt's
+     * codec makes of them.
      *
      * May be called from any thread. Logs nothing.
      */

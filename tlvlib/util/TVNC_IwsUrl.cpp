@@ -1,6 +1,7 @@
 #include "tlvlib/util/TVNC_IwsUrl.h"
 
 #include "tlvlib/util/TVNG_QtVersion.h"
+#include "tlvlib/util/TVNG_memory.h"
 
 namespace {
 
@@ -18,12 +19,12 @@ bool isGivenHost(const QString& host, const char* pc_given)
 
 bool TVNC_IwsUrl::IsIwsContents(const QUrl& url, char useFirstHost, char* firstHost, char* secondHost)
 {
-    const QString host = url.host();
-    if (isSameHost(host.left(8), QLatin1String("127.0.0.")))
-        return true;
-    if (isSameHost(host, QLatin1String("localhost")))
-        return true;
-    if (useFirstHost == 1 && isGivenHost(host, firstHost))
-        return true;
-    return isGivenHost(host, secondHost);
+    bool b_device = false;
+    TVNG_hasMemoryFor([&] {
+        const QString host = url.host();
+        b_device = isSameHost(host.left(8), QLatin1String("127.0.0.")) ||
+                   isSameHost(host, QLatin1String("localhost")) ||
+                   (useFirstHost == 1 && isGivenHost(host, firstHost)) || isGivenHost(host, secondHost);
+    });
+    return b_device;
 }

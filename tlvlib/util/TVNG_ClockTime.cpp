@@ -48,6 +48,9 @@ QString TVNG_clockText(const QDateTime& dateTime, const QString& format)
             TVNG_putDigits(pc_text + 17, 2, time.second());
         return text;
     }
+    if (!date.isValid()) // such as a session cookie's; Qt would make its calendars first, and has to have
+                         // memory
+        return QString();
     // In UTC no time is skipped: asked for its text itself, a QDateTime of Qt 5 with a skipped time has none.
     return QDateTime(date, time, Qt::UTC).toString(format);
 }

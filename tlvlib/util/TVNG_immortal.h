@@ -1,6 +1,8 @@
 #ifndef TLVLIB_UTIL_TVNG_IMMORTAL_H
 #define TLVLIB_UTIL_TVNG_IMMORTAL_H
 
+#include <new>
+
 /**
  * The one object of a type, made when it is first asked for and never destroyed: the stores are destroyed
  * when the process exits, in an order that nobody chooses, and may still be asked then. Internal to the
@@ -9,7 +11,7 @@
  * @code
  * struct Names
  * {
- *     QString root = QEXC_TextCodec::fromSJIS("bookmarks");
+ *     QString root = TVNG_literal("bookmarks");
  * };
  * setting.setName(TVNG_immortal<Names>().root);
  * @endcode
@@ -17,7 +19,10 @@
 template <typename Type>
 Type& TVNG_immortal()
 {
-    static Type* const pc_object = new Type;
+    // No memory is taken for the object itself: one that takes none either can be had when memory has run
+    // out.
+    alignas(Type) static unsigned char uc_room[sizeof(Type)];
+    static Type* const pc_object = new (uc_room) Type;
     return *pc_object;
 }
 

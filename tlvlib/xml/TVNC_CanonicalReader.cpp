@@ -388,12 +388,12 @@ private:
     /// The first text of an element is its text.
     void giveText(const Span& text, bool b_ascii, char c_textType)
     {
-        if (!TVNC_NodeAccess::text(*pc_node_).isEmpty())
+        if (!TVNC_NodeAccess::storedText(*pc_node_).isEmpty())
             return;
         if (b_ascii && text.size() >= TVNC_PackedText::SIZE_MIN && c_textType == TVNG_CDATA_SECTION)
             TVNC_NodeAccess::setPackedText(*pc_node_, TVNC_PackedText::pack(text.pc_begin, text.size()));
         else
-            TVNC_NodeAccess::text(*pc_node_) = textOf(text, b_ascii);
+            TVNC_NodeAccess::storedText(*pc_node_) = textOf(text, b_ascii);
         pc_node_->setTextType(c_textType);
     }
 

@@ -296,7 +296,7 @@ private:
         if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return false;
         if (c_type == TVNG_CDATA_SECTION && TVNC_NodeAccess::isTextPacked(node)) {
-            const QByteArray packed = TVNC_PackedText::bytes(TVNC_NodeAccess::text(node));
+            const QByteArray packed = TVNC_PackedText::bytes(TVNC_NodeAccess::storedText(node));
             if (fitsOneSection(packed)) {
                 output_.literal(">" TVNG_CDATA_START);
                 output_.bytes(packed.constData(), static_cast<int>(packed.size()));
@@ -304,7 +304,7 @@ private:
                 return true;
             }
         }
-        const QString& text = node.getText();
+        const QString text = TVNC_NodeAccess::text(node);
         if (!hasWritable(text))
             return false;
         output_.literal(">");

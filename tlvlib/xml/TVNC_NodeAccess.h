@@ -1,6 +1,7 @@
 #ifndef TLVLIB_XML_TVNC_NODEACCESS_H
 #define TLVLIB_XML_TVNC_NODEACCESS_H
 
+#include "tlvlib/xml/TVNC_PackedText.h"
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
 /**
@@ -11,11 +12,19 @@
 struct TVNC_NodeAccess
 {
     static QList<TVNC_XMLNode*>& children(TVNC_XMLNode& node) { return node.children_; }
+    static void setParent(TVNC_XMLNode& node, TVNC_XMLNode& parent) { node.pc_parent_ = &parent; }
     static QXmlStreamAttributes& attributes(TVNC_XMLNode& node) { return node.attributes_; }
     static QString& name(TVNC_XMLNode& node) { return node.name_; }
 
-    /// As it is stored, perhaps packed; getText() gives it as it is.
-    static QString& text(TVNC_XMLNode& node) { return node.text_; }
+    /// The text, as getText() gives it. When memory runs out, this throws: an empty text for want of memory,
+    /// such as getText() gives then, must not come into a file.
+    static QString text(const TVNC_XMLNode& node)
+    {
+        return isTextPacked(node) ? TVNC_PackedText::unpack(node.text_) : node.text_;
+    }
+
+    /// As it is stored, perhaps packed.
+    static QString& storedText(TVNC_XMLNode& node) { return node.text_; }
 
     /// Whether the text is stored packed; see TVNC_PackedText.
     static bool isTextPacked(const TVNC_XMLNode& node)

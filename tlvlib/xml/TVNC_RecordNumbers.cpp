@@ -1,9 +1,10 @@
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
 #include "tlvlib/util/TVNG_immortal.h"
+#include "tlvlib/util/TVNG_literal.h"
+#include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
 
 #include <QtCore/QMutex>
@@ -12,7 +13,7 @@ namespace {
 
 struct IdName
 {
-    QString text = QEXC_TextCodec::fromSJIS("id");
+    QString text = TVNG_literal("id");
 };
 
 /// "%03d" of a number.
@@ -179,5 +180,7 @@ QList<TVNC_XMLNode*> TVNC_RecordNumbers::findAll(TVNC_XMLNode& parent, int si_co
 // is.
 TVNC_XMLNode* TVNC_XMLNode::getXMLNodeChildByID(int si_id, QString& attributeName)
 {
-    return TVNC_RecordNumbers::find(*this, si_id, attributeName);
+    TVNC_XMLNode* pc_child = nullptr;
+    TVNG_hasMemoryFor([&] { pc_child = TVNC_RecordNumbers::find(*this, si_id, attributeName); });
+    return pc_child;
 }

@@ -1,7 +1,8 @@
 #include "tlvlib/xml/TVNC_XMLNode.h"
 
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/xml/TVNC_PackedText.h"
+#include "tlvlib/util/TVNG_memory.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 
 TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
     : c_textType_(TVNG_CHARACTER_DATA)
@@ -16,18 +17,40 @@ TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
 
 TVNC_XMLNode::~TVNC_XMLNode()
 {
+    // Only where a program holds a copy of a list does the list's change take memory. When there is none,
+    // null takes the place of the node, in the copy as well.
+    const auto leaveParent = [](TVNC_XMLNode& node) {
+        TVNC_XMLNode* const pc_parent = node.pc_parent_;
+        pc_parent->removeXMLNode(&node);
+        for (int i = 0; node.pc_parent_ && i < pc_parent->children_.size(); ++i) {
+            TVNC_XMLNode* const& pc_entry = pc_parent->children_.at(i);
+            if (pc_entry == &node)
+                const_cast<TVNC_XMLNode*&>(pc_entry) = nullptr;
+        }
+        node.pc_parent_ = nullptr;
+    };
     if (pc_parent_)
-        pc_parent_->removeXMLNode(this);
+        leaveParent(*this);
 
-    // Only a program that changed a list itself can have repeated an entry. A repeated one becomes null, so
-    // that no child is deleted twice.
-    const auto forgetRepeated = [](TVNC_XMLNode& parent) {
-        for (int i = 0; (parent.uc_state_ & EXPOSED) && i < parent.children_.size(); ++i) {
-            TVNC_XMLNode* const pc_child = parent.children_.at(i);
+    // Only a program can have copied a list, or repeated an entry.
+    const auto makeOwn = [](TVNC_XMLNode& node) {
+        if (!(node.uc_state_ & EXPOSED))
+            return;
+        QList<TVNC_XMLNode*>& children = node.children_;
+        if (!TVNG_hasMemoryFor([&] { children.detach(); })) {
+            // The children are left to the program, which knows them from its copy.
+            for (int i = 0; i < children.size(); ++i) {
+                if (TVNC_XMLNode* const pc_child = children.at(i))
+                    pc_child->pc_parent_ = nullptr;
+            }
+            children = QList<TVNC_XMLNode*>();
+        }
+        for (int i = 0; i < children.size(); ++i) {
+            TVNC_XMLNode* const pc_child = children.at(i);
             if (!pc_child)
                 continue;
             if (pc_child->uc_state_ & LEAVING)
-                parent.children_[i] = nullptr;
+                children[i] = nullptr; // so that no child is deleted twice
             pc_child->uc_state_ |= LEAVING;
         }
     };
@@ -36,17 +59,17 @@ TVNC_XMLNode::~TVNC_XMLNode()
     // parent pointer of a detached node leads back up, so neither the depth of the tree nor the length of a
     // list costs stack or searching: every node is deleted without parent and without children.
     TVNC_XMLNode* pc_node = this;
-    forgetRepeated(*pc_node);
+    makeOwn(*pc_node);
     for (;;) {
         if (!pc_node->children_.isEmpty()) {
             TVNC_XMLNode* pc_child = pc_node->children_.takeFirst();
             if (!pc_child)
                 continue;
             if (pc_child->pc_parent_ && pc_child->pc_parent_ != pc_node)
-                pc_child->pc_parent_->removeXMLNode(pc_child);
+                leaveParent(*pc_child);
             pc_child->pc_parent_ = pc_node;
             pc_node = pc_child;
-            forgetRepeated(*pc_node);
+            makeOwn(*pc_node);
         } else if (pc_node != this) {
             TVNC_XMLNode* pc_done = pc_node;
             pc_node = pc_done->pc_parent_;
@@ -83,8 +106,15 @@ QString& TVNC_XMLNode::getName()
 QString& TVNC_XMLNode::getText()
 {
     if (uc_state_ & PACKED_TEXT) {
-        QString text = TVNC_PackedText::unpack(text_);
-        setText(text);
+        const bool b_unpacked = TVNG_hasMemoryFor([&] {
+            QString text = TVNC_NodeAccess::text(*this);
+            setText(text);
+        });
+        if (!b_unpacked) {
+            static QString noText;
+            noText.clear(); // of what somebody may have written into it
+            return noText;
+        }
     }
     return text_;
 }
@@ -121,26 +151,35 @@ void TVNC_XMLNode::addXMLNode(TVNC_XMLNode* pc_child, char& c_prepend)
 {
     if (!pc_child)
         return;
-    if (pc_child->pc_parent_)
-        pc_child->pc_parent_->removeXMLNode(pc_child);
+    TVNC_XMLNode* const pc_former = pc_child->pc_parent_;
+    // The place comes first, since a child that has left its parent must not be without one for want of
+    // memory.
+    const bool b_room = TVNG_hasMemoryFor([&] {
+        if (pc_former)
+            pc_former->children_.detach();
+        if (c_prepend == 0)
+            children_.append(nullptr);
+        else
+            children_.prepend(nullptr);
+    });
+    if (!b_room)
+        return;
+    if (pc_former)
+        pc_former->removeXMLNode(pc_child);
     unmark();
-    if (c_prepend == 0)
-        children_.append(pc_child);
-    else
-        children_.prepend(pc_child);
+    (c_prepend == 0 ? children_.last() : children_.first()) = pc_child;
     pc_child->pc_parent_ = this;
 }
 
 void TVNC_XMLNode::removeXMLNode(TVNC_XMLNode* pc_child)
 {
-    if (!pc_child)
+    if (!pc_child || !TVNG_hasMemoryFor([&] { children_.removeAll(pc_child); }))
         return;
     // The list may be another node's. That node then keeps an entry of which it hears no more.
     if (pc_child->pc_parent_)
         pc_child->pc_parent_->unmark();
     pc_child->pc_parent_ = nullptr;
     unmark();
-    children_.removeAll(pc_child);
 }
 
 TVNC_XMLNode* TVNC_XMLNode::getChildByName(QString& name, int& si_index)
@@ -165,12 +204,14 @@ TVNC_XMLNode* TVNC_XMLNode::getXMLNodeChildByName(QString& name)
 QList<TVNC_XMLNode*> TVNC_XMLNode::getXMLNodeChildrenByName(QString& name)
 {
     QList<TVNC_XMLNode*> found;
-    int si_index = 0;
-    while (TVNC_XMLNode* pc_child = getChildByName(name, si_index)) {
-        found.append(pc_child);
-        ++si_index;
-    }
-    return found;
+    const bool b_complete = TVNG_hasMemoryFor([&] {
+        int si_index = 0;
+        while (TVNC_XMLNode* pc_child = getChildByName(name, si_index)) {
+            found.append(pc_child);
+            ++si_index;
+        }
+    });
+    return b_complete ? found : QList<TVNC_XMLNode*>();
 }
 
 // getXMLNodeChildByID() stands in TVNC_RecordNumbers.cpp: a node knows nothing of numbers.

@@ -17,7 +17,9 @@
  * QObject serves for deleteLater() alone.
  *
  * A node never fails and logs nothing: null arguments are ignored, searches that find nothing return null.
- * One thread at a time uses a tree.
+ * Where memory runs out, an operation changes nothing and finds nothing, and getText() gives an empty text
+ * that is not the node's; only the creation of a node throws std::bad_alloc then, as every new does. One
+ * thread at a time uses a tree.
  *
  * @code
  * TVNC_XMLNode* root = new TVNC_XMLNode(nullptr, 0);

@@ -115,23 +115,16 @@ QXmlStreamAttributes compactCopy(const QXmlStreamAttributes& attributes, SharedN
 
 // --- Nodes ------------------------------------------------------------------------------------------------
 
-/// Creates the node of the start tag that the reader stands on; null when memory has run out.
-TVNC_XMLNode* createNode(const QXmlStreamReader& reader, TVNC_XMLNode* pc_parent, SharedNames& names)
+/// Gives a node what the start tag holds that the reader stands on.
+void readStartTag(const QXmlStreamReader& reader, TVNC_XMLNode& node, SharedNames& names)
 {
-    TVNC_XMLNode* const pc_node = TVNG_newXMLNode(pc_parent, 0);
-    const bool b_complete = pc_node && TVNG_hasMemoryFor([&] {
-                                const QXmlStreamAttributes attributes = reader.attributes();
-                                if (!attributes.isEmpty()) {
-                                    QXmlStreamAttributes copy = compactCopy(attributes, names);
-                                    pc_node->setAttribute(copy);
-                                }
-                                QString name = names.of(reader.name());
-                                pc_node->setName(name);
-                            });
-    if (b_complete)
-        return pc_node;
-    delete pc_node;
-    return nullptr;
+    const QXmlStreamAttributes attributes = reader.attributes();
+    if (!attributes.isEmpty()) {
+        QXmlStreamAttributes copy = compactCopy(attributes, names);
+        node.setAttribute(copy);
+    }
+    QString name = names.of(reader.name());
+    node.setName(name);
 }
 
 /// Stops a reader for want of memory.
@@ -192,25 +185,27 @@ TVNC_XMLNode* TVNC_XMLReader::readXMLNode(TVNC_XMLNode* pc_parent)
     TVNC_XMLNode* pc_top = nullptr;
     const bool b_complete = TVNG_hasMemoryFor([&] {
         SharedNames names;
-        pc_top = createNode(*this, pc_parent, names);
+        pc_top = TVNG_newXMLNode(pc_parent, 0);
+        if (!pc_top)
+            qBadAlloc(); // once more
+        readStartTag(*this, *pc_top, names);
         TVNC_XMLNode* pc_node = pc_top; // the element that is open; null at the end of the top one
         while (pc_node && !atEnd()) {
             const TokenType token = readNext();
-            TVNC_XMLNode* pc_child = nullptr;
             if (token == StartElement) {
-                pc_child = createNode(*this, pc_node, names);
-            } else if (token != EndElement) {
-                readText(pc_node);
-                continue;
-            }
-            // A child that cannot be created ends its parent, as an end tag does.
-            if (pc_child)
-                pc_node = pc_child;
-            else
+                pc_node = TVNG_newXMLNode(pc_node, 0);
+                if (pc_node)
+                    readStartTag(*this, *pc_node, names);
+                else
+                    stop(*this); // What was read stays, and the error tells that it is not all.
+            } else if (token == EndElement) {
                 pc_node = pc_node == pc_top ? nullptr : pc_node->getXMLNodeParent();
+            } else {
+                readText(pc_node);
+            }
         }
     });
-    if (b_complete && pc_top)
+    if (b_complete)
         return pc_top;
     delete pc_top;
     stop(*this);

@@ -30,8 +30,8 @@ class TVNC_XMLNode;
  * them grows with their square). error(), errorString(), lineNumber() and columnNumber() tell about the error
  * afterwards.
  *
- * Nothing is thrown. When memory runs out, the result is null, and error() is CustomError; only a child that
- * cannot be created ends the element around it, as an end tag does.
+ * Nothing is thrown. When memory runs out, error() is CustomError, and the result is null; only where no more
+ * than a child element could not be created, the result is what stood before that.
  *
  * Any depth of nesting can be read; time and memory grow with the size of the document.
  */
@@ -54,7 +54,7 @@ public:
     /**
      * Reads the document that an open device holds, to its end.
      *
-     * @return the root element, owned by the caller, or null when there is none
+     * @return the root element, owned by the caller; null when there is none, or memory ran out
      *
      * The reader's device() is a filter afterwards, which belongs to the reader. Logs nothing.
      */

@@ -1,10 +1,11 @@
 #include "tlvlib/xml/TVNC_XMLSetting.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
+#include "tlvlib/diag/TVNG_ifMemory.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNG_openFile.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/util/TVNG_QtVersion.h"
-#include "tlvlib/util/TVNG_memory.h"
 #include "tlvlib/xml/TVNC_CanonicalReader.h"
 #include "tlvlib/xml/TVNC_CanonicalWriter.h"
 #include "tlvlib/xml/TVNC_NodeAccess.h"
@@ -30,8 +31,11 @@ TVNC_XMLNode* readDocument(QString& path)
         return pc_root;
     TVNC_XMLReader reader;
     TVNC_XMLNode* const pc_root = reader.read(file);
-    const bool b_noMemory = reader.error() == QXmlStreamReader::CustomError;
-    return pc_root || b_noMemory ? pc_root : TVNG_newXMLNode(nullptr, 0);
+    if (reader.error() == QXmlStreamReader::CustomError) {
+        delete pc_root; // a part of the document
+        return nullptr;
+    }
+    return pc_root ? pc_root : TVNG_newXMLNode(nullptr, 0);
 }
 
 /// Writes as TVNC_XMLWriter::write() does, and a tree of the stores' kind the fast way.
@@ -48,7 +52,7 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
         TVNC_XMLWriter writer;
         writer.write(file.device(), pc_root);
         if (!writer.device())
-            return; // memory ran out: without an end of the save, no file is replaced
+            qBadAlloc(); // once more: without an end of the save, no file is replaced
     }
     TVNG_finishWriting(file);
 }
@@ -88,7 +92,7 @@ void TVNC_XMLSetting::save(QString& path)
         return;
     }
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::save] start");
-    if (!TVNG_hasMemoryFor([&] { writeDocument(path, pc_root_); }))
+    if (!TVNG_hasMemoryToSave([&] { writeDocument(path, pc_root_); }))
         TVNG_DebugPrint(1, "[TVNC_XMLSetting::save] Fail");
     TVNG_DebugPrint(3, "[TVNC_XMLSetting::saveBookmark] end");
 }
@@ -98,7 +102,7 @@ int TVNC_XMLSetting::getXMLRootNodeChildCntByName(QString& attributeName, QStrin
     if (!pc_root_)
         return 0;
     int si_count = 0;
-    TVNG_hasMemoryFor([&] {
+    TVNG_ifMemory([&] {
         const QList<TVNC_XMLNode*> records =
             TVNC_RecordNumbers::findAll(*pc_root_, getXMLNodeCnt(), attributeName);
         for (int i = 0; i < records.size(); ++i)
@@ -110,7 +114,7 @@ int TVNC_XMLSetting::getXMLRootNodeChildCntByName(QString& attributeName, QStrin
 void TVNC_XMLSetting::setIDforChildren(QString& attributeName)
 {
     if (pc_root_)
-        TVNG_hasMemoryFor([&] { TVNC_RecordNumbers::number(*pc_root_, attributeName); });
+        TVNG_ifMemory([&] { TVNC_RecordNumbers::number(*pc_root_, attributeName); });
 }
 
 void TVNC_XMLSetting::deleteXMLNodeByID(int si_id, QString& attributeName)
@@ -121,7 +125,8 @@ void TVNC_XMLSetting::deleteXMLNodeByID(int si_id, QString& attributeName)
     if (!pc_child)
         return;
     pc_root_->removeXMLNode(pc_child);
-    TVNG_release(pc_child);
+    if (!pc_child->getXMLNodeParent()) // there was memory for it
+        TVNG_release(pc_child);
 }
 
 void TVNC_XMLSetting::deleteAllXMLNode()
@@ -145,7 +150,7 @@ void TVNC_XMLSetting::deleteAllSetting()
             TVNG_release(removed.at(i));
         } else {
             TVNG_DebugPrint(1, "[TVNC_XMLSetting::deleteRootChildren] 0x%X Why Pass??", TVNG_low32(pc_root_));
-            TVNC_NodeAccess::children(*pc_root_).append(nullptr);
+            TVNG_hasMemoryFor([&] { TVNC_NodeAccess::children(*pc_root_).append(nullptr); });
         }
     }
 }

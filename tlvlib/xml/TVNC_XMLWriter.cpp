@@ -3,6 +3,7 @@
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNG_openFile.h"
+#include "tlvlib/files/TVNG_saveMode.h"
 #include "tlvlib/format/TVNC_XMLCharacters.h"
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/TVNG_memory.h"
@@ -192,7 +193,7 @@ private:
         const char c_type = node.getTextType();
         if (c_type != TVNG_CHARACTER_DATA && c_type != TVNG_CDATA_SECTION)
             return;
-        const QString text = TVNC_XMLCharacters::writable(node.getText());
+        const QString text = TVNC_XMLCharacters::writable(TVNC_NodeAccess::text(node));
         if (text.isEmpty())
             return;
         if (c_type == TVNG_CDATA_SECTION)
@@ -219,13 +220,13 @@ TVNC_XMLWriter::~TVNC_XMLWriter() {}
 bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
 {
     bool b_written = false;
-    TVNG_hasMemoryFor([&] {
+    TVNG_hasMemoryToSave([&] {
         TVNC_SavedFile file(path);
         if (!pc_root || !TVNG_openForWriting(file))
             return;
         b_written = write(file.device(), pc_root);
         if (!device())
-            return;         // memory ran out: without an end of the save, no file is replaced
+            qBadAlloc();    // once more: without an end of the save, no file is replaced
         setDevice(nullptr); // the file's goes with this block
         b_written = TVNG_finishWriting(file) && b_written;
     });

@@ -1,13 +1,26 @@
 #include "tlvlib/xml/TVNG_Records.h"
 
 #include "tlvlib/format/TVNG_documentForm.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_literal.h"
+#include "tlvlib/xml/TVNC_NodeAccess.h"
 #include "tlvlib/xml/TVNC_RecordNumbers.h"
+
+namespace {
+
+TVNC_XMLNode* newRecord(TVNC_XMLSetting& setting, QString& name)
+{
+    QString noText;
+    char c_textType = TVNG_CHARACTER_DATA;
+    QXmlStreamAttributes noAttributes;
+    return setting.addXMLChild(setting.getXMLRootNode(), name, noText, c_textType, noAttributes, 1);
+}
+
+} // namespace
 
 QXmlStreamAttributes TVNG_docInfo()
 {
     QXmlStreamAttributes docInfo;
-    docInfo.append(QEXC_TextCodec::fromSJIS("docInfo"), QEXC_TextCodec::fromSJIS("1.0"));
+    docInfo.append(TVNG_literal("docInfo"), TVNG_literal("1.0"));
     return docInfo;
 }
 
@@ -20,31 +33,36 @@ void TVNG_nameRoot(TVNC_XMLNode* pc_root, QString& name)
     pc_root->setAttribute(docInfo);
 }
 
-TVNC_XMLNode* TVNG_addRecord(TVNC_XMLSetting& setting, QString& name, char c_prepend)
+TVNC_NewRecord::TVNC_NewRecord(TVNC_XMLSetting& setting, QString& name)
+    : setting_(setting), pc_record_(newRecord(setting, name)), b_complete_(pc_record_), b_kept_(false)
 {
-    QString noText;
-    char c_textType = TVNG_CHARACTER_DATA;
+}
+
+TVNC_NewRecord::~TVNC_NewRecord()
+{
+    if (pc_record_ && !(b_kept_ && pc_record_->getXMLNodeParent()))
+        delete pc_record_;
+}
+
+void TVNC_NewRecord::addField(QString& name, QString text, char c_textType)
+{
     QXmlStreamAttributes noAttributes;
-    return setting.addXMLChild(setting.getXMLRootNode(), name, noText, c_textType, noAttributes, c_prepend);
+    if (!setting_.addXMLChild(pc_record_, name, text, c_textType, noAttributes, 0))
+        b_complete_ = false;
 }
 
-void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& name, QString text,
-                   char c_textType)
+bool TVNG_copyField(TVNC_XMLNode& record, QString& name, QString& text)
 {
-    QXmlStreamAttributes noAttributes;
-    setting.addXMLChild(pc_record, name, text, c_textType, noAttributes, 0);
+    TVNC_XMLNode* pc_field = record.getXMLNodeChildByName(name);
+    if (pc_field)
+        text = TVNC_NodeAccess::text(*pc_field);
+    return pc_field != nullptr;
 }
 
-void TVNG_copyField(TVNC_XMLNode& record, QString& name, QString& text)
+void TVNG_deleteRecord(TVNC_XMLSetting& setting, int si_number)
 {
-    if (TVNC_XMLNode* pc_field = record.getXMLNodeChildByName(name))
-        text = pc_field->getText();
-}
-
-void TVNG_releaseDetached(TVNC_XMLNode* pc_record)
-{
-    if (pc_record && !pc_record->getXMLNodeParent())
-        delete pc_record;
+    setting.deleteXMLNodeByID(si_number, TVNC_RecordNumbers::attributeName());
+    setting.setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
 
 TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number)

@@ -19,23 +19,43 @@ QXmlStreamAttributes TVNG_docInfo();
 void TVNG_nameRoot(TVNC_XMLNode* pc_root, QString& name);
 
 /**
- * Adds a record with empty text, through the base's addXMLChild().
- *
- * @param c_prepend 0 puts it last, any other value first
- * @return the record; null when memory ran out. Without a root it belongs to no document: hand it to
- *         TVNG_releaseDetached() when it is complete.
+ * A record that is being added in front of the others, through the base's addXMLChild(). It is in the
+ * document at once, but stays there only when it is kept: when memory runs out on the way, it goes again.
  */
-TVNC_XMLNode* TVNG_addRecord(TVNC_XMLSetting& setting, QString& name, char c_prepend);
+class TVNC_NewRecord
+{
+public:
+    /// Adds the record, with empty text. Without a root it belongs to no document, and goes in any case.
+    TVNC_NewRecord(TVNC_XMLSetting& setting, QString& name);
+    ~TVNC_NewRecord();
 
-/// Adds a text element at the end of a record, through the base's addXMLChild(). Failures are not reported.
-void TVNG_addField(TVNC_XMLSetting& setting, TVNC_XMLNode* pc_record, QString& name, QString text,
-                   char c_textType);
+    /// Null when there was no memory for the record itself.
+    TVNC_XMLNode* node() const { return pc_record_; }
 
-/// Copies the text of a record's element. Where there is none of the name, @a text stays as it was.
-void TVNG_copyField(TVNC_XMLNode& record, QString& name, QString& text);
+    /// False when there was no memory for the record or one of its fields.
+    bool isComplete() const { return b_complete_; }
 
-/// Deletes a record that could not be hung under a root, so that it is not leaked; keeps any other.
-void TVNG_releaseDetached(TVNC_XMLNode* pc_record);
+    /// Adds a text element at the end of a record that is there.
+    void addField(QString& name, QString text, char c_textType);
+
+    /// Leaves the record in the document, whether it is complete or not.
+    void keep() { b_kept_ = true; }
+
+private:
+    Q_DISABLE_COPY(TVNC_NewRecord)
+
+    TVNC_XMLSetting& setting_;
+    TVNC_XMLNode* const pc_record_;
+    bool b_complete_;
+    bool b_kept_;
+};
+
+/// Copies the text of a record's element. False where there is none of the name; @a text stays as it was
+/// then.
+bool TVNG_copyField(TVNC_XMLNode& record, QString& name, QString& text);
+
+/// Deletes the record of a number, through the base's deleteXMLNodeByID(), and numbers the others anew.
+void TVNG_deleteRecord(TVNC_XMLSetting& setting, int si_number);
 
 /// The record of a number; null without a root or without such a record.
 TVNC_XMLNode* TVNG_recordByNumber(TVNC_XMLSetting& setting, int si_number);

@@ -14,7 +14,10 @@ inline TVNC_XMLNode* TVNG_newXMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
 {
     TVNC_XMLNode* pc_node = nullptr;
     TVNG_hasMemoryFor([&] { pc_node = new TVNC_XMLNode(pc_parent, c_prepend); });
-    return pc_node;
+    if (!pc_node || pc_node->getXMLNodeParent() == pc_parent)
+        return pc_node;
+    delete pc_node; // there was no memory for it in the parent's list
+    return nullptr;
 }
 
 /**
@@ -29,6 +32,17 @@ inline QList<TVNC_XMLNode*> TVNG_takeChildren(TVNC_XMLNode& node)
     for (int i = 0; i < children.size(); ++i)
         node.removeXMLNode(children.at(i));
     return children;
+}
+
+/// The other way round: makes a list the children of a node that has none. It takes no memory.
+inline void TVNG_giveChildren(TVNC_XMLNode& node, const QList<TVNC_XMLNode*>& children)
+{
+    TVNC_NodeAccess::unmark(node);
+    TVNC_NodeAccess::children(node) = children;
+    for (int i = 0; i < children.size(); ++i) {
+        if (children.at(i))
+            TVNC_NodeAccess::setParent(*children.at(i), node);
+    }
 }
 
 /// Hands a node to its deleteLater(). Null does nothing. When memory runs out for the event, the node is

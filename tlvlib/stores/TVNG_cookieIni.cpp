@@ -1,11 +1,11 @@
-#include "tlvlib/stores/TVNC_CookieSetting.h"
+#include "tlvlib/stores/TVNG_cookieIni.h"
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
 #include "tlvlib/files/TVNC_SavedFile.h"
 #include "tlvlib/files/TVNC_SecretSave.h"
 #include "tlvlib/files/TVNG_openFile.h"
 #include "tlvlib/files/TVNG_saveMode.h"
-#include "tlvlib/util/QEXC_TextCodec.h"
+#include "tlvlib/util/TVNG_literal.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDataStream>
@@ -26,12 +26,12 @@ const char INI_FILE[] = "cookie.ini";
 /// The section of the file, and its only key.
 QString section()
 {
-    return QEXC_TextCodec::fromSJIS("Cookie");
+    return TVNG_literal("Cookie");
 }
 
 QString key()
 {
-    return QEXC_TextCodec::fromSJIS("cookies");
+    return TVNG_literal("cookies");
 }
 
 QByteArray serialised(const QList<QNetworkCookie>& cookies)
@@ -126,7 +126,7 @@ bool saveWhole(const QString& path, const QByteArray& value)
 
 } // namespace
 
-void TVNC_CookieSetting::saveCookieInfo(QList<QNetworkCookie> cookies, QString* dir, int si_saveMax)
+void TVNG_saveCookieIni(const QList<QNetworkCookie>& cookies, QString* dir, int si_saveMax)
 {
     TVNG_DebugPrint(3, "[TVNC_CookieSetting::saveCookieInfo] start");
     if (!dir || dir->isEmpty()) {
@@ -138,22 +138,26 @@ void TVNC_CookieSetting::saveCookieInfo(QList<QNetworkCookie> cookies, QString* 
         TVNG_DebugPrint(2, "[TVNC_CookieSetting::saveCookieInfo] Error save_max:%d", si_saveMax);
         return;
     }
+    const QString path = TVNG_pathIn(*dir, INI_FILE);
+    const QByteArray value = serialised(cookies);
     if (TVNG_isSafeSave()) {
-        if (!saveWhole(TVNG_pathIn(*dir, INI_FILE), serialised(cookies)))
+        if (!saveWhole(path, value))
             TVNG_DebugPrint(2, "[TVNC_CookieSetting::saveCookieInfo] Couldn't replace cookie.ini.");
         TVNG_DebugPrint(3, "[TVNC_CookieSetting::saveCookieInfo] end");
         return;
     }
-    QSettings settings(TVNG_pathIn(*dir, INI_FILE), QSettings::IniFormat);
-    settings.clear();
-    settings.beginGroup(section());
-    settings.setValue(key(), serialised(cookies));
+    const QString group = section();
+    const QString name = key();
+    QSettings settings(path, QSettings::IniFormat);
+    settings.clear(); // what was to be written instead is there
+    settings.beginGroup(group);
+    settings.setValue(name, value);
     settings.endGroup();
     // Written when the settings go, which is after this line of the log.
     TVNG_DebugPrint(3, "[TVNC_CookieSetting::saveCookieInfo] end");
 }
 
-QList<QNetworkCookie> TVNC_CookieSetting::loadCookieInfo(QString* dir, int si_loadMax)
+QList<QNetworkCookie> TVNG_loadCookieIni(QString* dir, int si_loadMax, int& si_maxCount)
 {
     TVNG_DebugPrint(3, "[TVNC_CookieSetting::loadCookieInfo] start");
     if (!dir || dir->isEmpty()) {
@@ -164,7 +168,7 @@ QList<QNetworkCookie> TVNC_CookieSetting::loadCookieInfo(QString* dir, int si_lo
         TVNG_DebugPrint(2, "[TVNC_CookieSetting::loadCookieInfo] Error load_max:%d", si_loadMax);
         return QList<QNetworkCookie>();
     }
-    si_maxCount_ = si_loadMax;
+    si_maxCount = si_loadMax;
     QSettings settings(TVNG_pathIn(*dir, INI_FILE), QSettings::IniFormat);
     settings.beginGroup(section());
     const QList<QNetworkCookie> cookies = deserialised(settings.value(key()).toByteArray());
