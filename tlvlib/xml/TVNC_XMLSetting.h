@@ -18,8 +18,10 @@ TLVLIB_NO_VIRTUAL_DESTRUCTOR_BEGIN
  * only then. Until then a record that was let go has no parent, and may be added to another node or deleted.
  *
  * Nothing is reported as an error; every rejection is a line in the log and leaves the document as it was.
- * Some log texts name another operation than the one that writes them. They are kept as they are, since the
- * devices' log filters look for them. One thread uses a store.
+ * Nothing is thrown, here or in a store: an operation that memory does not suffice for answers as it refuses
+ * (0 or false, null, an empty text, an output left as it was) and logs at level 1 "[TVNG_ifMemory] Fail",
+ * unless told otherwise below. Some log texts name another operation than the one that writes them. They are
+ * kept as they are, since the devices' log filters look for them. One thread uses a store.
  *
  * The numbering: setIDforChildren() gives the records the attribute "id" with their position as three digits,
  * "000" to "998". Records from position 999 on get no number and are neither counted nor found by number.
