@@ -2,7 +2,7 @@
 
 #include "tlvlib/format/TVNG_documentForm.h"
 #include "tlvlib/util/TVNG_memory.h"
-#include "tlvlib/xml/TVNC_NodeAccess.h"
+#include "tlvlib/xml/TVNC_PackedText.h"
 
 TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
     : c_textType_(TVNG_CHARACTER_DATA)
@@ -107,7 +107,7 @@ QString& TVNC_XMLNode::getText()
 {
     if (uc_state_ & PACKED_TEXT) {
         const bool b_unpacked = TVNG_hasMemoryFor([&] {
-            QString text = TVNC_NodeAccess::text(*this);
+            QString text = TVNC_PackedText::unpack(text_);
             setText(text);
         });
         if (!b_unpacked) {
