@@ -487,9 +487,11 @@ struct State
 /// A document's text without the numbers of its records.
 static QByteArray withoutNumbers(QByteArray text)
 {
-    for (int i = text.indexOf(" id=\""); i >= 0; i = text.indexOf(" id=\"")) {
-        const int si_end = text.indexOf('"', i + 5);
-        text.remove(i, si_end < 0 ? text.size() : si_end + 1 - i);
+    const QByteArray attribute(" id=\"");
+    while (text.contains(attribute)) {
+        const int si_from = static_cast<int>(text.indexOf(attribute));
+        const int si_end = static_cast<int>(text.indexOf('"', si_from + static_cast<int>(attribute.size())));
+        text.remove(si_from, si_end < 0 ? text.size() : si_end + 1 - si_from);
     }
     return text;
 }

@@ -93,7 +93,9 @@ int TVNC_ChoicePreference::code(TVNC_XMLSetting& setting) const
 {
     return TVNG_ifMemory(si_default_, [&] {
         TVNC_XMLNode* pc_leaf = find(setting);
-        const int si_index = pc_leaf ? indexOf(TVNC_NodeAccess::text(*pc_leaf)) : -1;
+        if (!pc_leaf)
+            return si_default_;
+        const int si_index = indexOf(TVNC_NodeAccess::text(*pc_leaf));
         return si_index < 0 ? si_default_ : si_firstCode_ + si_index;
     });
 }
@@ -205,15 +207,19 @@ void TVNC_BytesPreference::get(TVNC_XMLSetting& setting, QByteArray* pc_out) con
         return;
     TVNG_ifMemory([&] {
         TVNC_XMLNode* pc_leaf = find(setting);
-        if (!pc_leaf || !TVNG_fromBase64(TVNC_NodeAccess::text(*pc_leaf), si_maxBytes_, *pc_out))
-            *pc_out = QByteArray();
+        QByteArray bytes;
+        if (pc_leaf)
+            TVNG_fromBase64(TVNC_NodeAccess::text(*pc_leaf), si_maxBytes_, bytes);
+        *pc_out = bytes;
     });
 }
 
 bool TVNC_BytesPreference::set(TVNC_XMLSetting& setting, const QByteArray& bytes) const
 {
     return TVNG_ifMemory(false, [&] {
-        return bytes.size() <= si_maxBytes_ && write(setting, TVNG_toBase64(bytes), TVNG_CDATA_SECTION);
+        if (bytes.size() > si_maxBytes_)
+            return false;
+        return write(setting, TVNG_toBase64(bytes), TVNG_CDATA_SECTION);
     });
 }
 

@@ -106,9 +106,12 @@ bool isSame(const QNetworkCookie& cookie, const TVNS_CookieInfo& info)
 {
     // The bytes are read as C strings although they were written from UTF-8: what is not ASCII never matches,
     // and its entry is replaced by each conversion. Reading UTF-8 here would leave old entries in place.
-    return cookie.domain() == info.website && info.name == TVNG_fromCString(cookie.name().constData()) &&
-           cookie.path() == info.path && secureText(cookie) == info.secure &&
-           TVNG_fromCString(cookie.value().constData()) == info.contents;
+    const QString domain = cookie.domain();
+    const QString name = TVNG_fromCString(cookie.name().constData());
+    const QString path = cookie.path();
+    const QString value = TVNG_fromCString(cookie.value().constData());
+    return domain == info.website && name == info.name && path == info.path &&
+           secureText(cookie) == info.secure && value == info.contents;
 }
 
 /// Removes the first entries that are none of the cookies, and adds the cookies that have no entry.

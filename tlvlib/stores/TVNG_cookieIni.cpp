@@ -101,7 +101,8 @@ QByteArray iniText(const QByteArray& value)
  */
 void makeNewer(const QString& path, const QDateTime& before)
 {
-    if (!before.isValid() || QFileInfo(path).lastModified() > before)
+    const QDateTime now = QFileInfo(path).lastModified();
+    if (!before.isValid() || now > before)
         return;
     struct timeval times[2];
     times[0].tv_sec = static_cast<time_t>(before.toMSecsSinceEpoch() / 1000 + 1);

@@ -112,14 +112,20 @@ void addImages(TVNC_XMLSetting& setting, TVNC_XMLNode& root, const QString& dir)
     }
 }
 
+/// The base64 of an image, as long as it stays as it is.
+QByteArray base64Of(TVNC_XMLNode& image)
+{
+    if (TVNC_NodeAccess::isTextPacked(image))
+        return TVNC_PackedText::bytes(TVNC_NodeAccess::storedText(image));
+    return TVNC_NodeAccess::text(image).toUtf8();
+}
+
 /// Writes the file of an image. True also for one without a text, which stays away.
 bool unpack(TVNC_XMLNode& image, const QString& dir)
 {
-    const QByteArray base64 = TVNC_NodeAccess::isTextPacked(image)
-                                  ? TVNC_PackedText::bytes(TVNC_NodeAccess::storedText(image))
-                                  : TVNC_NodeAccess::text(image).toUtf8();
-    const QString src = TVNC_NodeAccess::attributes(image).value(packNames().src).toString();
-    return decode(base64, dir + src) || base64.isEmpty();
+    const QByteArray base64 = base64Of(image);
+    const QString path = dir + TVNC_NodeAccess::attributes(image).value(packNames().src).toString();
+    return decode(base64, path) || base64.isEmpty();
 }
 
 } // namespace
