@@ -39,7 +39,6 @@ private slots:
     void otherThingsInItsPlace();
     void modes();
     void owners();
-    void cleanupTestCase() { QDir(dir_).removeRecursively(); }
 
 private:
     /// What was done to a file's bytes: those from begin to end were replaced.
@@ -133,7 +132,7 @@ void tst_tlvctl_damages::initTestCase()
         qputenv("TMPDIR", "/dev/shm"); // so many saves need no disk
     qputenv("TZ", "UTC0");             // nor so many times the file of a zone
     temp_ = std::make_unique<TempDir>();
-    dir_ = QString::fromLocal8Bit(qgetenv("TMPDIR")) + "/tlvlib-damages-" + QString::number(getpid());
+    dir_ = temp_->path() + "damages";
     QVERIFY(QDir().mkpath(dir_ + "/all/thumbnail"));
     const QString all = dir_ + "/all";
     QImage picture(8, 8, QImage::Format_RGB32);
