@@ -36,6 +36,8 @@ static void giveMemory()
 
 void tst_TVNC_XMLNode_outOfMemory::initTestCase()
 {
+    if (qVersion()[0] == '6')
+        QSKIP("the lists of Qt 6 themselves do not survive it", SkipAll);
     if (!CAN_FAIL_ALLOCATIONS)
         QSKIP("allocations cannot fail here", SkipAll);
 }
