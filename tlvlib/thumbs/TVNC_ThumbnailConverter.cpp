@@ -83,9 +83,10 @@ QStringList picturesIn(const QString& dir)
     errno = 0;
     const QStringList files = QDir(dir).entryList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot,
                                                   QDir::Name | QDir::Reversed);
-    // Where Qt has no memory to open the directory, nothing else tells of it. The same goes for filters of
-    // Qt's, so none is used.
-    if (errno == ENOMEM)
+    // Where Qt has no memory to open the directory, nothing else tells of it. (Beside names that were found,
+    // the same error tells of memory that was had in another way.) Filters of Qt's do not tell either: none
+    // is used.
+    if (files.isEmpty() && errno == ENOMEM)
         qBadAlloc();
     QStringList pictures;
     for (int i = 0; i < files.size(); ++i) {
