@@ -705,6 +705,7 @@ void tst_TVNC_CookieSetting_ini::withoutMemoryTheOtherFileStays()
         toXml();
         QCOMPARE(failingNode, 0);
         QCOMPARE(readFile(xml()), document);
+        QCOMPARE(cookies_->getXMLNodeCnt(), 0); // emptied as always
         QVERIFY(LogRecorder::take().contains(utf8("1 [TVNG_ifMemory] Fail\n")));
     }
     for (int i = 1; i <= 15; ++i) {
@@ -712,6 +713,7 @@ void tst_TVNC_CookieSetting_ini::withoutMemoryTheOtherFileStays()
         toIni();
         QCOMPARE(failingNode, 0);
         QCOMPARE(readFile(file()), ini);
+        QCOMPARE(cookies_->getXMLNodeCnt(), 0);
         QVERIFY(LogRecorder::take().contains(utf8("1 [TVNG_ifMemory] Fail\n")));
     }
     toXml();

@@ -46,6 +46,7 @@ private slots:
     void packWithAnUnwritableFileLeavesNothing();
     void packReleasesItsTrees();
     void memoryThatRunsOutWhilePackingKeepsTheFile();
+    void safeSavesTellOfAConversionWithoutMemory();
 
     void unpackingGivesTheSameFiles();
     void unpackLogsItsSteps();
@@ -430,6 +431,30 @@ void tst_TVNC_ThumbnailConverter::memoryThatRunsOutWhilePackingKeepsTheFile()
     }
     QVERIFY(si_failures > 0);
     QCOMPARE(readFile(file()), whole);
+}
+
+void tst_TVNC_ThumbnailConverter::safeSavesTellOfAConversionWithoutMemory()
+{
+    writeFile(pngDir() + utf8("a.png"), "first");
+    TVNG_SetSafeSave(1);
+    pack();
+    const QString afterPack = TVNG_GetSaveError();
+    failingNode = 1; // the root of the pack
+    pack();
+    const QString withoutRoot = TVNG_GetSaveError();
+    pack();
+    unpack();
+    const QString afterUnpack = TVNG_GetSaveError();
+    writeFile(file(), "<thumbnail/>"); // which is read once
+    failingNode = 1;
+    unpack();
+    const QString withoutDocument = TVNG_GetSaveError();
+    TVNG_SetSafeSave(0);
+    QCOMPARE(afterPack, QString());
+    QVERIFY(!withoutRoot.isEmpty());
+    QCOMPARE(afterUnpack, QString());
+    QVERIFY(!withoutDocument.isEmpty());
+    QVERIFY(!root());
 }
 
 // --- Unpacking --------------------------------------------------------------------------------------------

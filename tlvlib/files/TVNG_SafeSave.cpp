@@ -42,6 +42,8 @@ void TVNG_setSaveError(const QString& error)
 
 void TVNG_setNoMemoryToSave()
 {
+    if (!b_safeSave)
+        return;
     TVNG_hasMemoryFor([] {
         SaveError& error = TVNG_immortal<SaveError>();
         error.text = error.noMemory;

@@ -14,6 +14,7 @@
 bool TVNG_isSafeSave();
 
 /// What TVNG_GetSaveError() answers after a save for which memory did not suffice. It takes none itself.
+/// While saves are in place it does nothing, since that tells of safe ones.
 void TVNG_setNoMemoryToSave();
 
 /// What TVNG_GetSaveError() answers from now on; empty after a save that succeeded.
@@ -25,7 +26,7 @@ template <typename Work>
 bool TVNG_hasMemoryToSave(Work work)
 {
     const bool b_complete = TVNG_hasMemoryFor(work);
-    if (!b_complete && TVNG_isSafeSave())
+    if (!b_complete)
         TVNG_setNoMemoryToSave();
     return b_complete;
 }

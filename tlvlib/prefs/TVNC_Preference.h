@@ -21,10 +21,11 @@ class TVNC_XMLSetting;
  * };
  * @endcode
  *
- * Such a member is all there is to say about a preference; loading and the accessors follow from it. Neither
- * the members nor what they do throws anything: when memory runs out, setters change nothing but the group,
- * which may be there then, and getters give the default or, where they have no memory for that, nothing.
- * Internal to the library; not installed.
+ * Such a member is all there is to say about a preference; loading and the accessors follow from it. What
+ * accessors call throws nothing: when memory runs out, setters change nothing but the group, which may be
+ * there then, and getters give the default or, where they have no memory for that, nothing. What a load
+ * calls, complete() and setDefault(), throws std::bad_alloc. The members themselves take no memory. Internal
+ * to the library; not installed.
  */
 
 /**

@@ -74,23 +74,20 @@ void copyBytes(TVNC_XMLNode& entry, QString& name, int si_maxBytes, QByteArray& 
         TVNG_fromBase64(base64, si_maxBytes, out);
 }
 
-void logAddAuthInfo()
+/// As addAuthInfo(), which setAuthInfo() comes to as well: the log says so.
+void addCredentials(TVNC_XMLSetting& setting, const TVNS_AuthInfo* pc_info)
 {
     TVNG_DebugPrint(3, "[TVNC_AuthSetting::addAuthInfo]");
-}
-
-/// As addAuthInfo(), which setAuthInfo() comes to as well: the log says so.
-void addCredentials(TVNC_XMLSetting& setting, const TVNS_AuthInfo& info)
-{
-    logAddAuthInfo();
+    if (!pc_info)
+        return;
     TVNC_NewRecord entry(setting, authNames().authInfo);
     if (!entry.node())
         return;
-    entry.addField(authNames().hostName, info.hostName, TVNG_CHARACTER_DATA);
-    entry.addField(authNames().portNum, info.portNum, TVNG_CHARACTER_DATA);
-    entry.addField(authNames().authType, wordOf(info.authType), TVNG_CHARACTER_DATA);
-    entry.addField(authNames().user, TVNG_toBase64(info.user), TVNG_CDATA_SECTION);
-    entry.addField(authNames().passwd, TVNG_toBase64(info.passwd), TVNG_CDATA_SECTION);
+    entry.addField(authNames().hostName, pc_info->hostName, TVNG_CHARACTER_DATA);
+    entry.addField(authNames().portNum, pc_info->portNum, TVNG_CHARACTER_DATA);
+    entry.addField(authNames().authType, wordOf(pc_info->authType), TVNG_CHARACTER_DATA);
+    entry.addField(authNames().user, TVNG_toBase64(pc_info->user), TVNG_CDATA_SECTION);
+    entry.addField(authNames().passwd, TVNG_toBase64(pc_info->passwd), TVNG_CDATA_SECTION);
     entry.keep();
     setting.setIDforChildren(TVNC_RecordNumbers::attributeName());
 }
@@ -158,17 +155,14 @@ int TVNC_AuthSetting::setAuthInfo(TVNS_AuthInfo* pc_info)
             !TVNG_fitsUtf8(pc_info->portNum, TVNG_PORT_NUM_MAX_BYTES) ||
             pc_info->user.size() > TVNG_USER_MAX_BYTES || pc_info->passwd.size() > TVNG_PASSWD_MAX_BYTES)
             return 0;
-        addCredentials(*this, *pc_info);
+        addCredentials(*this, pc_info);
         return 1;
     });
 }
 
 void TVNC_AuthSetting::addAuthInfo(TVNS_AuthInfo* pc_info)
 {
-    if (pc_info)
-        TVNG_ifMemory([&] { addCredentials(*this, *pc_info); });
-    else
-        logAddAuthInfo();
+    TVNG_ifMemory([&] { addCredentials(*this, pc_info); });
 }
 
 int TVNC_AuthSetting::updateAuthInfo(TVNS_AuthInfo* pc_info)

@@ -74,13 +74,11 @@ TVNC_XMLNode* childOf(TVNC_XMLNode* pc_record, char c_which)
 }
 
 /// Copies the title, unless it is over its limit.
-bool copyTitle(TVNC_XMLNode& title, QString& out)
+void copyTitle(TVNC_XMLNode& title, QString& out)
 {
     const QString text = TVNC_NodeAccess::text(title);
-    if (!TVNG_fitsUtf8(text, TVNG_TITLE_MAX_BYTES))
-        return false;
-    out = text;
-    return true;
+    if (TVNG_fitsUtf8(text, TVNG_TITLE_MAX_BYTES))
+        out = text;
 }
 
 QString urlOf(TVNC_XMLNode& href)

@@ -221,8 +221,8 @@ void TVNC_CookieSetting::convertCookieXMLToIni(char* pc_xmlPath, char* pc_iniDir
         for (int i = 0; i < infos.size() && i < TVNG_CONVERTED_MAX; ++i)
             cookies.append(cookieOf(infos.at(i)));
         TVNG_saveCookieIni(cookies, &iniDir, TVNG_CONVERTED_MAX);
-        deleteAllSetting();
     });
+    deleteAllSetting();
 }
 
 void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath)
@@ -241,6 +241,6 @@ void TVNC_CookieSetting::convertCookieIniToXML(char* pc_iniDir, char* pc_xmlPath
         setIDforChildren(TVNC_RecordNumbers::attributeName());
         const TVNC_SecretSave secret(true);
         save(xmlPath);
-        deleteAllSetting();
     });
+    deleteAllSetting();
 }

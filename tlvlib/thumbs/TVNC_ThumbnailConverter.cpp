@@ -175,8 +175,10 @@ void TVNC_ThumbnailConverter::convertThumbnailPngToXML(char* pc_pngDir, char* pc
         QXmlStreamAttributes docInfo = TVNG_docInfo();
         TVNC_XMLNode* pc_root =
             TVNC_XMLSetting::addXMLChild(nullptr, packNames().root, noText, c_textType, docInfo, 1);
-        if (!pc_root)
+        if (!pc_root) {
+            TVNG_setNoMemoryToSave();
             return;
+        }
         TVNG_release(pc_root_);
         pc_root_ = pc_root;
         addImages(*this, *pc_root, TVNG_fromCString(pc_pngDir));
@@ -200,8 +202,11 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
         QString pngDir = TVNG_fromCString(pc_pngDir);
         TVNC_XMLSetting::load(xmlPath);
         TVNC_XMLNode* pc_root = TVNC_XMLSetting::getXMLRootNode();
-        if (!pc_root)
+        if (!pc_root) {
+            if (!xmlPath.isEmpty()) // then the load would have made one
+                TVNG_setNoMemoryToSave();
             return;
+        }
         const QList<TVNC_XMLNode*>& images = TVNC_NodeAccess::children(*pc_root);
         QString saveError; // the first one tells of the whole pack
         for (int i = 0; i < images.size(); ++i) {
