@@ -13,15 +13,14 @@
 
 bool TVNG_isSafeSave();
 
-/// What TVNG_GetSaveError() answers after a save for which memory did not suffice. It takes none itself.
-/// While saves are in place it does nothing, since that tells of safe ones.
+/// Has TVNG_GetSaveError() tell that memory did not suffice for a save. It takes no memory, and does nothing
+/// while saves are in place.
 void TVNG_setNoMemoryToSave();
 
 /// What TVNG_GetSaveError() answers from now on; empty after a save that succeeded.
 void TVNG_setSaveError(const QString& error);
 
-/// Does what may run out of memory and saves: as TVNG_hasMemoryFor(), but TVNG_GetSaveError() tells of it,
-/// too.
+/// Saves something. It does what TVNG_hasMemoryFor() does, and TVNG_GetSaveError() tells of a failure.
 template <typename Work>
 bool TVNG_hasMemoryToSave(Work work)
 {
@@ -31,13 +30,13 @@ bool TVNG_hasMemoryToSave(Work work)
     return b_complete;
 }
 
-/// The same for an operation of the interface, as TVNG_ifMemory() is for others.
+/// Does the same for an operation of the interface, and logs a failure as TVNG_ifMemory() does.
 template <typename Work>
 void TVNG_saveIfMemory(Work work)
 {
     TVNG_ifMemory([&] {
         if (!TVNG_hasMemoryToSave(work))
-            qBadAlloc(); // once more
+            qBadAlloc(); // for TVNG_ifMemory()
     });
 }
 

@@ -145,8 +145,8 @@ void bringUpTo(TVNC_CookieSetting& setting, const QList<QNetworkCookie>& cookies
     }
 }
 
-/// Loads the document of a conversion. Without memory for it, an empty one must not be taken for it, since
-/// the conversion would empty the other file.
+/// Loads the document of a conversion. When memory runs out, it throws: a conversion that took no document
+/// for an empty one would empty the other file.
 void loadToConvert(TVNC_XMLSetting& setting, QString& path)
 {
     setting.load(path);

@@ -212,7 +212,7 @@ void sort(TVNC_XMLSetting& history, bool b_fresh)
             if (copies.at(i) && !copies.at(i)->getXMLNodeParent())
                 delete copies.at(i);
         }
-        qBadAlloc(); // once more
+        qBadAlloc(); // for the operation that sorts
     }
     for (int i = 0; i < old.size(); ++i) {
         if (old.at(i) && !old.at(i)->getXMLNodeParent())

@@ -150,7 +150,7 @@ void TVNG_saveCookieIni(const QList<QNetworkCookie>& cookies, QString* dir, int 
     const QString group = section();
     const QString name = key();
     QSettings settings(path, QSettings::IniFormat);
-    settings.clear(); // what was to be written instead is there
+    settings.clear(); // the new value is complete by now
     settings.beginGroup(group);
     settings.setValue(name, value);
     settings.endGroup();

@@ -83,9 +83,9 @@ QStringList picturesIn(const QString& dir)
     errno = 0;
     const QStringList files = QDir(dir).entryList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot,
                                                   QDir::Name | QDir::Reversed);
-    // Where Qt has no memory to open the directory, nothing else tells of it. (Beside names that were found,
-    // the same error tells of memory that was had in another way.) Filters of Qt's do not tell either: none
-    // is used.
+    // Qt tells in no other way that it had no memory to open the directory. When names were found, the same
+    // error only means that realloc() took another way. A filter of Qt's finds nothing without memory and
+    // does not tell, so none is used.
     if (files.isEmpty() && errno == ENOMEM)
         qBadAlloc();
     QStringList pictures;
@@ -217,7 +217,7 @@ void TVNC_ThumbnailConverter::convertThumbnailXMLToPng(char* pc_xmlPath, char* p
             }
             if (pc_image->getName() != packNames().image || pc_image->getTextType() != TVNG_CDATA_SECTION)
                 continue;
-            bool b_done = false; // or there was nothing to do
+            bool b_done = false; // true also when there was nothing to do
             if (!TVNG_hasMemoryToSave([&] { b_done = unpack(*pc_image, pngDir); }))
                 TVNG_DebugPrint(1, "[TVNC_ThumbnailConverter::convertThumbnailXMLToPng] Fail");
             if (!b_done && saveError.isEmpty())

@@ -48,8 +48,9 @@ QString TVNG_clockText(const QDateTime& dateTime, const QString& format)
             TVNG_putDigits(pc_text + 17, 2, time.second());
         return text;
     }
-    if (!date.isValid()) // such as a session cookie's; Qt would make its calendars first, and has to have
-                         // memory
+    // A session cookie has such a date. Qt would make its calendars first, and end the program without
+    // memory.
+    if (!date.isValid())
         return QString();
     // In UTC no time is skipped: asked for its text itself, a QDateTime of Qt 5 with a skipped time has none.
     return QDateTime(date, time, Qt::UTC).toString(format);

@@ -19,8 +19,7 @@
 template <typename Type>
 Type& TVNG_immortal()
 {
-    // No memory is taken for the object itself: one that takes none either can be had when memory has run
-    // out.
+    // The object itself takes no memory: one that does not allocate is there even when memory has run out.
     alignas(Type) static unsigned char uc_room[sizeof(Type)];
     static Type* const pc_object = new (uc_room) Type;
     return *pc_object;

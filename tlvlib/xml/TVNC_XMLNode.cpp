@@ -17,8 +17,8 @@ TVNC_XMLNode::TVNC_XMLNode(TVNC_XMLNode* pc_parent, char c_prepend)
 
 TVNC_XMLNode::~TVNC_XMLNode()
 {
-    // Only where a program holds a copy of a list does the list's change take memory. When there is none,
-    // null takes the place of the node, in the copy as well.
+    // A list's change takes memory only while a program holds a copy of the list. When there is none, null
+    // takes the place of the node, in the copy as well.
     const auto leaveParent = [](TVNC_XMLNode& node) {
         TVNC_XMLNode* const pc_parent = node.pc_parent_;
         pc_parent->removeXMLNode(&node);
@@ -152,8 +152,7 @@ void TVNC_XMLNode::addXMLNode(TVNC_XMLNode* pc_child, char& c_prepend)
     if (!pc_child)
         return;
     TVNC_XMLNode* const pc_former = pc_child->pc_parent_;
-    // The place comes first, since a child that has left its parent must not be without one for want of
-    // memory.
+    // The place is made first: a child must not leave its parent and then find no memory for another.
     const bool b_room = TVNG_hasMemoryFor([&] {
         if (pc_former)
             pc_former->children_.detach();

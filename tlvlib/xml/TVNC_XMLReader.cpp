@@ -187,7 +187,7 @@ TVNC_XMLNode* TVNC_XMLReader::readXMLNode(TVNC_XMLNode* pc_parent)
         SharedNames names;
         pc_top = TVNG_newXMLNode(pc_parent, 0);
         if (!pc_top)
-            qBadAlloc(); // once more
+            qBadAlloc();
         readStartTag(*this, *pc_top, names);
         TVNC_XMLNode* pc_node = pc_top; // the element that is open; null at the end of the top one
         while (pc_node && !atEnd()) {

@@ -52,7 +52,7 @@ void writeDocument(QString& path, TVNC_XMLNode* pc_root)
         TVNC_XMLWriter writer;
         writer.write(file.device(), pc_root);
         if (!writer.device())
-            qBadAlloc(); // once more: without an end of the save, no file is replaced
+            qBadAlloc(); // it ran out; without an end of the save, no file is replaced
     }
     TVNG_finishWriting(file);
 }

@@ -226,7 +226,7 @@ bool TVNC_XMLWriter::write(QString& path, TVNC_XMLNode* pc_root)
             return;
         b_written = write(file.device(), pc_root);
         if (!device())
-            qBadAlloc();    // once more: without an end of the save, no file is replaced
+            qBadAlloc();    // it ran out; without an end of the save, no file is replaced
         setDevice(nullptr); // the file's goes with this block
         b_written = TVNG_finishWriting(file) && b_written;
     });
