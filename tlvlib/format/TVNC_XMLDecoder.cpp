@@ -55,7 +55,8 @@ int skipBlanks(const QByteArray& bytes, int i)
  */
 EncodingName::Result findEncoding(const QByteArray& head, EncodingName& found)
 {
-    const int si_start = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    const int si_start =
+        head.startsWith(TVNG_BYTE_ORDER_MARK) ? static_cast<int>(sizeof TVNG_BYTE_ORDER_MARK) - 1 : 0;
     if (head.mid(si_start, 5) != "<?xml" || skipBlanks(head, si_start + 5) == si_start + 5)
         return EncodingName::NONE;
     const int si_declarationEnd = static_cast<int>(head.indexOf("?>", si_start));

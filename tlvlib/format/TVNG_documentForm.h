@@ -28,6 +28,17 @@
 #define TVNG_CDATA_START "<![CDATA["
 #define TVNG_CDATA_END "]]>"
 
+/// May stand in front of the declaration, and is not written there.
+#define TVNG_BYTE_ORDER_MARK "\xEF\xBB\xBF"
+
+/// The entities that XML predefines. All are read; an apostrophe is written as it is.
+const struct
+{
+    const char* pc_reference;
+    char c_meaning;
+} TVNG_PREDEFINED_ENTITIES[] = {
+    {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
+
 /// Elements up to this depth, the root's being 1, have lines of their own. Deeper ones are written without
 /// line breaks and indentation, which would grow with the square of the depth.
 const int TVNG_FORMATTED_DEPTH = 100;

@@ -107,7 +107,7 @@ void addImages(TVNC_XMLSetting& setting, TVNC_XMLNode& root, const QString& dir)
         TVNC_XMLNode* pc_image = addImage(setting, root, noText, pictures.at(i));
         if (!pc_image)
             qBadAlloc();
-        if (!base64.isEmpty())
+        else if (!base64.isEmpty())
             TVNC_NodeAccess::setPackedText(
                 *pc_image, TVNC_PackedText::pack(base64.constData(), static_cast<int>(base64.size())));
     }

@@ -65,31 +65,26 @@ QString textOf(const Span& bytes, bool b_ascii)
     return text;
 }
 
-/// Replaces the named entities in checked bytes. Returns false when there are others.
+/// Replaces the predefined entities in checked bytes. Returns false when there are others.
 bool resolve(const Span& bytes, QByteArray& resolved)
 {
-    static const struct
-    {
-        const char* pc_name;
-        char c_meaning;
-    } ENTITIES[] = {{"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
-
     resolved.reserve(bytes.size());
     const char* pc_from = bytes.pc_begin;
     while (const void* const pc_found =
                std::memchr(pc_from, '&', static_cast<size_t>(bytes.pc_end - pc_from))) {
-        const char* const pc_entity = static_cast<const char*>(pc_found);
-        resolved.append(pc_from, static_cast<int>(pc_entity - pc_from));
-        pc_from = pc_entity;
-        for (size_t i = 0; i < sizeof ENTITIES / sizeof ENTITIES[0] && pc_from == pc_entity; ++i) {
-            // Behind the bytes there is a '<', so that no name is found beyond their end.
-            const size_t ul_length = std::strlen(ENTITIES[i].pc_name);
-            if (std::strncmp(pc_entity, ENTITIES[i].pc_name, ul_length) != 0)
+        const char* const pc_reference = static_cast<const char*>(pc_found);
+        resolved.append(pc_from, static_cast<int>(pc_reference - pc_from));
+        pc_from = pc_reference;
+        for (const auto& entity : TVNG_PREDEFINED_ENTITIES) {
+            // Behind the bytes there is a '<', so that no reference is found beyond their end.
+            const size_t ul_length = std::strlen(entity.pc_reference);
+            if (std::strncmp(pc_reference, entity.pc_reference, ul_length) != 0)
                 continue;
-            resolved.append(ENTITIES[i].c_meaning);
+            resolved.append(entity.c_meaning);
             pc_from += ul_length;
+            break;
         }
-        if (pc_from == pc_entity)
+        if (pc_from == pc_reference)
             return false;
     }
     resolved.append(pc_from, static_cast<int>(bytes.pc_end - pc_from));
@@ -409,7 +404,7 @@ private:
             return MORE_BYTES;
         if (si_length == TVNC_XMLCharacters::NO_SEQUENCE ||
             TVNC_XMLCharacters::isNoncharacter(pc_pos_, si_length) ||
-            std::strncmp(pc_pos_, "\xEF\xBB\xBF", 3) == 0)
+            std::strncmp(pc_pos_, TVNG_BYTE_ORDER_MARK, sizeof TVNG_BYTE_ORDER_MARK - 1) == 0)
             return OTHER_FORM;
         pc_pos_ += si_length;
         return DONE;

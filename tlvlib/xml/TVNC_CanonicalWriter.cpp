@@ -204,19 +204,13 @@ private:
 
     void sign(char c_sign, bool b_attribute)
     {
+        for (const auto& entity : TVNG_PREDEFINED_ENTITIES) {
+            if (entity.c_meaning == c_sign) {
+                bytes(entity.pc_reference, static_cast<int>(std::strlen(entity.pc_reference)));
+                return;
+            }
+        }
         switch (c_sign) {
-        case '<':
-            literal("&lt;");
-            break;
-        case '>':
-            literal("&gt;");
-            break;
-        case '&':
-            literal("&amp;");
-            break;
-        case '"':
-            literal("&quot;");
-            break;
         case '\t':
             b_attribute ? literal("&#9;") : literal("\t");
             break;
