@@ -64,8 +64,9 @@ private:
     bool areAttributeNames(const QXmlStreamAttributes& attributes) const
     {
         for (int i = 0; i < attributes.size(); ++i) {
-            const QXmlStreamAttribute& attribute = attributes.at(i);
-            if (!attribute.namespaceUri().isEmpty() || !isName(attribute.qualifiedName()))
+            const auto namespaceUri = attributes.at(i).namespaceUri();
+            const auto qualifiedName = attributes.at(i).qualifiedName();
+            if (!namespaceUri.isEmpty() || !isName(qualifiedName))
                 return false;
         }
         return true;

@@ -31,8 +31,11 @@ bool consistsOf(const QXmlStreamAttributes& attributes, int si_number, const QSt
         return false;
     const QXmlStreamAttribute& attribute = attributes.at(0);
     const auto value = attribute.value();
-    return TVNC_RecordNumbers::ofDigits(value.data(), static_cast<int>(value.size())) == si_number &&
-           attribute.namespaceUri().isEmpty() && attribute.qualifiedName() == attributeName;
+    if (TVNC_RecordNumbers::ofDigits(value.data(), static_cast<int>(value.size())) != si_number)
+        return false;
+    const auto namespaceUri = attribute.namespaceUri();
+    const auto qualifiedName = attribute.qualifiedName();
+    return namespaceUri.isEmpty() && qualifiedName == attributeName;
 }
 
 /**
