@@ -104,8 +104,8 @@ public:
      * Logs at level 3 "[TVNC_AuthSetting::setAuthInfo]", then what addAuthInfo() logs. A refusal has no line
      * of its own.
      *
-     * @return 1 when the entry was acceptable, 0 when it was refused. Before the first load it is 1, too,
-     * although the entry is lost.
+     * @return 1 when the entry was acceptable, 0 when it was refused. Before the first load, and when there
+     * is no memory for an element, it is 1, too, although the entry is lost.
      */
     int setAuthInfo(TVNS_AuthInfo* pc_info);
 
