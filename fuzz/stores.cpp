@@ -66,11 +66,13 @@ void fuzzBookmarks(QString dir)
     MUST(store->setBookmark(&added));
     Answers before = bookmarks();
     MUST(reload() == before);
+    // Loading completes no path behind a bookmark without the element. When that one goes, it completes more.
+    const bool hasElement = store->getBookmarkChildNode(2, 2);
     store->deleteBookmark(2);
     before = bookmarks();
-    // Not the paths: the bookmark that went may be the one without the element, behind which loading
-    // completes none.
-    MUST(withoutPaths(reload()) == withoutPaths(before));
+    const Answers after = reload();
+    MUST(withoutPaths(after) == withoutPaths(before));
+    MUST(after == before || !hasElement);
 }
 
 Answers visits()

@@ -3,9 +3,8 @@
 
 /**
  * @file
- * An operation of the interface runs here whatever may run out of memory. No exception leaves it then, and it
- * logs
- * "[TVNG_ifMemory] Fail" at level 1. Internal to the library; not installed.
+ * An operation of the interface runs here whatever may run out of memory. No exception leaves it then, and
+ * level 1 of the log has "[TVNG_ifMemory] Fail". Internal to the library; not installed.
  */
 
 #include "tlvlib/diag/TVNG_DebugPrint.h"
